@@ -1,0 +1,87 @@
+#pragma once
+
+#include <coroutine>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "platform/fatal.hpp"
+#include "platform/main_queue.hpp"
+
+namespace tamo::platform {
+
+/// An answer that comes exactly once, from a callback on any thread, to one coroutine on the main thread.
+///
+/// Copies are the same completion: the callback keeps one, because it may outlive the coroutine that waits. A
+/// second delivery stops the process; without a delivery the coroutine waits for ever. T is a value; there
+/// are no errors here, an operation that can fail delivers a value that says so.
+template <class T>
+class Completion {
+ public:
+  /// `queue` must outlive every copy.
+  explicit Completion(MainQueue& queue) : shared_(std::make_shared<Shared>(queue)) {}
+
+  /// Any thread, once. The coroutine goes on in a later turn of the main queue, never inside this call.
+  void deliver(T value) const {
+    std::coroutine_handle<> waiting;
+    {
+      const std::lock_guard hold(shared_->lock);
+      if (shared_->delivered) fatal("a completion was delivered twice");
+      shared_->delivered = true;
+      shared_->value.emplace(std::move(value));
+      waiting = std::exchange(shared_->waiting, nullptr);
+    }
+    if (waiting) resume(shared_->queue, waiting);
+  }
+
+  class Awaiter;
+  /// Suspends until the delivery, one turn of the main queue at least. Main thread, once.
+  Awaiter operator co_await() const { return Awaiter(shared_); }
+
+ private:
+  struct Shared {
+    explicit Shared(MainQueue& mainQueue) : queue(mainQueue) {}
+    MainQueue& queue;
+    std::mutex lock;
+    bool delivered = false;
+    std::optional<T> value;
+    std::coroutine_handle<> waiting;
+  };
+
+  static void resume(MainQueue& queue, std::coroutine_handle<> waiting) {
+    queue.post([&queue, waiting] {
+      requireMain(queue, "a resumed operation");
+      waiting.resume();
+    });
+  }
+
+  std::shared_ptr<Shared> shared_;
+};
+
+template <class T>
+class Completion<T>::Awaiter {
+ public:
+  explicit Awaiter(std::shared_ptr<Shared> shared) : shared_(std::move(shared)) {}
+  [[nodiscard]] bool await_ready() const noexcept { return false; }
+  void await_suspend(std::coroutine_handle<> awaiting) {
+    requireMain(shared_->queue, "an awaited completion");
+    {
+      const std::lock_guard hold(shared_->lock);
+      if (!shared_->delivered) {
+        shared_->waiting = awaiting;
+        return;
+      }
+    }
+    resume(shared_->queue, awaiting);
+  }
+  T await_resume() {
+    const std::lock_guard hold(shared_->lock);
+    return std::move(*shared_->value);
+  }
+
+ private:
+  std::shared_ptr<Shared> shared_;
+};
+
+}  // namespace tamo::platform

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace tamo::platform {
+
+/// Stream sockets in the file system. Any thread.
+class LocalSockets {
+ public:
+  virtual ~LocalSockets() = default;
+
+  /// Whether a stream socket at `path` takes a connection, which is closed again at once. No time limit: it
+  /// blocks as long as the listener's backlog is full. The path with its closing zero byte must fit 104
+  /// bytes, macOS's limit.
+  [[nodiscard]] virtual bool accepts(const std::string& path) = 0;
+};
+
+}  // namespace tamo::platform

@@ -1,0 +1,13 @@
+#include "platform/main_queue.hpp"
+
+#include <string>
+
+#include "platform/fatal.hpp"
+
+namespace tamo::platform {
+
+void requireMain(const MainQueue& queue, const char* where) {
+  if (!queue.isMain()) fatal(std::string(where) + " entered off the main thread");
+}
+
+}  // namespace tamo::platform

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace tamo::platform {
+
+/// One value of a property list.
+struct PropertyList {
+  using Array = std::vector<PropertyList>;
+  using Dictionary = std::map<std::string, PropertyList>;
+  /// A date, data or a reference: nothing that this system reads.
+  struct Other {};
+
+  /// Unsigned holds only the integers above the signed range.
+  std::variant<Other, bool, std::int64_t, std::uint64_t, double, std::string, Array, Dictionary> value;
+
+  [[nodiscard]] const std::string* text() const { return std::get_if<std::string>(&value); }
+  [[nodiscard]] const Array* array() const { return std::get_if<Array>(&value); }
+  [[nodiscard]] const Dictionary* dictionary() const { return std::get_if<Dictionary>(&value); }
+  /// The entry of a dictionary; null when this is none or has no such key.
+  [[nodiscard]] const PropertyList* entry(const std::string& key) const;
+};
+
+/// A number that is exactly a signed 64-bit integer: an integer in range, or a real without a fraction. A
+/// boolean is another kind, not a number.
+[[nodiscard]] std::optional<std::int64_t> exactInt64(const PropertyList& list);
+
+/// Reads an XML or binary property list. Absent for anything else: one wrong number or stray byte makes the
+/// whole list unreadable, as on macOS. Each backend brings its own reader; one suite holds them to the same
+/// answers. Any thread.
+[[nodiscard]] std::optional<PropertyList> readPropertyList(std::string_view bytes);
+
+}  // namespace tamo::platform

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Text rules that are the same on every backend. Pure functions, any thread.
+namespace tamo::platform {
+
+/// `text` without the spaces and tabs at both ends: the tab and Unicode's space separators (category Zs).
+/// Line breaks stay, a carriage return among them.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+/// `text` without every leading and trailing `character`.
+[[nodiscard]] std::string_view trimmed(std::string_view text, char character);
+
+/// Takes the next line off the front of `rest`, without its "\n", and leaves `rest` absent after the last
+/// one. A text that ends in "\n" has an empty last line. No other character ends a line.
+[[nodiscard]] std::string_view takeLine(std::optional<std::string_view>& rest);
+
+/// A decimal integer: an optional single "+" or "-", then one or more digits 0-9 and nothing else. Absent
+/// otherwise, and when the value is out of range.
+[[nodiscard]] std::optional<std::int64_t> decimalInt64(std::string_view text);
+[[nodiscard]] std::optional<std::int32_t> decimalInt32(std::string_view text);
+
+/// Whether `bytes` are well-formed UTF-8 throughout.
+[[nodiscard]] bool isUtf8(std::string_view bytes);
+
+/// `bytes` as UTF-8, with U+FFFD in place of each maximal invalid part: a character cut off at the end
+/// becomes one.
+[[nodiscard]] std::string repairedUtf8(std::string_view bytes);
+
+}  // namespace tamo::platform
