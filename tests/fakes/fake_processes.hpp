@@ -15,8 +15,8 @@ struct ToolScript {
   bool starts = true;
   std::int32_t status = 0;
   /// Written to the output file at the start.
-  std::string output;
-  std::string errors;
+  std::string output = {};
+  std::string errors = {};
   /// Virtual time until the tool exits; absent for one that never does.
   std::optional<std::chrono::nanoseconds> runsFor = std::chrono::nanoseconds(0);
   /// What else the start brings about.

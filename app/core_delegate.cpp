@@ -1,0 +1,106 @@
+#include "app/core_delegate.hpp"
+
+#include <chrono>
+#include <utility>
+
+#include "app/data_directory.hpp"
+#include "app/request_intake.hpp"
+#include "guard/live_data_guard.hpp"
+#include "move/app_move.hpp"
+#include "platform/fatal.hpp"
+
+namespace tamo {
+namespace {
+
+/// How long after launch URLs may still change what is requested. On a Mac the URL that started the process
+/// can come after launching has finished.
+constexpr std::chrono::milliseconds intake{400};
+
+}  // namespace
+
+CoreDelegate::CoreDelegate(const platform::Platform& platform, const TamoCoreConfig& config,
+                           std::vector<std::string> arguments)
+    : platform_(platform),
+      config_(config),
+      arguments_(std::move(arguments)),
+      log_(platform.logSystem.logger(std::string(config.coreBundleID), "lifecycle")),
+      liveData_(platform.files, platform.bundles, platform.user),
+      launchctl_({.processes = platform.processes,
+                  .files = platform.files,
+                  .clock = platform.clock,
+                  .kernelProcesses = platform.kernelProcesses,
+                  .user = platform.user,
+                  .label = std::string(config.label)}),
+      jobLock_({.lockFiles = platform.lockFiles,
+                .files = platform.files,
+                .clock = platform.clock,
+                .label = std::string(config.label)}),
+      hardStop_({.kernelProcesses = platform.kernelProcesses,
+                 .threads = platform.threads,
+                 .files = platform.files,
+                 .bundles = platform.bundles,
+                 .clock = platform.clock,
+                 .mainQueue = platform.mainQueue,
+                 .log = *log_,
+                 .printedJob = [this] { return printedJob(); },
+                 .dataDirectory = [this] { return dataDirectory(platform_.user, config_); }}),
+      definition_({.files = platform.files,
+                   .bundles = platform.bundles,
+                   .launchctl = launchctl_,
+                   .log = *log_,
+                   .label = std::string(config.label)}),
+      registration_(platform.mainQueue, hardStop_),
+      agentActions_({.launchctl = launchctl_,
+                     .definition = definition_,
+                     .registration = registration_,
+                     .hardStop = hardStop_,
+                     .sockets = platform.localSockets,
+                     .dataDirectory = [this] { return dataDirectory(platform_.user, config_); }}),
+      receipts_({.bundles = platform.bundles,
+                 .kernelProcesses = platform.kernelProcesses,
+                 .clock = platform.clock,
+                 .user = platform.user,
+                 .files = platform.files,
+                 .log = *log_}) {
+  platform::requireMain(platform_.mainQueue, "CoreDelegate");
+}
+
+void CoreDelegate::applicationDidFinishLaunching() {
+  platform::requireMain(platform_.mainQueue, "applicationDidFinishLaunching");
+  if (auto action = RequestIntake::actionOfArguments(arguments_)) requested_ = std::move(action);
+  const bool moves = AppMove::needed(platform_.bundles.mainBundlePath(),
+                                     LiveDataGuard::realHome(platform_.user), platform_.files);
+  std::string defaultAction(moves ? AppMove::operation : "register");
+  platform_.mainQueue.postAfter(intake, [this, defaultAction = std::move(defaultAction)] {
+    platform::requireMain(platform_.mainQueue, "the start of the action");
+    performing_.emplace(performRequested(defaultAction));
+    performing_->start();
+  });
+}
+
+void CoreDelegate::application(const std::vector<std::string>& open) {
+  platform::requireMain(platform_.mainQueue, "application(open:)");
+  for (const auto& url : open) {
+    if (auto action = RequestIntake::actionOfUrl(url, config_.urlScheme)) requested_ = std::move(action);
+  }
+}
+
+/// perform() itself raises nothing; what comes out of it all the same, a failed allocation say, must not
+/// leave a process that waits for ever.
+platform::Task<platform::Nothing> CoreDelegate::performRequested(std::string defaultAction) {
+  auto performing = perform(requested_.value_or(std::move(defaultAction)));
+  try {
+    co_await performing;
+  } catch (const std::exception& failure) {
+    platform::fatal(failure.what());
+  }
+  co_return platform::Nothing();
+}
+
+std::optional<std::string> CoreDelegate::printedJob() {
+  auto printed = launchctl_.printJob();
+  if (!printed) return std::nullopt;
+  return std::move(printed->text);
+}
+
+}  // namespace tamo

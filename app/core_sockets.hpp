@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/local_sockets.hpp"
+
+namespace tamo {
+
+/// Whether a running Core takes connections on one of its sockets in the data directory: "core.sock", then
+/// "talk.sock". False without a data directory. A path that does not fit macOS's socket address with its
+/// closing zero byte is passed over, not cut. No time limit: it blocks as long as a listener's backlog is
+/// full.
+[[nodiscard]] bool coreAnswers(platform::LocalSockets& sockets,
+                               const std::optional<std::string>& dataDirectory);
+
+}  // namespace tamo

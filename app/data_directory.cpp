@@ -1,0 +1,28 @@
+#include "app/data_directory.hpp"
+
+#include "platform/fatal.hpp"
+
+namespace tamo {
+namespace {
+
+std::string homeOf(const platform::PasswordEntry& entry) {
+  if (!entry.home) platform::fatal("the user's password entry has no home directory");
+  return *entry.home;
+}
+
+}  // namespace
+
+std::optional<std::string> dataDirectory(const platform::User& user, const TamoCoreConfig& config) {
+  const auto entry = user.passwordEntry();
+  if (!entry) return std::nullopt;
+  const auto home = config.proofHome ? std::string(*config.proofHome) : homeOf(*entry);
+  return home + "/Library/Application Support/Tamo/";
+}
+
+std::string passwordHome(const platform::User& user) {
+  const auto entry = user.passwordEntry();
+  if (!entry) platform::fatal("the user has no password entry");
+  return homeOf(*entry);
+}
+
+}  // namespace tamo

@@ -1,0 +1,56 @@
+#include "app/receipt.hpp"
+
+#include <array>
+#include <cstdio>
+
+#include "app/data_directory.hpp"
+#include "platform/json_text.hpp"
+#include "platform/paths.hpp"
+
+namespace tamo {
+namespace {
+
+std::string json(const OutcomeValue& value) {
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "true" : "false";
+  if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
+  return platform::jsonString(std::get<std::string>(value));
+}
+
+}  // namespace
+
+std::string receiptJson(const OutcomeRecord& record) {
+  std::string members;
+  for (const auto& [key, value] : record) {
+    if (!members.empty()) members += ",\n";
+    members += "  " + platform::jsonString(key) + " : " + json(value);
+  }
+  return "{\n" + members + "\n}";
+}
+
+std::string internetDateTime(std::chrono::system_clock::time_point time) {
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss hours(std::chrono::floor<std::chrono::seconds>(time - day));
+  std::array<char, 64> text{};
+  const int size =
+      std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+                    static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                    static_cast<int>(hours.hours().count()), static_cast<int>(hours.minutes().count()),
+                    static_cast<int>(hours.seconds().count()));
+  return {text.data(), static_cast<std::size_t>(size)};
+}
+
+void ReceiptWriter::write(OutcomeRecord& record) const {
+  record["bundle"] = needs_.bundles.mainBundlePath();
+  record["pid"] = std::int64_t{needs_.kernelProcesses.ownPid()};
+  record["timestamp"] = internetDateTime(needs_.clock.wallNow());
+  const auto directory =
+      platform::joinedPath(passwordHome(needs_.user), "Library/Application Support/TamoPKG1/M2");
+  const auto name = std::to_string(needs_.kernelProcesses.ownPid()) + "-core.json";
+  const bool written =
+      needs_.files.createDirectories(directory) &&
+      needs_.files.writeAtomically(platform::joinedPath(directory, name), receiptJson(record));
+  if (!written) needs_.log.write({platform::LogFormat::receiptFailed, {}});
+}
+
+}  // namespace tamo

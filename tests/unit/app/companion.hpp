@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/core_delegate.hpp"
+#include "fakes/fake_platform.hpp"
+
+namespace tamo {
+
+/// A companion on fakes: the installed release copy with an enabled agent whose Core, pid 4242, runs with the
+/// definition that the bundle holds. A test changes what it is about and then says run().
+class Companion {
+ public:
+  static constexpr std::int32_t corePid = 4242;
+  static inline const std::string target = "gui/501/studio.pell.tamo.core";
+
+  Companion();
+
+  /// Launches with these arguments after the program path, and goes on until nothing is left to do. The hard
+  /// stop's watcher runs as soon as the main thread waits for it.
+  void run(std::vector<std::string> arguments);
+  /// The same with "--core-action" and the action.
+  void act(const std::string& action) { run({"--core-action", action}); }
+
+  /// What launchctl prints of the job: a running Core, or none.
+  [[nodiscard]] static std::string print(bool running = true, const std::string& exitTimeout = "20");
+  void printsAlways(const std::string& text) {
+    fakes.processes.always({"/bin/launchctl", "print"}, {.output = text});
+  }
+  void kickstartGives(std::int32_t status);
+  /// The Core is gone as soon as it is asked to stop.
+  void coreIsGone() { fakes.kernelProcesses.processes.erase(corePid); }
+  void bundle(const std::string& path, const std::string& identifier, const std::string& build = "4211");
+
+  [[nodiscard]] std::vector<std::string> logLines() const { return fakes.ledger.textsOf({"log: "}); }
+
+  fakes::FakePlatform fakes;
+  TamoCoreConfig config;
+};
+
+}  // namespace tamo

@@ -1,0 +1,190 @@
+#include "app/core_delegate.hpp"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "app/core_main.hpp"
+#include "companion.hpp"
+
+namespace tamo {
+namespace {
+
+using std::chrono::milliseconds;
+using Texts = std::vector<std::string>;
+using Urls = std::vector<std::string>;
+
+/// A launch whose action is seen in the outcome line; "status" and unknown names need nothing arranged.
+class CoreDelegateTest : public ::testing::Test {
+ protected:
+  void launch(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "/program");
+    delegate.emplace(companion.fakes.platform, companion.config, std::move(arguments));
+  }
+  void finishLaunching() {
+    delegate->applicationDidFinishLaunching();
+    companion.fakes.mainQueue.runPosted();
+  }
+  void urlsAt(milliseconds moment, Urls urls) {
+    companion.fakes.clock.at(moment, [this, urls = std::move(urls)] { delegate->application(urls); });
+  }
+  std::string performed() {
+    companion.fakes.mainQueue.runUntilIdle();
+    const auto lines = companion.logLines();
+    return lines.size() == 1 ? lines.front() : std::to_string(lines.size()) + " lines";
+  }
+
+  Companion companion;
+  std::optional<CoreDelegate> delegate;
+};
+
+const std::string statusLine = "log: default status -> status 1 ok Optional(true)<private:>";
+
+std::string unknownLine(const std::string& action) {
+  return "log: default " + action +
+         " -> status 1 ok Optional(false) error TamoCore 64<private: Unknown action>";
+}
+
+TEST_F(CoreDelegateTest, NothingIsRequestedBeforeLaunchingHasFinished) {
+  launch({"--core-action", "status"});
+  EXPECT_FALSE(delegate->requested().has_value());
+  finishLaunching();
+  EXPECT_EQ(delegate->requested(), "status");
+}
+
+TEST_F(CoreDelegateTest, TheActionStartsFourTenthsOfASecondAfterLaunch) {
+  launch({"--core-action", "status"});
+  finishLaunching();
+  EXPECT_EQ(companion.fakes.ledger.textsOf({"queue: "}), Texts{"queue: after 400 ms"});
+  EXPECT_TRUE(companion.logLines().empty());
+  EXPECT_EQ(performed(), statusLine);
+  EXPECT_EQ(companion.fakes.clock.monotonicNow(), milliseconds(400));
+}
+
+TEST_F(CoreDelegateTest, TheFirstSwitchOfTwoIsTheAction) {
+  launch({"--core-action", "status", "--core-action", "bogus"});
+  finishLaunching();
+  EXPECT_EQ(performed(), statusLine);
+}
+
+TEST_F(CoreDelegateTest, AnUnknownNameOnTheCommandLineReachesTheDispatchUnchanged) {
+  launch({"--core-action", "audit-install"});
+  finishLaunching();
+  EXPECT_EQ(performed(), unknownLine("audit-install"));
+}
+
+TEST_F(CoreDelegateTest, AUrlWithinTheDelayReplacesTheCommandLine) {
+  launch({"--core-action", "bogus"});
+  finishLaunching();
+  urlsAt(milliseconds(399), {"tamo-core://status"});
+  EXPECT_EQ(performed(), statusLine);
+}
+
+TEST_F(CoreDelegateTest, AUrlBeforeLaunchingHasFinishedIsReplacedByTheCommandLine) {
+  launch({"--core-action", "bogus"});
+  delegate->application({"tamo-core://status"});
+  finishLaunching();
+  EXPECT_EQ(performed(), unknownLine("bogus"));
+}
+
+TEST_F(CoreDelegateTest, AUrlBeforeLaunchingHasFinishedReplacesTheDefault) {
+  launch({});
+  delegate->application({"tamo-core://status"});
+  finishLaunching();
+  EXPECT_EQ(performed(), statusLine);
+}
+
+TEST_F(CoreDelegateTest, OfSeveralUrlsTheLastAcceptedOneWins) {
+  launch({});
+  finishLaunching();
+  delegate->application({"tamo-core://status", "tamo-core://bogus", "tamo-core://reseat"});
+  EXPECT_EQ(delegate->requested(), "reseat");
+  delegate->application({"tamo-core://restart"});
+  EXPECT_EQ(delegate->requested(), "restart");
+  delegate->application({"tamo-core://move-to-applications"});
+  EXPECT_EQ(delegate->requested(), "move-to-applications");
+}
+
+TEST_F(CoreDelegateTest, AUrlThatIsNotAcceptedLeavesWhatWasRequestedAndLogsNothing) {
+  launch({});
+  finishLaunching();
+  delegate->application(
+      {"tamo-core://reseat", "TAMO-CORE://status", "tamo-core://sync?x=1", "https://status"});
+  EXPECT_EQ(delegate->requested(), "reseat");
+  EXPECT_TRUE(companion.logLines().empty());
+}
+
+TEST_F(CoreDelegateTest, AUrlAfterTheStartChangesNothing) {
+  launch({"--core-action", "status"});
+  finishLaunching();
+  EXPECT_EQ(performed(), statusLine);
+  delegate->application({"tamo-core://unregister"});
+  companion.fakes.mainQueue.runUntilIdle();
+  EXPECT_EQ(companion.logLines(), Texts{statusLine});
+  EXPECT_EQ(companion.fakes.ledger.count("application: terminate"), 1U);
+}
+
+TEST_F(CoreDelegateTest, WithoutARequestTheInstalledCopyRegisters) {
+  companion.fakes.agentServices.status = 0;
+  launch({});
+  finishLaunching();
+  EXPECT_EQ(performed(), "log: default register -> status 1 ok Optional(true)<private:>");
+}
+
+TEST_F(CoreDelegateTest, TheSwitchAsLastArgumentLeavesTheDefault) {
+  companion.fakes.agentServices.status = 0;
+  launch({"--core-action"});
+  finishLaunching();
+  EXPECT_EQ(performed(), "log: default register -> status 1 ok Optional(true)<private:>");
+}
+
+TEST_F(CoreDelegateTest, WithoutARequestAReleaseCopyElsewhereMoves) {
+  companion.fakes.bundles.mainBundle =
+      "/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
+  companion.bundle("/Users/u/Downloads/Tamo.app", "studio.pell.Tamo");
+  launch({});
+  finishLaunching();
+  EXPECT_EQ(performed(), "log: error move-to-applications isn't there yet");
+}
+
+/// What the default is, is settled at launch; a copy that is installed during the delay does not change it.
+TEST_F(CoreDelegateTest, TheDefaultIsFixedWhenLaunchingHasFinished) {
+  companion.fakes.bundles.mainBundle =
+      "/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
+  companion.bundle("/Users/u/Downloads/Tamo.app", "studio.pell.Tamo");
+  launch({});
+  finishLaunching();
+  companion.fakes.bundles.mainBundle = "/Applications/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
+  EXPECT_EQ(performed(), "log: error move-to-applications isn't there yet");
+}
+
+TEST_F(CoreDelegateTest, OneLoggerIsMadeWithTheCoresSubsystem) {
+  launch({});
+  EXPECT_EQ(companion.fakes.ledger.texts(), Texts{"logger: studio.pell.Tamo.Core lifecycle"});
+}
+
+TEST_F(CoreDelegateTest, EveryEntryOffTheMainThreadIsFatal) {
+  launch({});
+  EXPECT_DEATH(std::thread([this] { delegate->applicationDidFinishLaunching(); }).join(),
+               "fatal: applicationDidFinishLaunching entered off the main thread");
+  EXPECT_DEATH(std::thread([this] { delegate->application({}); }).join(),
+               "fatal: application\\(open:\\) entered off the main thread");
+  EXPECT_DEATH(std::thread([this] { launch({}); }).join(), "fatal: CoreDelegate entered off the main thread");
+  EXPECT_DEATH(std::thread([this] {
+                 auto task = delegate->perform("status");
+                 task.start();
+               }).join(),
+               "fatal: perform entered off the main thread");
+}
+
+TEST(CoreMainTest, MakesAnAccessoryWithOneDelegateAndRunsIt) {
+  fakes::FakePlatform fakes;
+  platform::ApplicationDelegate* whileRunning = nullptr;
+  fakes.application.loop = [&] { whileRunning = fakes.application.delegate; };
+  CoreMain::main(fakes.platform, {}, {"/program"});
+  EXPECT_NE(whileRunning, nullptr);
+  EXPECT_EQ(fakes.ledger.textsOf({"application: "}),
+            (Texts{"application: accessory", "application: delegate", "application: run"}));
+}
+
+}  // namespace
+}  // namespace tamo

@@ -1,0 +1,136 @@
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+/// The rules of the house that a compiler does not hold: which folder may include which, what stands only in
+/// the platform's folders, what both compilers have, and how long a file may grow.
+namespace tamo {
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+struct Source {
+  std::string path;
+  std::string text;
+};
+
+const fs::path root = TAMO_SOURCE_DIR;
+
+std::string contents(const fs::path& path) {
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+std::vector<Source> sources(const Texts& folders) {
+  std::vector<Source> found;
+  for (const auto& folder : folders) {
+    for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
+      const auto extension = entry.path().extension();
+      if (extension != ".cpp" && extension != ".hpp" && extension != ".mm") continue;
+      found.push_back({entry.path().lexically_relative(root).string(), contents(entry.path())});
+    }
+  }
+  return found;
+}
+
+const Texts layers{"app", "move", "launch", "hardstop", "guard", "platform"};
+const Texts everything{"app", "move", "launch", "hardstop", "guard", "platform", "tests"};
+
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.find('/'));
+}
+
+Texts matches(const std::string& text, const std::regex& pattern) {
+  Texts found;
+  for (auto it = std::sregex_iterator(text.begin(), text.end(), pattern); it != std::sregex_iterator();
+       ++it) {
+    found.push_back((*it)[1]);
+  }
+  return found;
+}
+
+const std::regex projectInclude(R"re((?:^|\n)#include "([^"]+)")re");
+const std::regex systemInclude(R"re((?:^|\n)#(?:include|import) <([^>]+)>)re");
+
+TEST(HouseRulesTest, IncludesRunDownwardsOnly) {
+  for (const auto& source : sources(layers)) {
+    const auto own = std::find(layers.begin(), layers.end(), folderOf(source.path));
+    for (const auto& include : matches(source.text, projectInclude)) {
+      const auto used = std::find(layers.begin(), layers.end(), folderOf(include));
+      EXPECT_NE(used, layers.end()) << source.path << " includes " << include;
+      EXPECT_GE(used - own, 0) << source.path << " includes " << include << ", which lies above it";
+    }
+  }
+}
+
+TEST(HouseRulesTest, NothingAboveThePlatformKnowsABackend) {
+  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard"})) {
+    for (const auto& include : matches(source.text, projectInclude)) {
+      const bool backend = include.starts_with("platform/") && include.find('/', 9) != std::string::npos;
+      EXPECT_FALSE(backend) << source.path << " includes " << include;
+    }
+  }
+}
+
+TEST(HouseRulesTest, NothingAboveThePlatformIncludesASystemHeader) {
+  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard"})) {
+    for (const auto& include : matches(source.text, systemInclude)) {
+      const bool standard = include.find('.') == std::string::npos;
+      EXPECT_TRUE(standard || include == "nlohmann/json.hpp")
+          << source.path << " includes <" << include << ">";
+    }
+  }
+}
+
+TEST(HouseRulesTest, ThePlatformIsAskedForInItsFoldersAlone) {
+  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard"})) {
+    EXPECT_EQ(source.text.find("__APPLE__"), std::string::npos) << source.path;
+    EXPECT_EQ(source.text.find("__linux__"), std::string::npos) << source.path;
+  }
+}
+
+TEST(HouseRulesTest, OnlyWhatBothCompilersHaveIsUsed) {
+  const std::regex missing(
+      R"((<format>|<print>|<generator>|<syncstream>|<spanstream>|<stacktrace>|<memory_resource>|std::jthread)"
+      R"(|std::stop_token|move_only_function|ranges::to\b|views::zip|views::join_with|std::pmr))");
+  for (const auto& source : sources(everything)) {
+    if (source.path == "tests/unit/house/house_rules_test.cpp") continue;
+    EXPECT_EQ(matches(source.text, missing), Texts{}) << source.path;
+  }
+}
+
+TEST(HouseRulesTest, NoFileOutgrowsOneSitting) {
+  for (const auto& source : sources(everything)) {
+    EXPECT_LE(std::count(source.text.begin(), source.text.end(), '\n'), 400) << source.path;
+  }
+}
+
+TEST(HouseRulesTest, MainIsShort) {
+  const auto text = contents(root / "app/main.cpp");
+  EXPECT_FALSE(text.empty());
+  EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 60);
+}
+
+TEST(HouseRulesTest, EveryHeaderGuardsItself) {
+  for (const auto& source : sources(everything)) {
+    EXPECT_EQ(source.path.ends_with(".hpp"), source.text.starts_with("#pragma once\n")) << source.path;
+  }
+}
+
+/// The rules would hold of an empty tree as well, so the tree is counted.
+TEST(HouseRulesTest, TheRulesSeeTheWholeHouse) {
+  std::set<std::string> seen;
+  for (const auto& source : sources(everything))
+    seen.insert(folderOf(source.path));
+  EXPECT_EQ(seen, std::set<std::string>(everything.begin(), everything.end()));
+}
+
+}  // namespace
+}  // namespace tamo
