@@ -22,17 +22,17 @@ class Completion {
   /// `queue` must outlive every copy.
   explicit Completion(MainQueue& queue) : shared_(std::make_shared<Shared>(queue)) {}
 
-  /// Any thread, once. The coroutine goes on in a later turn of the main queue, never inside this call.
+  /// Any thread, once. The coroutine goes on in a later turn of the main queue, never inside this call; one
+  /// that is gone by then is left alone.
   void deliver(T value) const {
-    std::coroutine_handle<> waiting;
     {
       const std::lock_guard hold(shared_->lock);
       if (shared_->delivered) fatal("a completion was delivered twice");
       shared_->delivered = true;
       shared_->value.emplace(std::move(value));
-      waiting = std::exchange(shared_->waiting, nullptr);
+      if (!shared_->waiting) return;
     }
-    if (waiting) resume(shared_->queue, waiting);
+    postResumption(shared_);
   }
 
   class Awaiter;
@@ -46,13 +46,19 @@ class Completion {
     std::mutex lock;
     bool delivered = false;
     std::optional<T> value;
+    /// Null before the wait, after the resumption, and when the waiting coroutine was destroyed.
     std::coroutine_handle<> waiting;
   };
 
-  static void resume(MainQueue& queue, std::coroutine_handle<> waiting) {
-    queue.post([&queue, waiting] {
-      requireMain(queue, "a resumed operation");
-      waiting.resume();
+  static void postResumption(const std::shared_ptr<Shared>& shared) {
+    shared->queue.post([shared] {
+      requireMain(shared->queue, "a resumed operation");
+      std::coroutine_handle<> waiting;
+      {
+        const std::lock_guard hold(shared->lock);
+        waiting = std::exchange(shared->waiting, nullptr);
+      }
+      if (waiting) waiting.resume();
     });
   }
 
@@ -63,17 +69,22 @@ template <class T>
 class Completion<T>::Awaiter {
  public:
   explicit Awaiter(std::shared_ptr<Shared> shared) : shared_(std::move(shared)) {}
+  Awaiter(const Awaiter&) = delete;
+  Awaiter& operator=(const Awaiter&) = delete;
+  ~Awaiter() {
+    const std::lock_guard hold(shared_->lock);
+    shared_->waiting = nullptr;
+  }
+
   [[nodiscard]] bool await_ready() const noexcept { return false; }
   void await_suspend(std::coroutine_handle<> awaiting) {
     requireMain(shared_->queue, "an awaited completion");
     {
       const std::lock_guard hold(shared_->lock);
-      if (!shared_->delivered) {
-        shared_->waiting = awaiting;
-        return;
-      }
+      shared_->waiting = awaiting;
+      if (!shared_->delivered) return;
     }
-    resume(shared_->queue, awaiting);
+    postResumption(shared_);
   }
   T await_resume() {
     const std::lock_guard hold(shared_->lock);

@@ -1,5 +1,6 @@
 #include "platform/paths.hpp"
 
+#include <algorithm>
 #include <vector>
 
 namespace tamo::platform {

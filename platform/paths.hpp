@@ -7,7 +7,7 @@
 namespace tamo::platform {
 
 /// `path` with "." and ".." components removed lexically, runs of "/" made one and no "/" at its end. ".." at
-/// the root vanishes. "~" is a name like any other.
+/// the root vanishes. "~" is a name like any other; a relative path is taken from the root.
 ///
 /// macOS additionally resolves links before it removes a ".." and drops some "/private" prefixes; this
 /// function does neither, on any backend, because a decision about live data must not depend on what happens
@@ -18,7 +18,7 @@ namespace tamo::platform {
 [[nodiscard]] std::string joinedPath(std::string_view directory, std::string_view relative);
 
 /// What stands before the last component of a standardised path ("/" for a top-level item), and the component
-/// itself.
+/// itself ("" for the root).
 [[nodiscard]] std::string_view parentPath(std::string_view path);
 [[nodiscard]] std::string_view lastComponent(std::string_view path);
 

@@ -31,9 +31,10 @@ struct PropertyList {
 /// boolean is another kind, not a number.
 [[nodiscard]] std::optional<std::int64_t> exactInt64(const PropertyList& list);
 
-/// Reads an XML or binary property list. Absent for anything else: one wrong number or stray byte makes the
-/// whole list unreadable, as on macOS. Each backend brings its own reader; one suite holds them to the same
-/// answers. Any thread.
+/// Reads an XML or binary property list. Absent for anything else, lists of the old ASCII form among them:
+/// one wrong number or stray byte makes the whole list unreadable, as on macOS. A key that a dictionary has
+/// twice keeps its last value. Each backend brings its own reader; one suite holds them to the same answers.
+/// Any thread.
 [[nodiscard]] std::optional<PropertyList> readPropertyList(std::string_view bytes);
 
 }  // namespace tamo::platform

@@ -16,7 +16,7 @@ namespace tamo::platform {
 [[nodiscard]] std::string_view trimmed(std::string_view text, char character);
 
 /// Takes the next line off the front of `rest`, without its "\n", and leaves `rest` absent after the last
-/// one. A text that ends in "\n" has an empty last line. No other character ends a line.
+/// one. `rest` is present. A text that ends in "\n" has an empty last line. No other character ends a line.
 [[nodiscard]] std::string_view takeLine(std::optional<std::string_view>& rest);
 
 /// A decimal integer: an optional single "+" or "-", then one or more digits 0-9 and nothing else. Absent

@@ -208,7 +208,7 @@ TEST_F(DispatchTest, AReceiptThatFailsIsALineAfterTheOutcomeAndChangesNothingEls
   companion.act("sync");
   const auto lines =
       companion.fakes.ledger.textsOf({"log: default sync", "log: error", "application: terminate"});
-  EXPECT_EQ(lines, (Texts{"log: default sync -> status 1 ok Optional(true)<private:>",
+  EXPECT_EQ(lines, (Texts{"log: default sync -> status 0 ok Optional(false)<private:>",
                           "log: error receipt failed", "application: terminate"}));
 }
 

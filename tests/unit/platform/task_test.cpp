@@ -146,6 +146,30 @@ TEST_F(TaskTest, ADeliveryFromAnotherThreadResumesOnTheMainThread) {
   EXPECT_EQ(task.take(), 11);
 }
 
+TEST_F(TaskTest, ADeliveryToATaskThatWasDestroyedMeanwhileResumesNothing) {
+  const auto held = std::make_shared<int>(0);
+  const Completion<int> completion(queue);
+  {
+    auto task = holds(completion, held);
+    task.start();
+  }
+  completion.deliver(1);
+  queue.runUntilIdle();
+  EXPECT_EQ(*held, 0);
+}
+
+TEST_F(TaskTest, ATaskDestroyedBetweenDeliveryAndResumptionIsLeftAlone) {
+  const auto held = std::make_shared<int>(0);
+  const Completion<int> completion(queue);
+  {
+    auto task = holds(completion, held);
+    task.start();
+    completion.deliver(1);
+  }
+  queue.runUntilIdle();
+  EXPECT_EQ(*held, 0);
+}
+
 TEST_F(TaskTest, WithoutADeliveryTheTaskWaits) {
   const Completion<int> completion(queue);
   auto task = awaits(completion);

@@ -1,0 +1,98 @@
+#include "guard/live_data_guard.hpp"
+
+#include <array>
+#include <cstddef>
+
+#include "platform/bundle_info.hpp"
+#include "platform/fatal.hpp"
+#include "platform/paths.hpp"
+#include "platform/unicode.hpp"
+
+namespace tamo::LiveDataGuard {
+namespace {
+
+using platform::joinedPath;
+using platform::standardisedPath;
+
+/// Whether `candidate` is the directory `root` or lies below it. `root` is in lower case and has `length`
+/// characters.
+bool leadsInto(const std::string& candidate, const std::string& root, std::size_t length) {
+  const auto lower = platform::lowercased(candidate);
+  const auto rest = platform::droppingCharacters(lower, length);
+  const auto front = std::string_view(lower).substr(0, lower.size() - rest.size());
+  return platform::canonicallyEqual(front, root) && (rest.empty() || rest.starts_with('/'));
+}
+
+}  // namespace
+
+std::string realHome(const platform::User& user) {
+  const auto entry = user.passwordEntry();
+  if (!entry) return std::string(unknownHome);
+  if (!entry->home) platform::fatal("the user database has an entry without a home");
+  return *entry->home;
+}
+
+std::string stagedApp(std::string_view home) {
+  return standardisedPath(joinedPath(home, stagedRel));
+}
+
+std::string outerApp(std::string_view of) {
+  const auto path = standardisedPath(of);
+  return path.substr(0, path.rfind(helperRel));
+}
+
+AppCopy appCopy(std::string_view path, std::string_view home, const platform::FileReader& files) {
+  const auto outer = outerApp(path);
+  return {.appPath = outer,
+          .resolvedPath = files.resolvedPath(outer),
+          .bundleID = platform::bundleIdentifier(files, outer),
+          .home = std::string(home)};
+}
+
+bool mayOpenLive(const AppCopy& copy) {
+  if (!copy.bundleID) return false;
+  if (*copy.bundleID != releaseBundleID) return false;
+  const auto path = standardisedPath(copy.appPath);
+  if (path != standardisedPath(copy.resolvedPath)) return false;
+  return path == installedApp || path == stagedApp(copy.home);
+}
+
+bool mayOpenLive(std::string_view path, std::string_view home, const platform::FileReader& files) {
+  return mayOpenLive(appCopy(path, home, files));
+}
+
+std::string dataHome(const Access& access) {
+  return access.live ? access.real : std::string(isolatedHome);
+}
+
+ClampedPath clampedPath(std::string_view path, const platform::FileReader& files) {
+  const auto standardised = standardisedPath(path);
+  const auto parent = files.resolvedPath(std::string(platform::parentPath(standardised)));
+  return {.path = std::string(path),
+          .standardised = standardised,
+          .viaParent = joinedPath(parent, platform::lastComponent(standardised))};
+}
+
+std::string clamp(const ClampedPath& path, const Access& access) {
+  if (access.live) return path.path;
+  const auto root = platform::lowercased(standardisedPath(joinedPath(access.real, dataRel)));
+  const auto length = platform::characterCount(root);
+  for (const auto* candidate : std::array{&path.standardised, &path.viaParent}) {
+    if (!leadsInto(*candidate, root, length)) continue;
+    return std::string(isolatedData).append(platform::droppingCharacters(*candidate, length));
+  }
+  return path.path;
+}
+
+std::string clamp(std::string_view path, const Access& access, const platform::FileReader& files) {
+  if (access.live) return std::string(path);
+  return clamp(clampedPath(path, files), access);
+}
+
+std::string refusal(std::string_view app) {
+  return std::string("tamo.test_copy_refused_live_data app=")
+      .append(app)
+      .append(" (only /Applications/Tamo.app opens the founder's data and Core)");
+}
+
+}  // namespace tamo::LiveDataGuard

@@ -1,0 +1,63 @@
+#include "hardstop/process_snapshot.hpp"
+
+#include "platform/fatal.hpp"
+#include "platform/text.hpp"
+
+namespace tamo::HardStop {
+namespace {
+
+constexpr std::uint64_t microsPerSecond = 1'000'000;
+constexpr std::int32_t lowestJobPid = 2;
+constexpr std::string_view pidKey = "pid = ";
+
+/// A wrapped sum would give a process another's identity, or a line another's depth.
+template <class Integer>
+Integer checkedSum(Integer left, Integer right) {
+  Integer sum{};
+  if (__builtin_add_overflow(left, right, &sum)) platform::fatal("a sum in a process snapshot overflows");
+  return sum;
+}
+
+std::uint64_t microsOf(const platform::ProcessInfo& info) {
+  std::uint64_t micros = 0;
+  if (__builtin_mul_overflow(info.startSeconds, microsPerSecond, &micros)) {
+    platform::fatal("the seconds of a start time overflow as microseconds");
+  }
+  return checkedSum(micros, info.startMicroseconds);
+}
+
+std::optional<std::int32_t> pidOfLine(std::string_view line) {
+  if (!line.starts_with(pidKey)) return std::nullopt;
+  const auto value = platform::decimalInt32(line.substr(pidKey.size()));
+  return value && *value >= lowestJobPid ? value : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Seen> kernel(const platform::KernelProcesses& processes, std::int32_t pid) {
+  const auto info = processes.info(pid);
+  if (!info) return std::nullopt;
+  return Seen{.pid = pid, .startMicros = microsOf(*info), .group = info->group, .zombie = info->zombie};
+}
+
+bool alive(const Seen& earlier, const std::optional<Seen>& later) {
+  return later && !later->zombie && later->startMicros == earlier.startMicros;
+}
+
+std::optional<std::int32_t> pid(std::string_view fromPrint) {
+  std::int64_t depth = 0;
+  std::optional rest = fromPrint;
+  while (rest) {
+    const auto line = platform::trimmed(platform::takeLine(rest));
+    if (line.ends_with("= {")) {
+      depth = checkedSum<std::int64_t>(depth, 1);
+    } else if (line == "}") {
+      depth = checkedSum<std::int64_t>(depth, -1);
+    } else if (depth == 1) {
+      if (const auto found = pidOfLine(line)) return found;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace tamo::HardStop

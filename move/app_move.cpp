@@ -1,0 +1,89 @@
+#include "move/app_move.hpp"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/bundle_info.hpp"
+#include "platform/json_text.hpp"
+#include "platform/paths.hpp"
+#include "platform/text.hpp"
+
+namespace tamo::AppMove {
+namespace {
+
+struct Wording {
+  std::string_view code;
+  std::string_view words;
+};
+
+/// The codes "no_helper" and "timeout" are not produced here; readers of the result know them.
+constexpr std::array wordings{
+    Wording{"cancelled",
+            "The move was cancelled, so Tamo is still in Downloads. Show it in Finder and drag it into "
+            "Applications."},
+    Wording{"not_writable",
+            "macOS didn’t let Tamo write to your Applications folder. Show it in Finder and drag it into "
+            "Applications."},
+    Wording{"copy_failed",
+            "Tamo couldn’t copy itself into Applications. Show it in Finder and drag it into Applications."},
+    Wording{"no_helper",
+            "macOS didn’t let Tamo move itself from this temporary copy. Show it in Finder and drag it into "
+            "Applications."},
+    Wording{"timeout",
+            "Tamo didn’t hear back while moving. Show it in Finder and drag it into Applications."},
+};
+constexpr std::string_view otherwise =
+    "Tamo couldn’t move itself. Show it in Finder and drag it into Applications.";
+
+}  // namespace
+
+bool needed(const LiveDataGuard::AppCopy& copy) {
+  if (!copy.bundleID) return false;
+  if (*copy.bundleID != LiveDataGuard::releaseBundleID) return false;
+  return !LiveDataGuard::mayOpenLive(copy);
+}
+
+bool needed(std::string_view path, std::string_view home, const platform::FileReader& files) {
+  return needed(LiveDataGuard::appCopy(path, home, files));
+}
+
+Plan plan(const Builds& builds) {
+  if (!builds.installedExists) return Plan::copy;
+  if (!builds.source || !builds.installed) return Plan::openInstalled;
+  return *builds.installed < *builds.source ? Plan::replace : Plan::openInstalled;
+}
+
+std::optional<std::int64_t> buildNumber(std::string_view version) {
+  const auto pieces = platform::trimmed(version, '.');
+  return platform::decimalInt64(pieces.substr(0, pieces.find('.')));
+}
+
+std::optional<std::int64_t> build(const platform::FileReader& files, const std::string& appPath) {
+  const auto version = platform::bundleText(files, appPath, "CFBundleVersion");
+  if (!version) return std::nullopt;
+  return buildNumber(*version);
+}
+
+std::string encoded(const Result& result) {
+  const std::string ok = result.ok ? "true" : "false";
+  return R"({"ok":)" + ok + R"(,"code":)" + platform::jsonString(result.code) + "}";
+}
+
+std::string resultURL(std::string_view home, std::string_view bundleID) {
+  const auto container =
+      std::string("Library/Containers/").append(bundleID).append("/Data/Library/Application Support/Tamo");
+  return platform::joinedPath(platform::joinedPath(home, container), resultName);
+}
+
+std::string_view words(std::string_view code) {
+  const auto* found = std::find_if(wordings.begin(), wordings.end(),
+                                   [code](const Wording& wording) { return wording.code == code; });
+  return found == wordings.end() ? otherwise : found->words;
+}
+
+std::optional<std::string> originalURL(const std::string& of, const platform::Bundles& bundles) {
+  if (!of.contains("/AppTranslocation/")) return std::nullopt;
+  return bundles.originalLocation(of);
+}
+
+}  // namespace tamo::AppMove

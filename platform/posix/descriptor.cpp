@@ -1,0 +1,25 @@
+#include "platform/posix/descriptor.hpp"
+
+#include <unistd.h>
+#include <utility>
+
+namespace tamo::platform {
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+  if (this != &other) {
+    close();
+    number_ = other.release();
+  }
+  return *this;
+}
+
+int Descriptor::release() {
+  return std::exchange(number_, -1);
+}
+
+void Descriptor::close() {
+  // Not repeated after EINTR: the number is free by then, and may already be somebody else's.
+  if (const int number = release(); number >= 0) ::close(number);
+}
+
+}  // namespace tamo::platform

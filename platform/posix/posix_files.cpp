@@ -1,0 +1,123 @@
+#include "platform/posix/posix_files.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <limits>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "platform/paths.hpp"
+#include "platform/posix/byte_stream.hpp"
+#include "platform/posix/descriptor.hpp"
+
+namespace tamo::platform::posix {
+namespace {
+
+class PosixOutputFile final : public OutputFile {
+ public:
+  explicit PosixOutputFile(Descriptor opened) : opened_(std::move(opened)) {}
+  [[nodiscard]] int descriptor() const override { return opened_.get(); }
+
+ private:
+  Descriptor opened_;
+};
+
+bool isDirectory(const std::string& path) {
+  struct stat found {};
+  return ::stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
+}
+
+/// The mode that a replaced file hands on; absent when there is no regular file to take it from.
+std::optional<mode_t> modeToKeep(const std::string& path) {
+  struct stat found {};
+  if (::lstat(path.c_str(), &found) != 0 || !S_ISREG(found.st_mode)) return std::nullopt;
+  return found.st_mode & 07777;
+}
+
+/// A file that is removed again unless it has been moved to its place.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const std::string& folder) {
+    do {
+      path_ = joinedPath(folder, nextName());
+      opened_ = Descriptor(::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    } while (!opened_ && errno == EEXIST);
+    placed_ = !opened_;
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() {
+    if (!placed_) ::unlink(path_.c_str());
+  }
+
+  [[nodiscard]] bool holds(std::string_view bytes, std::optional<mode_t> mode) {
+    if (!opened_ || !writeAll(opened_.get(), bytes)) return false;
+    if (mode && ::fchmod(opened_.get(), *mode) != 0) return false;
+    return bytes.empty() || ::fsync(opened_.get()) == 0;
+  }
+  [[nodiscard]] bool moveTo(const std::string& path) {
+    opened_.close();
+    placed_ = ::rename(path_.c_str(), path.c_str()) == 0;
+    return placed_;
+  }
+
+ private:
+  /// Different for every process and every call; a left-over of an earlier process is passed over.
+  static std::string nextName() {
+    static std::atomic<unsigned> count = 0;
+    return ".tamo-write." + std::to_string(::getpid()) + "." + std::to_string(count++);
+  }
+
+  std::string path_;
+  Descriptor opened_;
+  bool placed_ = false;
+};
+
+}  // namespace
+
+bool exists(const std::string& path) {
+  struct stat found {};
+  return ::stat(path.c_str(), &found) == 0;
+}
+
+std::optional<std::string> readWhole(const std::string& path) {
+  const Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!opened) return std::nullopt;
+  return readToEnd(opened.get(), std::numeric_limits<std::size_t>::max());
+}
+
+bool writeAtomically(const std::string& path, std::string_view bytes) {
+  TemporaryFile file{std::string(parentPath(path))};
+  return file.holds(bytes, modeToKeep(path)) && file.moveTo(path);
+}
+
+std::unique_ptr<OutputFile> openForWriting(const std::string& path) {
+  Descriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!opened) return nullptr;
+  return std::make_unique<PosixOutputFile>(std::move(opened));
+}
+
+bool createDirectory(const std::string& path) {
+  if (::mkdir(path.c_str(), 0777) == 0) return true;
+  return errno == EEXIST && isDirectory(path);
+}
+
+bool createDirectories(const std::string& path) {
+  if (createDirectory(path)) return true;
+  if (errno != ENOENT || path.empty() || path == "/") return false;
+  const std::string above(parentPath(path));
+  return createDirectories(above) && createDirectory(path);
+}
+
+bool remove(const std::string& path) {
+  std::error_code failure;
+  const auto removed = std::filesystem::remove_all(path, failure);
+  return !failure && removed > 0;
+}
+
+}  // namespace tamo::platform::posix

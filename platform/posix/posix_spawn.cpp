@@ -1,0 +1,94 @@
+#include "platform/posix/posix_spawn.hpp"
+
+#include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/posix/host_differences.hpp"
+
+namespace tamo::platform {
+namespace {
+
+/// What becomes of the standard streams. Each call says whether it found the memory it needs.
+class FileActions {
+ public:
+  FileActions() { made_ = ::posix_spawn_file_actions_init(&actions_) == 0; }
+  FileActions(const FileActions&) = delete;
+  FileActions& operator=(const FileActions&) = delete;
+  ~FileActions() {
+    if (made_) ::posix_spawn_file_actions_destroy(&actions_);
+  }
+
+  /// `source` -1 stands for the null device.
+  [[nodiscard]] bool connect(int stream, int source) {
+    if (!made_) return false;
+    if (source >= 0) return ::posix_spawn_file_actions_adddup2(&actions_, source, stream) == 0;
+    return ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0) == 0;
+  }
+  [[nodiscard]] bool keepNothingElse() { return made_ && inheritOnlyStreams(actions_); }
+  [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+ private:
+  posix_spawn_file_actions_t actions_{};
+  bool made_ = false;
+};
+
+/// A process group of its own, and signals as a fresh program expects them.
+class Attributes {
+ public:
+  Attributes() { made_ = ::posix_spawnattr_init(&attributes_) == 0; }
+  Attributes(const Attributes&) = delete;
+  Attributes& operator=(const Attributes&) = delete;
+  ~Attributes() {
+    if (made_) ::posix_spawnattr_destroy(&attributes_);
+  }
+
+  [[nodiscard]] bool setUp() {
+    sigset_t none;
+    sigset_t all;
+    ::sigemptyset(&none);
+    ::sigfillset(&all);
+    const auto flags = static_cast<short>(POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |
+                                          POSIX_SPAWN_SETSIGDEF | inheritanceFlag());
+    return made_ && ::posix_spawnattr_setsigmask(&attributes_, &none) == 0 &&
+           ::posix_spawnattr_setsigdefault(&attributes_, &all) == 0 &&
+           ::posix_spawnattr_setpgroup(&attributes_, 0) == 0 &&
+           ::posix_spawnattr_setflags(&attributes_, flags) == 0;
+  }
+  [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
+
+ private:
+  posix_spawnattr_t attributes_{};
+  bool made_ = false;
+};
+
+/// The argument vector in the form that exec takes. It points into the strings it was made of.
+std::vector<char*> vectorOf(std::vector<std::string>& words) {
+  std::vector<char*> vector;
+  for (auto& word : words)
+    vector.push_back(word.data());
+  vector.push_back(nullptr);
+  return vector;
+}
+
+}  // namespace
+
+std::optional<pid_t> spawn(const ToolLaunch& launch, const std::string& executable, int errors) {
+  FileActions actions;
+  // Standard output first: its source may be this process's standard error.
+  const bool connected = actions.connect(STDOUT_FILENO, launch.standardOutput) &&
+                         actions.connect(STDERR_FILENO, errors) && actions.keepNothingElse();
+  Attributes attributes;
+  if (!connected || !attributes.setUp()) return std::nullopt;
+  std::vector<std::string> words{launch.path};
+  words.insert(words.end(), launch.arguments.begin(), launch.arguments.end());
+  pid_t child = -1;
+  const int failure = ::posix_spawn(&child, executable.c_str(), actions.get(), attributes.get(),
+                                    vectorOf(words).data(), ownEnvironment());
+  if (failure != 0) return std::nullopt;
+  return child;
+}
+
+}  // namespace tamo::platform

@@ -1,0 +1,170 @@
+#include "platform/stage/programs/core_program.hpp"
+
+#include <csignal>
+#include <fstream>
+#include <poll.h>
+#include <string>
+#include <sys/signalfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/fatal.hpp"
+#include "platform/posix/descriptor.hpp"
+#include "platform/posix/posix_files.hpp"
+#include "platform/stage/programs/program_log.hpp"
+#include "platform/stage/programs/stage_presence.hpp"
+#include "platform/stage/stream_sockets.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Term = CoreBehaviour::Term;
+
+void say(const std::string& what) {
+  logLine(STDOUT_FILENO, "core " + std::to_string(::getpid()) + ": " + what);
+}
+
+platform::Descriptor terminations() {
+  sigset_t signals;
+  ::sigemptyset(&signals);
+  ::sigaddset(&signals, SIGTERM);
+  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+  return platform::Descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+/// A helper does nothing but be there; it minds SIGTERM as the Core does.
+[[noreturn]] void help(const StageRoot& root, const CoreBehaviour& behaviour) {
+  if (behaviour.childrenLeave) ::setpgid(0, 0);
+  const bool obeys = behaviour.term == Term::Obey;
+  ::signal(SIGTERM, obeys ? SIG_DFL : SIG_IGN);
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+  const StagePresence presence(root.directory());
+  while (presence.isThere())
+    ::sleep(1);
+  ::_exit(0);
+}
+
+class Core {
+ public:
+  Core(const StageRoot& root, const CoreBehaviour& behaviour)
+      : root_(root),
+        behaviour_(behaviour),
+        presence_(root.directory()),
+        began_(Clock::now()),
+        data_(root.host(root.home() + "/Library/Application Support/Tamo")) {}
+
+  int run() {
+    if (!behaviour_.leadsGroup && ::setpgid(0, ::getpgid(::getppid())) != 0) say("could not join its parent");
+    say("started in group " + std::to_string(::getpgrp()));
+    static_cast<void>(platform::posix::createDirectories(data_));
+    for (int i = 0; i < behaviour_.children; ++i)
+      addHelper();
+    while (!exit_ && presence_.isThere())
+      turn();
+    for (const auto& path : socketPaths_)
+      ::unlink(path.c_str());
+    say("exits with " + std::to_string(exit_.value_or(0)));
+    return exit_.value_or(0);
+  }
+
+ private:
+  void addHelper() {
+    const auto pid = ::fork();
+    if (pid < 0) platform::fatal("the Core could not fork");
+    if (pid == 0) help(root_, behaviour_);
+    // Both sides name the group, so that it is settled whoever runs first.
+    if (behaviour_.childrenLeave) ::setpgid(pid, pid);
+    say("has the helper " + std::to_string(pid));
+  }
+
+  void turn() {
+    if (!up_ && Clock::now() >= began_ + behaviour_.startsSlowly) comeUp();
+    std::vector<pollfd> polled = {{.fd = terminations_.get(), .events = POLLIN, .revents = 0}};
+    for (const auto& socket : sockets_)
+      polled.push_back({.fd = socket.get(), .events = POLLIN, .revents = 0});
+    ::poll(polled.data(), polled.size(), static_cast<int>(pause().count()));
+    hangUpCallers();
+    signalfd_siginfo info{};
+    while (::read(terminations_.get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info))
+      toldToEnd();
+    endWhenDue();
+  }
+
+  void comeUp() {
+    up_ = true;
+    if (behaviour_.coreSocket) listen("core.sock");
+    if (behaviour_.talkSocket) listen("talk.sock");
+    say("is up");
+    if (!behaviour_.stopsItself) return;
+    say("stops itself");
+    ::raise(SIGSTOP);
+  }
+
+  void listen(const std::string& name) {
+    const auto path = data_ + "/" + name;
+    auto socket = listeningAt(path);
+    if (!socket) return say("could not listen on " + name);
+    sockets_.push_back(std::move(socket));
+    socketPaths_.push_back(path);
+  }
+
+  /// Whoever connects wants to know no more than that the Core answers.
+  void hangUpCallers() {
+    for (const auto& socket : sockets_)
+      while (platform::Descriptor(::accept4(socket.get(), nullptr, nullptr, SOCK_CLOEXEC))) {
+      }
+  }
+
+  void toldToEnd() {
+    if (behaviour_.term == Term::Ignore || exitAt_) return say("ignores SIGTERM");
+    say("obeys SIGTERM");
+    exitAt_ = Clock::now() + behaviour_.termDelay;
+    if (behaviour_.term == Term::Revert) std::ofstream(marker()) << "pending\n";
+  }
+
+  void endWhenDue() {
+    const auto now = Clock::now();
+    if (exitAt_ && now >= *exitAt_) {
+      if (behaviour_.term == Term::Revert) ::unlink(marker().c_str());
+      exit_ = 0;
+    } else if (behaviour_.diesAfter && now >= began_ + *behaviour_.diesAfter) {
+      exit_ = behaviour_.diesWith;
+    }
+  }
+
+  [[nodiscard]] std::string marker() const { return data_ + "/core.db.revert.pending"; }
+
+  /// A second at most, so that the stage's end is noticed.
+  [[nodiscard]] std::chrono::milliseconds pause() const {
+    auto next = Clock::now() + std::chrono::seconds(1);
+    if (!up_) next = std::min(next, began_ + behaviour_.startsSlowly);
+    if (exitAt_) next = std::min(next, *exitAt_);
+    if (behaviour_.diesAfter) next = std::min(next, began_ + *behaviour_.diesAfter);
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
+    return std::max(left, std::chrono::milliseconds(0));
+  }
+
+  const StageRoot& root_;
+  const CoreBehaviour behaviour_;
+  const StagePresence presence_;
+  const Clock::time_point began_;
+  const std::string data_;
+  platform::Descriptor terminations_ = terminations();
+  std::vector<platform::Descriptor> sockets_;
+  std::vector<std::string> socketPaths_;
+  bool up_ = false;
+  std::optional<Clock::time_point> exitAt_;
+  std::optional<int> exit_;
+};
+
+}  // namespace
+
+int runCore(const StageRoot& root, const CoreBehaviour& behaviour) {
+  return Core(root, behaviour).run();
+}
+
+}  // namespace tamo::stage

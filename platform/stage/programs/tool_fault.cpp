@@ -1,0 +1,131 @@
+#include "platform/stage/programs/tool_fault.hpp"
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+#include <unistd.h>
+
+#include "platform/posix/byte_stream.hpp"
+#include "platform/posix/posix_files.hpp"
+#include "platform/stage/programs/stage_presence.hpp"
+#include "platform/text.hpp"
+
+namespace tamo::stage {
+namespace {
+
+std::string_view takeWord(std::string_view& rest) {
+  const auto end = std::min(rest.find(' '), rest.size());
+  const auto word = rest.substr(0, end);
+  rest.remove_prefix(std::min(end + 1, rest.size()));
+  return word;
+}
+
+std::optional<Lie> lieOf(std::string_view rest) {
+  if (rest.empty()) return std::nullopt;
+  const auto space = rest.rfind(' ');
+  const auto status =
+      space == std::string_view::npos ? std::nullopt : platform::decimalInt32(rest.substr(space + 1));
+  if (!status) return Lie{.file = std::string(rest)};
+  return Lie{.file = std::string(rest.substr(0, space)), .status = *status};
+}
+
+template <class Line>
+void eachLine(std::string_view lines, Line line) {
+  std::optional<std::string_view> rest = lines;
+  while (rest)
+    line(platform::takeLine(rest));
+}
+
+template <class... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
+
+void hang(const StageRoot& root) {
+  const StagePresence presence(root.directory());
+  while (presence.isThere())
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+}
+
+void flood(int descriptor, std::int32_t bytes) {
+  const std::string line(63, '~');
+  std::string text;
+  while (text.size() < static_cast<std::size_t>(bytes))
+    text += line + "\n";
+  text.resize(static_cast<std::size_t>(bytes));
+  // A reader that goes away is part of what is rehearsed.
+  static_cast<void>(platform::writeAll(descriptor, text));
+}
+
+int lie(const StageRoot& root, const Lie& fault) {
+  const auto file = root.existing(fault.file);
+  const auto bytes = file ? platform::posix::readWhole(*file) : std::nullopt;
+  if (bytes) static_cast<void>(platform::writeAll(STDOUT_FILENO, *bytes));
+  return fault.status;
+}
+
+}  // namespace
+
+std::optional<ToolFault> toolFault(std::string_view text) {
+  auto rest = text;
+  const auto kind = takeWord(rest);
+  if (kind == "hang") return rest.empty() ? std::optional<ToolFault>(Hang{}) : std::nullopt;
+  if (kind == "lie") return lieOf(rest);
+  const auto number = platform::decimalInt32(rest);
+  if (!number || *number < 0) return std::nullopt;
+  if (kind == "fail") return Fail{.status = *number};
+  if (kind == "slow") return Slow{.milliseconds = *number};
+  if (kind == "flood") return Flood{.bytes = *number};
+  if (kind == "die") return Die{.signal = *number};
+  return std::nullopt;
+}
+
+std::optional<ToolFault> toolFaultFor(std::string_view lines, std::string_view verb) {
+  std::optional<ToolFault> any;
+  std::optional<ToolFault> own;
+  eachLine(lines, [&](std::string_view line) {
+    const auto named = takeWord(line);
+    if (named == verb && !own) own = toolFault(line);
+    if (named == "*" && !any) any = toolFault(line);
+  });
+  return own ? own : any;
+}
+
+std::string withToolFault(std::string_view lines, std::string_view verb,
+                          std::optional<std::string_view> fault) {
+  std::string kept;
+  eachLine(lines, [&](std::string_view line) {
+    auto rest = line;
+    if (!line.empty() && takeWord(rest) != verb) kept.append(line).append("\n");
+  });
+  if (fault) kept.append(verb).append(" ").append(*fault).append("\n");
+  if (!kept.empty()) kept.pop_back();
+  return kept;
+}
+
+std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, const std::string& verb) {
+  const auto fault = toolFaultFor(root.setting("tool-" + tool, ""), verb);
+  if (!fault) return std::nullopt;
+  const Overloaded suffer = {[&](const Hang&) -> std::optional<int> {
+                               hang(root);
+                               return 1;
+                             },
+                             [](const Fail& ordered) -> std::optional<int> { return ordered.status; },
+                             [](const Slow& ordered) -> std::optional<int> {
+                               std::this_thread::sleep_for(std::chrono::milliseconds(ordered.milliseconds));
+                               return std::nullopt;
+                             },
+                             [](const Flood& ordered) -> std::optional<int> {
+                               flood(STDOUT_FILENO, ordered.bytes);
+                               flood(STDERR_FILENO, ordered.bytes);
+                               return std::nullopt;
+                             },
+                             [&](const Lie& ordered) -> std::optional<int> { return lie(root, ordered); },
+                             [](const Die& ordered) -> std::optional<int> {
+                               ::raise(ordered.signal);
+                               return std::nullopt;
+                             }};
+  return std::visit(suffer, *fault);
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,138 @@
+#include "platform/stage/run_loop.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <ctime>
+#include <poll.h>
+#include <string>
+#include <sys/eventfd.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "platform/fatal.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using namespace std::chrono_literals;
+
+timespec timespecOf(std::chrono::nanoseconds duration) {
+  const auto seconds = std::chrono::floor<std::chrono::seconds>(duration);
+  timespec result{};
+  result.tv_sec = static_cast<time_t>(seconds.count());
+  result.tv_nsec = static_cast<long>((duration - seconds).count());
+  return result;
+}
+
+/// Taken away from the environment, so that no tool or companion started from here opens them again.
+std::vector<std::string> urlsOfTheStart() {
+  const char* lines = std::getenv("TAMO_STAGE_OPEN");
+  if (lines == nullptr) return {};
+  auto urls = urlsIn(lines);
+  ::unsetenv("TAMO_STAGE_OPEN");
+  return urls;
+}
+
+}  // namespace
+
+RunLoop::RunLoop(const StageRoot& root) : root_(root), wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (!wake_) platform::fatal("the main loop gets no event descriptor");
+}
+
+void RunLoop::post(std::function<void()> work) {
+  const std::lock_guard hold(lock_);
+  posted_.push_back(std::move(work));
+  // A full counter refuses to grow, but then the loop is awake already.
+  const std::uint64_t one = 1;
+  static_cast<void>(!::write(wake_.get(), &one, sizeof one));
+}
+
+void RunLoop::postAfter(std::chrono::nanoseconds delay, std::function<void()> work) {
+  platform::requireMain(*this, "delayed work");
+  delayed_.emplace(std::chrono::steady_clock::now() + delay, std::move(work));
+}
+
+void RunLoop::run() {
+  platform::requireMain(*this, "the main loop");
+  if (delegate_ == nullptr) platform::fatal("an application without a delegate was run");
+  inbox_.emplace(root_);
+  running_ = true;
+  finishLaunching();
+  while (running_)
+    turn();
+  inbox_.reset();
+}
+
+void RunLoop::terminate() {
+  platform::requireMain(*this, "the terminate request");
+  if (!running_) platform::fatal("there is no application to terminate");
+  running_ = false;
+  if (root_.setting("terminate", "exits") == "returns") return;
+  inbox_.reset();
+  std::exit(0);
+}
+
+void RunLoop::finishLaunching() {
+  open(urlsOfTheStart());
+  if (running_) delegate_->applicationDidFinishLaunching();
+}
+
+void RunLoop::turn() {
+  awaitEvents();
+  deliverURLs();
+  queueDueWork();
+  runNext();
+}
+
+void RunLoop::awaitEvents() {
+  std::vector<pollfd> sources{{.fd = wake_.get(), .events = POLLIN, .revents = 0}};
+  for (const int descriptor : inbox_->descriptors())
+    sources.push_back({.fd = descriptor, .events = POLLIN, .revents = 0});
+  const auto longest = longestWait();
+  const auto limit = timespecOf(longest.value_or(0ns));
+  // An interrupted wait is only a turn with nothing to do.
+  static_cast<void>(::ppoll(sources.data(), sources.size(), longest ? &limit : nullptr, nullptr));
+  std::uint64_t wakings = 0;
+  static_cast<void>(!::read(wake_.get(), &wakings, sizeof wakings));
+}
+
+std::optional<std::chrono::nanoseconds> RunLoop::longestWait() {
+  {
+    const std::lock_guard hold(lock_);
+    if (!posted_.empty()) return 0ns;
+  }
+  if (delayed_.empty()) return std::nullopt;
+  const std::chrono::nanoseconds left = delayed_.begin()->first - std::chrono::steady_clock::now();
+  return std::max(left, 0ns);
+}
+
+void RunLoop::deliverURLs() {
+  for (const auto& urls : inbox_->receive())
+    open(urls);
+}
+
+void RunLoop::open(const std::vector<std::string>& urls) {
+  if (running_ && !urls.empty()) delegate_->application(urls);
+}
+
+void RunLoop::queueDueWork() {
+  const auto now = std::chrono::steady_clock::now();
+  const std::lock_guard hold(lock_);
+  while (!delayed_.empty() && delayed_.begin()->first <= now)
+    posted_.push_back(std::move(delayed_.extract(delayed_.begin()).mapped()));
+}
+
+void RunLoop::runNext() {
+  std::function<void()> work;
+  {
+    const std::lock_guard hold(lock_);
+    if (posted_.empty() || !running_) return;
+    work = std::move(posted_.front());
+    posted_.pop_front();
+  }
+  work();
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,66 @@
+#include "platform/stage/stage_agent_services.hpp"
+
+#include <utility>
+
+#include "platform/text.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using platform::Error;
+
+constexpr auto domain = "TamoStage";
+constexpr std::int64_t notFound = 3;
+
+class StageAgentService final : public platform::AgentService {
+ public:
+  StageAgentService(const StageRoot& root, platform::Threads& threads, std::string bundle,
+                    std::string plistName)
+      : root_(root), threads_(threads), bundle_(std::move(bundle)), plistName_(std::move(plistName)) {}
+
+  [[nodiscard]] std::int64_t status() override {
+    const auto answer = askLaunchd(root_, {"service-status", plistName_});
+    if (!answer || answer->status != 0) return notFound;
+    return platform::decimalInt64(answer->output).value_or(notFound);
+  }
+  void registerAgent() override {
+    const auto error = errorFrom(askLaunchd(root_, {"service-register", bundle_, plistName_}));
+    if (error) throw Error(*error);
+  }
+  void unregisterAgent(Completion completion) override {
+    threads_.detach([root = root_, name = plistName_, completion = std::move(completion)] {
+      completion(errorFrom(askLaunchd(root, {"service-unregister", name})));
+    });
+  }
+
+ private:
+  const StageRoot& root_;
+  platform::Threads& threads_;
+  std::string bundle_;
+  std::string plistName_;
+};
+
+}  // namespace
+
+std::optional<Error> errorFrom(const std::optional<LaunchdAnswer>& answer) {
+  if (!answer) return Error(domain, 1, "The stage's launchd does not answer.");
+  if (answer->status == 0) return std::nullopt;
+  const std::string& text = answer->output;
+  const auto first = text.find('\t');
+  const auto second = text.find('\t', first == std::string::npos ? first : first + 1);
+  if (second == std::string::npos) return Error(domain, 2, "The stage's launchd gave no error.");
+  const auto code = platform::decimalInt64(std::string_view(text).substr(first + 1, second - first - 1));
+  if (!code) return Error(domain, 2, "The stage's launchd gave an error without a code.");
+  return Error(text.substr(0, first), *code, text.substr(second + 1));
+}
+
+std::unique_ptr<platform::AgentService> StageAgentServices::agent(const std::string& plistName) {
+  return std::make_unique<StageAgentService>(root_, threads_, bundles_.mainBundlePath(), plistName);
+}
+
+void StageAgentServices::openSystemSettingsLoginItems() {
+  // There is no result to report a failure in.
+  static_cast<void>(askLaunchd(root_, {"open-login-items"}));
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,44 @@
+#include "platform/stage/stage_bundles.hpp"
+
+#include <filesystem>
+#include <string_view>
+#include <sys/auxv.h>
+
+#include "platform/fatal.hpp"
+#include "platform/paths.hpp"
+#include "platform/posix/posix_files.hpp"
+#include "platform/text.hpp"
+
+namespace tamo::stage {
+
+std::string executableAsLaunched() {
+  // The auxiliary vector holds the number of an address.
+  const auto* path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+  if (path == nullptr) platform::fatal("the kernel does not tell how this process was started");
+  return *path == '/' ? path : platform::joinedPath(std::filesystem::current_path().string(), path);
+}
+
+std::string bundleOf(const std::string& executable) {
+  constexpr std::string_view inside = "/Contents/MacOS";
+  const auto folder = platform::parentPath(executable);
+  if (folder.size() <= inside.size() || !folder.ends_with(inside)) return std::string(folder);
+  return std::string(folder.substr(0, folder.size() - inside.size()));
+}
+
+StageBundles::StageBundles(const StageRoot& root, const std::string& executable) : root_(root) {
+  const auto path = root_.onStage(executable);
+  if (!path) platform::fatal(executable + " does not lie below the stage " + root_.directory());
+  mainBundle_ = bundleOf(*path);
+}
+
+std::optional<std::string> StageBundles::originalLocation(const std::string& appPath) const {
+  const auto lines = platform::posix::readWhole(root_.control("translocated")).value_or("");
+  const auto start = appPath + "\t";
+  for (std::optional<std::string_view> rest(lines); rest;) {
+    const auto line = platform::takeLine(rest);
+    if (line.starts_with(start)) return std::string(line.substr(start.size()));
+  }
+  return std::nullopt;
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,39 @@
+#include "platform/stage/stage_host.hpp"
+
+namespace tamo::stage {
+
+StageHost::StageHost(const StageRoot& root, const std::string& executable)
+    : root_(root),
+      runLoop_(root_),
+      processes_(root_),
+      files_(root_),
+      lockFiles_(root_),
+      bundles_(root_, executable),
+      user_(root_),
+      localSockets_(root_),
+      log_(root_, clock_),
+      agentServices_(root_, bundles_, threads_),
+      platform_{.application = runLoop_,
+                .mainQueue = runLoop_,
+                .agentServices = agentServices_,
+                .processes = processes_,
+                .kernelProcesses = kernelProcesses_,
+                .threads = threads_,
+                .files = files_,
+                .lockFiles = lockFiles_,
+                .bundles = bundles_,
+                .user = user_,
+                .clock = clock_,
+                .localSockets = localSockets_,
+                .logSystem = log_} {}
+
+}  // namespace tamo::stage
+
+namespace tamo::platform {
+
+std::unique_ptr<Host> makeHost() {
+  return std::make_unique<stage::StageHost>(stage::StageRoot::fromEnvironment(),
+                                            stage::executableAsLaunched());
+}
+
+}  // namespace tamo::platform

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/platform.hpp"
+#include "platform/posix/posix_clock.hpp"
+#include "platform/posix/posix_threads.hpp"
+#include "platform/stage/run_loop.hpp"
+#include "platform/stage/stage_agent_services.hpp"
+#include "platform/stage/stage_bundles.hpp"
+#include "platform/stage/stage_files.hpp"
+#include "platform/stage/stage_kernel_processes.hpp"
+#include "platform/stage/stage_local_sockets.hpp"
+#include "platform/stage/stage_lock_files.hpp"
+#include "platform/stage/stage_log.hpp"
+#include "platform/stage/stage_processes.hpp"
+#include "platform/stage/stage_root.hpp"
+#include "platform/stage/stage_user.hpp"
+
+namespace tamo::stage {
+
+/// A companion's whole surroundings on one stage. The thread that makes it is the main thread.
+class StageHost final : public platform::Host {
+ public:
+  /// `executable` is the host path of the running program as launched (see StageBundles).
+  StageHost(const StageRoot& root, const std::string& executable);
+
+  [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
+
+ private:
+  StageRoot root_;
+  platform::PosixClock clock_;
+  platform::PosixThreads threads_;
+  RunLoop runLoop_;
+  StageProcesses processes_;
+  StageKernelProcesses kernelProcesses_;
+  StageFiles files_;
+  StageLockFiles lockFiles_;
+  StageBundles bundles_;
+  StageUser user_;
+  StageLocalSockets localSockets_;
+  StageLog log_;
+  StageAgentServices agentServices_;
+  platform::Platform platform_;
+};
+
+}  // namespace tamo::stage

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "platform/kernel_processes.hpp"
+
+namespace tamo::stage {
+
+/// The fields of "/proc/PID/stat" that a snapshot needs.
+struct ProcStat {
+  char state = '?';
+  std::int32_t group = 0;
+  /// Since the machine was started, in clock ticks.
+  std::uint64_t startTicks = 0;
+};
+
+/// Reads the line of a process. Its second field is the program's name in parentheses and may hold anything,
+/// spaces and parentheses too, so the counting begins after the last ")". Absent for any other text.
+[[nodiscard]] std::optional<ProcStat> procStat(std::string_view line);
+
+/// The processes of this machine, as the kernel's process files tell them. A look opens and closes one file
+/// and one process descriptor.
+///
+/// Known differences from a Mac: start times count from the start of the machine, never from the wall clock,
+/// which can be set; their resolution is one tick (10 ms), and the part below it is no time but a number that
+/// the kernel gives every process once, so two processes that use one pid within a tick still differ. On a
+/// kernel without that number (before 6.9) they would not. Processes of other users can be looked at, and
+/// kernel threads count as processes.
+class StageKernelProcesses final : public platform::KernelProcesses {
+ public:
+  StageKernelProcesses();
+
+  [[nodiscard]] std::optional<platform::ProcessInfo> info(std::int32_t pid) const override;
+  [[nodiscard]] std::int32_t ownPid() const override;
+  [[nodiscard]] std::int32_t ownGroup() const override;
+  void kill(std::int32_t pid) override;
+  void killGroup(std::int32_t group) override;
+
+ private:
+  std::uint64_t microsecondsPerTick_;
+  bool numbersProcesses_;
+};
+
+}  // namespace tamo::stage

@@ -1,0 +1,138 @@
+#include "platform/stage/stage_root.hpp"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include "platform/fatal.hpp"
+#include "platform/paths.hpp"
+#include "platform/posix/descriptor.hpp"
+#include "platform/posix/posix_files.hpp"
+#include "platform/text.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using platform::Descriptor;
+using platform::fatal;
+
+std::string canonical(const std::string& directory) {
+  std::array<char, PATH_MAX> resolved;
+  if (::realpath(directory.c_str(), resolved.data()) == nullptr) fatal("no stage at " + directory);
+  const Descriptor opened(::open(resolved.data(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!opened) fatal("the stage at " + directory + " is no directory");
+  return resolved.data();
+}
+
+/// The kernel gives up with EAGAIN when a rename elsewhere might have let a ".." out of the root while it
+/// looked; another try settles it.
+Descriptor openedInRoot(int root, const std::string& path, std::uint64_t flags) {
+  struct open_how how {};
+  how.flags = flags | O_PATH | O_CLOEXEC;
+  how.resolve = RESOLVE_IN_ROOT;
+  for (;;) {
+    const auto number = ::syscall(SYS_openat2, root, path.c_str(), &how, sizeof how);
+    if (number >= 0) return Descriptor(static_cast<int>(number));
+    if (errno == ENOSYS) fatal("a stage needs openat2");
+    if (errno != EAGAIN && errno != EINTR) return {};
+  }
+}
+
+std::optional<std::string> pathOf(const Descriptor& opened) {
+  const auto link = "/proc/self/fd/" + std::to_string(opened.get());
+  std::array<char, PATH_MAX> path;
+  const auto size = ::readlink(link.c_str(), path.data(), path.size());
+  if (size <= 0) return std::nullopt;
+  return std::string(path.data(), static_cast<std::size_t>(size));
+}
+
+std::optional<std::string> resolvedInRoot(const std::string& directory, std::string_view path,
+                                          std::uint64_t flags) {
+  const Descriptor root(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!root) return std::nullopt;
+  const auto opened = openedInRoot(root.get(), std::string(path), flags);
+  if (!opened) return std::nullopt;
+  return pathOf(opened);
+}
+
+}  // namespace
+
+StageRoot StageRoot::fromEnvironment() {
+  const char* directory = std::getenv("TAMO_STAGE");
+  if (directory == nullptr || *directory == '\0') fatal("no stage: TAMO_STAGE is not set");
+  return StageRoot(directory);
+}
+
+StageRoot::StageRoot(const std::string& directory) : directory_(canonical(directory)) {}
+
+std::string StageRoot::host(std::string_view stagePath) const {
+  const auto path = platform::standardisedPath(stagePath);
+  return path == "/" ? directory_ : directory_ + path;
+}
+
+std::optional<std::string> StageRoot::onStage(std::string_view hostPath) const {
+  const auto path = platform::standardisedPath(hostPath);
+  if (path == directory_) return "/";
+  if (!path.starts_with(directory_ + "/")) return std::nullopt;
+  return path.substr(directory_.size());
+}
+
+std::optional<std::string> StageRoot::existing(std::string_view stagePath) const {
+  return resolvedInRoot(directory_, stagePath, 0);
+}
+
+std::optional<std::string> StageRoot::entry(std::string_view stagePath) const {
+  const auto end = stagePath.find_last_not_of('/');
+  if (end == std::string_view::npos) return std::nullopt;
+  const auto path = stagePath.substr(0, end + 1);
+  const auto name = platform::lastComponent(path);
+  if (name == "." || name == "..") return std::nullopt;
+  const auto folder = resolvedInRoot(directory_, platform::parentPath(path), O_DIRECTORY);
+  if (!folder) return std::nullopt;
+  return platform::joinedPath(*folder, name);
+}
+
+std::string StageRoot::control(std::string_view name) const {
+  return platform::joinedPath(directory_ + "/.stage", name);
+}
+
+std::optional<std::string> StageRoot::setting(std::string_view name) const {
+  auto text = platform::posix::readWhole(platform::joinedPath(control("settings"), name));
+  if (text && text->ends_with('\n')) text->pop_back();
+  return text;
+}
+
+std::string StageRoot::setting(std::string_view name, std::string_view otherwise) const {
+  return setting(name).value_or(std::string(otherwise));
+}
+
+void StageRoot::set(std::string_view name, std::optional<std::string_view> value) const {
+  const auto settings = control("settings");
+  const auto path = platform::joinedPath(settings, name);
+  if (!value) {
+    // Clearing what is not set is no mistake.
+    static_cast<void>(platform::posix::remove(path));
+    return;
+  }
+  const bool written = platform::posix::createDirectories(settings) &&
+                       platform::posix::writeAtomically(path, std::string(*value) + "\n");
+  if (!written) fatal("the setting " + std::string(name) + " cannot be written");
+}
+
+std::uint32_t StageRoot::userID() const {
+  const auto number = platform::decimalInt32(setting("user-id", "501"));
+  if (!number || *number < 0) fatal("the setting user-id is no user id");
+  return static_cast<std::uint32_t>(*number);
+}
+
+std::string StageRoot::home() const {
+  const auto home = setting("home", "none");
+  return home == "none" ? "/Users/tamo" : home;
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+namespace tamo::stage {
+
+/// Whether a binary property list can be handed to the library that reads it. The library checks that every
+/// object lies within the bytes; this looks for what it does not check:
+///   - containers nested too deep, or in themselves;
+///   - containers that are named so often that the list would grow without bound;
+///   - an integer of more than 64 bits, which the library would silently cut. macOS keeps such a number; here
+///     the whole list counts as unreadable.
+/// Pure, any thread.
+[[nodiscard]] bool binaryListIsSound(std::string_view bytes);
+
+}  // namespace tamo::stage

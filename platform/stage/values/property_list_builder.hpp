@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/property_list.hpp"
+
+namespace tamo::stage {
+
+/// Builds a property list from the events of an XML parser. Each event answers whether the document can still
+/// be a property list; after a no there are no more events. One thread.
+class PropertyListBuilder {
+ public:
+  /// The beginning of an element.
+  [[nodiscard]] bool begin(std::string_view name);
+  /// A piece of text within an element; an element can have several.
+  [[nodiscard]] bool text(std::string_view piece);
+  /// The end of the element that began last.
+  [[nodiscard]] bool end();
+
+  /// The list, after the end of the outermost element.
+  [[nodiscard]] std::optional<platform::PropertyList> result();
+
+ private:
+  enum class Element { Plist, Dict, Array, Key, String, Integer, Real, True, False, Opaque };
+
+  /// An element whose end has not come yet, with what it holds so far.
+  struct Open {
+    Element element;
+    /// The text of anything but a container.
+    std::string text = {};
+    /// The dictionary or array as it grows; the value of a <plist>.
+    std::optional<platform::PropertyList> list = std::nullopt;
+    /// The key of a dictionary that waits for its value.
+    std::optional<std::string> key = std::nullopt;
+  };
+
+  static std::optional<Element> elementNamed(std::string_view name);
+  static bool isContainer(Element element) { return element <= Element::Array; }
+  static std::optional<platform::PropertyList> valueOf(Open open);
+  [[nodiscard]] bool mayBegin(Element element) const;
+  void put(platform::PropertyList value);
+
+  std::vector<Open> open_;
+  std::optional<platform::PropertyList> result_;
+};
+
+}  // namespace tamo::stage

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstddef>
+
+namespace tamo::stage {
+
+/// How many containers may stand one in another. Reading, copying and destroying a list take stack for each.
+inline constexpr std::size_t deepestNesting = 512;
+
+/// How many values a list may have in all. A binary list can name one array a thousand times, and that array
+/// another a thousand times, and so grow without bound out of a few bytes.
+inline constexpr std::size_t mostValues = 100'000;
+
+}  // namespace tamo::stage

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <csignal>
+#include <functional>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/posix/descriptor.hpp"
+
+namespace tamo::contract {
+
+/// A child process of a test that does some work and then exits with status 0. Destroying it kills and reaps
+/// it, so no test leaves one behind.
+class Child {
+ public:
+  explicit Child(const std::function<void()>& work) : pid_(::fork()) {
+    if (pid_ != 0) return;
+    work();
+    ::_exit(0);
+  }
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() {
+    if (pid_ <= 0) return;
+    ::kill(pid_, SIGKILL);
+    static_cast<void>(reap());
+  }
+
+  [[nodiscard]] pid_t pid() const { return pid_; }
+
+  /// Waits until it has exited, but leaves it a zombie.
+  void awaitExit() const {
+    siginfo_t ignored{};
+    ::waitid(P_PID, static_cast<id_t>(pid_), &ignored, WEXITED | WNOWAIT);
+  }
+  /// Waits for the exit and takes the status; the pid is free afterwards.
+  int reap() {
+    int status = 0;
+    platform::uninterrupted([&] { return ::waitpid(pid_, &status, 0); });
+    pid_ = -1;
+    return status;
+  }
+
+ private:
+  pid_t pid_;
+};
+
+/// What a child does that only has to be there.
+inline void sleepUntilKilled() {
+  for (;;)
+    ::pause();
+}
+
+}  // namespace tamo::contract

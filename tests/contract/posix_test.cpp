@@ -1,0 +1,114 @@
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "contract/temporary_stage.hpp"
+#include "platform/posix/byte_stream.hpp"
+#include "platform/posix/descriptor.hpp"
+#include "platform/posix/posix_files.hpp"
+#include "platform/posix/posix_local_sockets.hpp"
+#include "platform/posix/posix_processes.hpp"
+
+/// What the POSIX pieces promise beyond the interfaces, on this host's own paths.
+namespace tamo::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PosixTest : public ::testing::Test {
+ protected:
+  [[nodiscard]] std::string path(const std::string& name) const { return folder.root().host("/" + name); }
+
+  contract::TemporaryStage folder;
+};
+
+TEST_F(PosixTest, ADescriptorHasOneOwner) {
+  Descriptor first(::dup(1));
+  const int number = first.get();
+  Descriptor second(std::move(first));
+  EXPECT_EQ(second.get(), number);
+  second = Descriptor(::dup(1));
+  EXPECT_NE(::fcntl(second.get(), F_GETFD), -1);
+  const Descriptor released(second.release());
+  EXPECT_FALSE(second);
+  EXPECT_TRUE(released);
+}
+
+TEST_F(PosixTest, AReplacedDescriptorIsClosed) {
+  Descriptor owner(::fcntl(1, F_DUPFD_CLOEXEC, 100));
+  const int number = owner.get();
+  owner = Descriptor();
+  EXPECT_EQ(::fcntl(number, F_GETFD), -1);
+}
+
+TEST_F(PosixTest, DirectoriesAreMadeOnTheHost) {
+  EXPECT_TRUE(posix::createDirectories(path("a/b/c/")));
+  EXPECT_TRUE(fs::is_directory(path("a/b/c")));
+  folder.file("/file", "");
+  EXPECT_FALSE(posix::createDirectories(path("file/b")));
+  EXPECT_FALSE(posix::createDirectories(""));
+  EXPECT_TRUE(posix::createDirectories("/"));
+}
+
+TEST_F(PosixTest, ExistenceFollowsLinks) {
+  folder.link("/dangling", "nowhere");
+  EXPECT_TRUE(posix::exists(path("bin")));
+  EXPECT_FALSE(posix::exists(path("dangling")));
+}
+
+TEST_F(PosixTest, AnAddressHoldsWhatFitsTheHost) {
+  constexpr auto most = sizeof(sockaddr_un::sun_path) - 1;
+  EXPECT_TRUE(socketAddress(std::string(most, 's')));
+  EXPECT_FALSE(socketAddress(std::string(most + 1, 's')));
+}
+
+TEST_F(PosixTest, AListenerOnTheHostAccepts) {
+  const auto listener = localStreamSocket();
+  const auto address = socketAddress(path("s"));
+  ASSERT_TRUE(address);
+  PosixLocalSockets sockets;
+  EXPECT_FALSE(sockets.accepts(path("s")));
+  ASSERT_EQ(::bind(listener.get(), reinterpret_cast<const sockaddr*>(&*address), sizeof *address), 0);
+  EXPECT_FALSE(sockets.accepts(path("s")));
+  ASSERT_EQ(::listen(listener.get(), 1), 0);
+  EXPECT_TRUE(sockets.accepts(path("s")));
+}
+
+TEST_F(PosixTest, AToolOfTheHostIsStarted) {
+  PosixProcesses processes;
+  const auto tool = processes.start({.path = "/bin/sh", .arguments = {"-c", "exit 5"}});
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 5);
+}
+
+TEST_F(PosixTest, AnInheritedIgnoredChildSignalLosesNoStatus) {
+  const auto before = std::signal(SIGCHLD, SIG_IGN);
+  PosixProcesses processes;
+  const auto tool = processes.start({.path = "/bin/sh", .arguments = {"-c", "exit 5"}});
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 5);
+  std::signal(SIGCHLD, before);
+}
+
+TEST_F(PosixTest, ErrorsThatWereNotCapturedCannotBeRead) {
+  PosixProcesses processes;
+  const auto tool = processes.start({.path = "/bin/sh", .arguments = {"-c", "exit 0"}});
+  ASSERT_NE(tool, nullptr);
+  EXPECT_DEATH(static_cast<void>(tool->readErrors(10)), "fatal: standard error was not captured");
+  EXPECT_EQ(tool->wait(), 0);
+}
+
+TEST_F(PosixTest, ReadingKeepsTheFirstBytes) {
+  folder.file("/file", std::string(70'000, 'a') + "b");
+  const Descriptor opened(::open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
+  EXPECT_EQ(readToEnd(opened.get(), 3), "aaa");
+  EXPECT_EQ(readToEnd(opened.get(), 3), "");
+  EXPECT_EQ(readToEnd(-1, 3), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tamo::platform

@@ -1,0 +1,194 @@
+#include <algorithm>
+#include <fcntl.h>
+#include <filesystem>
+#include <unistd.h>
+
+#include "contract/backend.hpp"
+#include "contract/child.hpp"
+
+namespace tamo::contract {
+namespace {
+
+using platform::Descriptor;
+using platform::Tool;
+using namespace std::chrono_literals;
+
+class ProcessesContract : public Contract {
+ protected:
+  [[nodiscard]] Descriptor outputFile() const {
+    return Descriptor(::open(host("output").c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+  }
+  [[nodiscard]] std::unique_ptr<Tool> shell(const std::string& script, int output = -1,
+                                            bool capturesErrors = false) {
+    return platform.processes.start({.path = "/bin/sh",
+                                     .arguments = {"-c", script},
+                                     .standardOutput = output,
+                                     .capturesErrors = capturesErrors});
+  }
+  /// What a script writes to its standard output until it exits.
+  [[nodiscard]] std::string outputOf(const std::string& script) {
+    const auto output = outputFile();
+    const auto tool = shell(script, output.get());
+    if (tool == nullptr || tool->wait() != 0) ADD_FAILURE() << "did not run: " << script;
+    return contentsOf("output");
+  }
+  /// The pid that a started script has written to its output.
+  [[nodiscard]] std::int32_t writtenPid() {
+    EXPECT_TRUE(eventually([this] { return contentsOf("output").ends_with('\n'); }));
+    return std::stoi("0" + contentsOf("output"));
+  }
+};
+
+TEST_P(ProcessesContract, TheStatusIsTheExitCode) {
+  for (const int code : {0, 1, 113, 255}) {
+    const auto tool = shell("exit " + std::to_string(code));
+    ASSERT_NE(tool, nullptr);
+    EXPECT_EQ(tool->wait(), code);
+    EXPECT_FALSE(tool->running());
+    EXPECT_EQ(tool->wait(), code);
+  }
+}
+
+TEST_P(ProcessesContract, TheStatusIsTheNumberOfTheSignalThatEndedIt) {
+  const auto tool = shell("kill -9 $$");
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 9);
+}
+
+TEST_P(ProcessesContract, WhatCannotBeExecutedDoesNotStart) {
+  lay("plain", "#!/bin/sh\nexit 0\n");
+  EXPECT_EQ(platform.processes.start({.path = path("missing"), .arguments = {}}), nullptr);
+  EXPECT_EQ(platform.processes.start({.path = path("plain"), .arguments = {}, .capturesErrors = true}),
+            nullptr);
+  EXPECT_EQ(platform.processes.start({.path = backend->folder(), .arguments = {}}), nullptr);
+}
+
+TEST_P(ProcessesContract, AScriptIsATool) {
+  lay("script", "#!/bin/sh\nexit 7\n");
+  std::filesystem::permissions(host("script"), std::filesystem::perms::owner_all);
+  const auto tool = platform.processes.start({.path = path("script"), .arguments = {}});
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 7);
+}
+
+TEST_P(ProcessesContract, ArgumentsArriveAsTheyAre) {
+  const auto output = outputFile();
+  const auto tool = platform.processes.start(
+      {.path = "/bin/sh",
+       .arguments = {"-c", R"(for word; do printf '<%s>' "$word"; done)", "zero", "", "a b", "*", "\n"},
+       .standardOutput = output.get()});
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 0);
+  EXPECT_EQ(contentsOf("output"), "<><a b><*><\n>");
+}
+
+TEST_P(ProcessesContract, ArgumentZeroIsThePath) {
+  EXPECT_EQ(outputOf("echo $0"), "/bin/sh\n");
+}
+
+TEST_P(ProcessesContract, UnnamedStreamsGoToTheNullDevice) {
+  const auto tool = shell("test /dev/fd/1 -ef /dev/null && test /dev/fd/2 -ef /dev/null");
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 0);
+}
+
+TEST_P(ProcessesContract, StandardInputIsInherited) {
+  lay("input", "from the file\n");
+  const Descriptor saved(::fcntl(0, F_DUPFD_CLOEXEC, 10));
+  const Descriptor input(::open(host("input").c_str(), O_RDONLY));
+  ::dup2(input.get(), 0);
+  EXPECT_EQ(outputOf("read line; echo \"$line\""), "from the file\n");
+  ::dup2(saved.get(), 0);
+}
+
+TEST_P(ProcessesContract, EveryOtherDescriptorIsClosed) {
+  const Descriptor stray(::fcntl(0, F_DUPFD, 40));
+  ASSERT_EQ(::fcntl(stray.get(), F_GETFD) & FD_CLOEXEC, 0);
+  EXPECT_EQ(outputOf("test -e /dev/fd/" + std::to_string(stray.get()) + " && echo open || echo closed"),
+            "closed\n");
+}
+
+TEST_P(ProcessesContract, AToolLeadsAGroupOfItsOwn) {
+  const auto output = outputFile();
+  const auto tool = shell("echo $$; exec sleep 30", output.get());
+  ASSERT_NE(tool, nullptr);
+  const auto pid = writtenPid();
+  const auto info = platform.kernelProcesses.info(pid);
+  ASSERT_TRUE(info);
+  EXPECT_EQ(info->group, pid);
+  tool->terminate();
+  EXPECT_EQ(tool->wait(), SIGTERM);
+}
+
+TEST_P(ProcessesContract, AToolStartsWithCleanSignals) {
+  sigset_t blocked;
+  sigset_t before;
+  ::sigemptyset(&blocked);
+  ::sigaddset(&blocked, SIGTERM);
+  ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+  const auto ignored = std::signal(SIGTERM, SIG_IGN);
+  const auto tool = shell("exec sleep 30");
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  std::signal(SIGTERM, ignored);
+  ASSERT_NE(tool, nullptr);
+  tool->terminate();
+  EXPECT_TRUE(eventually([&] { return !tool->running(); }));
+}
+
+TEST_P(ProcessesContract, AHangingToolRunsUntilItIsTerminated) {
+  const auto tool = shell("exec sleep 30");
+  ASSERT_NE(tool, nullptr);
+  EXPECT_TRUE(tool->running());
+  tool->terminate();
+  EXPECT_EQ(tool->wait(), SIGTERM);
+  EXPECT_FALSE(tool->running());
+  tool->terminate();
+}
+
+TEST_P(ProcessesContract, TheFirstErrorBytesAreKeptAndTheRestIsDrained) {
+  const auto tool = shell("head -c 100000 /dev/zero | tr '\\0' 'e' >&2; exit 3", -1, true);
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->readErrors(4096), std::string(4096, 'e'));
+  EXPECT_EQ(tool->wait(), 3);
+}
+
+TEST_P(ProcessesContract, ShortErrorsAreKeptWhole) {
+  const auto tool = shell("printf 'no\\377' >&2", -1, true);
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->readErrors(4096), "no\xFF");
+  EXPECT_EQ(tool->wait(), 0);
+}
+
+TEST_P(ProcessesContract, ErrorsEndWhenTheLastInheritorClosesThem) {
+  const auto tool = shell("(sleep 0.05; echo late >&2) & echo early >&2", -1, true);
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->readErrors(4096), "early\nlate\n");
+  EXPECT_EQ(tool->wait(), 0);
+}
+
+TEST_P(ProcessesContract, AForgottenToolRunsOn) {
+  lay("trace", "");
+  EXPECT_NE(shell("sleep 0.05; echo done > '" + host("trace") + "'"), nullptr);
+  EXPECT_EQ(contentsOf("trace"), "");
+  EXPECT_TRUE(eventually([this] { return contentsOf("trace") == "done\n"; }));
+}
+
+TEST_P(ProcessesContract, AForgottenToolIsReapedAtTheNextStart) {
+  const auto output = outputFile();
+  EXPECT_NE(shell("echo $$", output.get()), nullptr);
+  const auto pid = writtenPid();
+  const auto isZombie = [&] {
+    const auto info = platform.kernelProcesses.info(pid);
+    return info && info->zombie;
+  };
+  ASSERT_TRUE(eventually(isZombie));
+  const auto next = shell("exit 0");
+  ASSERT_NE(next, nullptr);
+  EXPECT_FALSE(platform.kernelProcesses.info(pid));
+  EXPECT_EQ(next->wait(), 0);
+}
+
+TAMO_CONTRACT(ProcessesContract);
+
+}  // namespace
+}  // namespace tamo::contract

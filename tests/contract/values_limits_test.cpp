@@ -1,0 +1,61 @@
+#include <gtest/gtest.h>
+
+#include "contract/binary_list_builder.hpp"
+#include "platform/property_list.hpp"
+
+// Where the stage's reader gives up although macOS might read on. None of this occurs in a list that the
+// system meets.
+namespace tamo::platform {
+namespace {
+
+using namespace std::string_literals;
+
+std::string nested(std::size_t depth) {
+  std::string text = "<plist>";
+  for (std::size_t level = 0; level < depth; ++level)
+    text += "<array>";
+  for (std::size_t level = 0; level < depth; ++level)
+    text += "</array>";
+  return text + "</plist>";
+}
+
+/// Arrays that each hold the next one `width` times.
+std::string shared(std::size_t depth, std::size_t width) {
+  BinaryListBuilder builder;
+  for (std::size_t level = 1; level <= depth; ++level) {
+    builder.addArray(std::string(width, static_cast<char>(level)));
+  }
+  return builder.addText("a").bytes();
+}
+
+TEST(ValuesLimitsTest, AnXmlListMayBeNestedFiveHundredAndTwelveTimes) {
+  EXPECT_TRUE(readPropertyList(nested(512)));
+  EXPECT_FALSE(readPropertyList(nested(513)));
+  EXPECT_FALSE(readPropertyList(nested(100'000)));
+}
+
+TEST(ValuesLimitsTest, ABinaryListMayShareItsObjects) {
+  EXPECT_TRUE(readPropertyList(shared(120, 1)));
+  EXPECT_TRUE(readPropertyList(shared(4, 14)));
+}
+
+TEST(ValuesLimitsTest, ABinaryListThatSharingMakesHugeIsUnreadable) {
+  EXPECT_FALSE(readPropertyList(shared(5, 14)));
+  EXPECT_FALSE(readPropertyList(shared(100, 14)));
+}
+
+TEST(ValuesLimitsTest, AnIntegerOfMoreThanSixtyFourBitsIsUnreadable) {
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\x14\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\5"s).bytes()));
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\x15" + std::string(32, '\0')).bytes()));
+}
+
+TEST(ValuesLimitsTest, AListOfMoreThanSixteenMebibytesIsUnreadable) {
+  std::string list = "<plist><string>a</string></plist>";
+  list.resize(std::size_t{16} << 20U, ' ');
+  EXPECT_TRUE(readPropertyList(list));
+  list += ' ';
+  EXPECT_FALSE(readPropertyList(list));
+}
+
+}  // namespace
+}  // namespace tamo::platform

@@ -1,0 +1,220 @@
+#include "move/app_move.hpp"
+
+#include <gtest/gtest.h>
+#include <limits>
+#include <vector>
+
+#include "fakes/fake_files.hpp"
+#include "fakes/fake_surroundings.hpp"
+
+namespace tamo::AppMove {
+namespace {
+
+const std::string staged = "/Users/u/Library/Application Support/Tamo/staged/Tamo.app";
+const std::string translocated = "/private/var/folders/x/T/AppTranslocation/0F-1/d/Tamo.app";
+
+LiveDataGuard::AppCopy releaseCopyAt(const std::string& path) {
+  return {.appPath = path, .resolvedPath = path, .bundleID = "studio.pell.Tamo", .home = "/Users/u"};
+}
+
+TEST(ConstantsTest, TheNamesAreFixed) {
+  EXPECT_EQ(operation, "move-to-applications");
+  EXPECT_EQ(destination, "/Applications/Tamo.app");
+  EXPECT_EQ(resultName, "move-to-applications.json");
+}
+
+TEST(NeededTest, CopiesThatMayOpenLiveDataStay) {
+  EXPECT_FALSE(needed(releaseCopyAt("/Applications/Tamo.app")));
+  EXPECT_FALSE(needed(releaseCopyAt(staged)));
+}
+
+TEST(NeededTest, AReleaseCopyElsewhereMoves) {
+  EXPECT_TRUE(needed(releaseCopyAt("/Users/u/Downloads/Tamo.app")));
+  EXPECT_TRUE(needed(releaseCopyAt(translocated)));
+  EXPECT_TRUE(needed(releaseCopyAt("/Applications/tamo.app")));
+}
+
+TEST(NeededTest, AnInstalledPathThatIsALinkMoves) {
+  auto copy = releaseCopyAt("/Applications/Tamo.app");
+  copy.resolvedPath = "/Volumes/X/Tamo.app";
+  EXPECT_TRUE(needed(copy));
+}
+
+TEST(NeededTest, OtherIdentifiersNeverMove) {
+  auto copy = releaseCopyAt("/Users/u/Downloads/Tamo.app");
+  for (const auto* identifier : {"studio.pell.Tamo.Core", "studio.pell.tamo", ""}) {
+    copy.bundleID = identifier;
+    EXPECT_FALSE(needed(copy)) << identifier;
+  }
+  copy.bundleID = std::nullopt;
+  EXPECT_FALSE(needed(copy));
+}
+
+struct PlanRow {
+  Builds builds;
+  Plan plan;
+};
+
+TEST(PlanTest, OnlyAKnownOlderBuildIsReplaced) {
+  constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+  const std::vector<PlanRow> table{
+      {{.source = 42, .installed = 41, .installedExists = true}, Plan::replace},
+      {{.source = 42, .installed = 42, .installedExists = true}, Plan::openInstalled},
+      {{.source = 42, .installed = 43, .installedExists = true}, Plan::openInstalled},
+      {{.source = 1, .installed = -1, .installedExists = true}, Plan::replace},
+      {{.source = 0, .installed = least, .installedExists = true}, Plan::replace},
+      {{.source = least, .installed = 0, .installedExists = true}, Plan::openInstalled},
+      {{.source = std::nullopt, .installed = 41, .installedExists = true}, Plan::openInstalled},
+      {{.source = 42, .installed = std::nullopt, .installedExists = true}, Plan::openInstalled},
+      {{.source = std::nullopt, .installed = std::nullopt, .installedExists = true}, Plan::openInstalled},
+  };
+  for (const auto& row : table) {
+    EXPECT_EQ(plan(row.builds), row.plan)
+        << row.builds.source.value_or(-99) << " over " << row.builds.installed.value_or(-99);
+  }
+}
+
+TEST(PlanTest, NothingInstalledIsAlwaysACopy) {
+  EXPECT_EQ(plan({.source = 42, .installed = 43, .installedExists = false}), Plan::copy);
+  EXPECT_EQ(plan({.source = 42, .installed = std::nullopt, .installedExists = false}), Plan::copy);
+  EXPECT_EQ(plan({.source = std::nullopt, .installed = std::nullopt, .installedExists = false}), Plan::copy);
+}
+
+struct BuildRow {
+  std::string_view version;
+  std::optional<std::int64_t> build;
+};
+
+TEST(BuildNumberTest, TheFirstPieceBetweenDotsCounts) {
+  const std::vector<BuildRow> table{
+      {"1234", 1234}, {"12.3.4", 12}, {".5", 5},
+      {"...7..8", 7}, {"9.", 9},      {"-3", -3},
+      {"+8", 8},      {"12.x", 12},   {"9223372036854775807.1", std::numeric_limits<std::int64_t>::max()},
+  };
+  for (const auto& row : table)
+    EXPECT_EQ(buildNumber(row.version), row.build) << row.version;
+}
+
+TEST(BuildNumberTest, AnythingButADecimalIntegerIsNone) {
+  for (const auto* version : {"", ".", "...", "1a", "a", " 1", "1 ", "1,2", "+", "+-1", "x.1", "0x10",
+                              "9223372036854775808", "$(CURRENT_PROJECT_VERSION)"}) {
+    EXPECT_EQ(buildNumber(version), std::nullopt) << version;
+  }
+}
+
+class MoveOnFilesTest : public ::testing::Test {
+ protected:
+  void placeInfo(const std::string& path, const std::string& entries) {
+    files.contents[path + "/Contents/Info.plist"] = "<plist><dict>" + entries + "</dict></plist>";
+  }
+  void placeRelease(const std::string& path) {
+    placeInfo(path, "<key>CFBundleIdentifier</key><string>studio.pell.Tamo</string>");
+  }
+
+  fakes::Ledger ledger;
+  fakes::FakeClock clock{ledger};
+  fakes::FakeFiles files{ledger, clock};
+  fakes::FakeBundles bundles{ledger, clock};
+};
+
+TEST_F(MoveOnFilesTest, TheBuildIsReadFromTheInfoFile) {
+  placeInfo("/A.app", "<key>CFBundleVersion</key><string>4211</string>");
+  EXPECT_EQ(build(files, "/A.app"), 4211);
+}
+
+TEST_F(MoveOnFilesTest, AVersionStoredAsANumberIsNoBuild) {
+  for (const auto* value : {"<integer>42</integer>", "<real>42</real>", "<true/>"}) {
+    placeInfo("/A.app", std::string("<key>CFBundleVersion</key>") + value);
+    EXPECT_EQ(build(files, "/A.app"), std::nullopt) << value;
+  }
+}
+
+TEST_F(MoveOnFilesTest, ABundleThatTellsNoVersionHasNoBuild) {
+  EXPECT_EQ(build(files, "/A.app"), std::nullopt);
+  placeInfo("/A.app", "<key>CFBundleShortVersionString</key><string>42</string>");
+  EXPECT_EQ(build(files, "/A.app"), std::nullopt);
+  files.contents["/A.app/Contents/Info.plist"] = "{ CFBundleVersion = 42; }";
+  EXPECT_EQ(build(files, "/A.app"), std::nullopt);
+}
+
+TEST_F(MoveOnFilesTest, AHelperMovesWithTheApplicationAroundIt) {
+  placeRelease("/Users/u/Downloads/Tamo.app");
+  EXPECT_TRUE(needed("/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Core.app", "/Users/u", files));
+  placeRelease("/Applications/Tamo.app");
+  EXPECT_FALSE(needed("/Applications/Tamo.app/Contents/Library/LoginItems/Core.app", "/Users/u", files));
+}
+
+TEST_F(MoveOnFilesTest, AFolderThatIsNoBundleNeverMoves) {
+  files.directories.insert("/Users/u/Downloads/Tamo.app");
+  EXPECT_FALSE(needed("/Users/u/Downloads/Tamo.app", "/Users/u", files));
+}
+
+TEST_F(MoveOnFilesTest, TheOriginalOfATranslocatedCopyIsAskedFor) {
+  bundles.originals[translocated] = "/Users/u/Downloads/Tamo.app";
+  EXPECT_EQ(originalURL(translocated, bundles), "/Users/u/Downloads/Tamo.app");
+}
+
+TEST_F(MoveOnFilesTest, AnOriginalThatTheSystemCannotTellIsAbsent) {
+  EXPECT_EQ(originalURL(translocated, bundles), std::nullopt);
+  EXPECT_EQ(ledger.count("bundles: original"), 1U);
+}
+
+TEST_F(MoveOnFilesTest, TheSystemIsNotAskedAboutOtherCopies) {
+  for (const auto* path : {"/Users/u/Downloads/Tamo.app", "/x/apptranslocation/d/Tamo.app",
+                           "/x/AppTranslocation", "/x/NoAppTranslocation/d/Tamo.app"}) {
+    bundles.originals[path] = "/never";
+    EXPECT_EQ(originalURL(path, bundles), std::nullopt) << path;
+  }
+  EXPECT_EQ(ledger.count("bundles: original"), 0U);
+}
+
+TEST(ResultURLTest, TheResultLiesInTheContainerOfTheApplication) {
+  EXPECT_EQ(resultURL("/Users/u", "studio.pell.Tamo"),
+            "/Users/u/Library/Containers/studio.pell.Tamo/Data/Library/Application Support/Tamo/"
+            "move-to-applications.json");
+}
+
+TEST(ResultURLTest, TheIdentifierIsPutInUnchanged) {
+  EXPECT_EQ(resultURL("/h/", "a/../b"),
+            "/h/Library/Containers/a/../b/Data/Library/Application Support/Tamo/move-to-applications.json");
+}
+
+TEST(ResultTest, ResultsAreEqualWhenBothFieldsAre) {
+  EXPECT_EQ((Result{true, "moved"}), (Result{true, "moved"}));
+  EXPECT_NE((Result{true, "moved"}), (Result{false, "moved"}));
+  EXPECT_NE((Result{true, "moved"}), (Result{true, "Moved"}));
+}
+
+TEST(ResultTest, AResultIsRecordedInOneCompactObject) {
+  EXPECT_EQ(encoded({.ok = true, .code = "moved"}), R"({"ok":true,"code":"moved"})");
+  EXPECT_EQ(encoded({.ok = false, .code = "not_writable"}), R"({"ok":false,"code":"not_writable"})");
+  EXPECT_EQ(encoded({.ok = false, .code = "\"/\n"}), R"({"ok":false,"code":"\"\/\n"})");
+}
+
+TEST(WordsTest, EachFailureHasItsWords) {
+  EXPECT_EQ(words("cancelled"),
+            "The move was cancelled, so Tamo is still in Downloads. Show it in Finder and drag it into "
+            "Applications.");
+  EXPECT_EQ(
+      words("not_writable"),
+      "macOS didn\u2019t let Tamo write to your Applications folder. Show it in Finder and drag it into "
+      "Applications.");
+  EXPECT_EQ(words("copy_failed"),
+            "Tamo couldn\u2019t copy itself into Applications. Show it in Finder and drag it into "
+            "Applications.");
+  EXPECT_EQ(words("no_helper"),
+            "macOS didn\u2019t let Tamo move itself from this temporary copy. Show it in Finder and drag it "
+            "into Applications.");
+  EXPECT_EQ(words("timeout"),
+            "Tamo didn\u2019t hear back while moving. Show it in Finder and drag it into Applications.");
+}
+
+TEST(WordsTest, EveryOtherCodeHasTheGeneralWords) {
+  for (const auto* code : {"moved", "opened", "Cancelled", "cancelled ", "", "anything"}) {
+    EXPECT_EQ(words(code), "Tamo couldn\u2019t move itself. Show it in Finder and drag it into Applications.")
+        << code;
+  }
+}
+
+}  // namespace
+}  // namespace tamo::AppMove

@@ -1,0 +1,61 @@
+#include "platform/log.hpp"
+
+#include <gtest/gtest.h>
+
+namespace tamo::platform {
+namespace {
+
+std::string marked(const LogLine& line) {
+  std::string text;
+  for (const auto& piece : pieces(line)) {
+    if (piece.kind == LogPiece::Kind::Fixed) text += piece.text;
+    if (piece.kind == LogPiece::Kind::Public) text += "{" + piece.text + "}";
+    if (piece.kind == LogPiece::Kind::Private) text += "[" + piece.text + "]";
+  }
+  return text;
+}
+
+LogLine outcome(std::string description) {
+  return {LogFormat::outcome, {"restart", std::int64_t{1}, "false", " a", " b", std::move(description)}};
+}
+
+TEST(LogTest, ALineIsCutAtItsPlaceholders) {
+  EXPECT_EQ(marked(outcome("secret")), "{restart} -> status {1} ok {false}{ a}{ b}[secret]");
+}
+
+TEST(LogTest, APrivateArgumentIsNotShown) {
+  EXPECT_EQ(shownText(outcome("secret")), "restart -> status 1 ok false a b<private>");
+}
+
+TEST(LogTest, ATruthValueShowsAsAWord) {
+  const auto line = [](bool changed) {
+    return LogLine{LogFormat::definition, {"2", "45", "2", "20", changed}};
+  };
+  EXPECT_EQ(shownText(line(true)), "definition: loaded 2 exit 45 · bundled 2 exit 20 · changed true");
+  EXPECT_EQ(shownText(line(false)), "definition: loaded 2 exit 45 · bundled 2 exit 20 · changed false");
+}
+
+TEST(LogTest, AnArgumentIsNeverReadAsAFormat) {
+  EXPECT_EQ(shownText({LogFormat::refused, {"%{public}s", "100%"}}), "%{public}s refused: 100%");
+}
+
+TEST(LogTest, ALineWithoutPlaceholdersIsItself) {
+  EXPECT_EQ(shownText({LogFormat::receiptFailed, {}}), "receipt failed");
+}
+
+TEST(LogTest, OutcomesAreOrdinaryAndRefusalsAreErrors) {
+  EXPECT_EQ(levelOf(LogFormat::outcome), LogLevel::Default);
+  EXPECT_EQ(levelOf(LogFormat::definition), LogLevel::Default);
+  EXPECT_EQ(levelOf(LogFormat::hardStop), LogLevel::Default);
+  EXPECT_EQ(levelOf(LogFormat::refused), LogLevel::Error);
+  EXPECT_EQ(levelOf(LogFormat::receiptFailed), LogLevel::Error);
+}
+
+TEST(LogDeathTest, ArgumentsThatDoNotFitStopTheProcess) {
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {"one"}})), "too few arguments");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::receiptFailed, {"one"}})), "too many arguments");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::hardStop, {"12", "text"}})), "does not fit");
+}
+
+}  // namespace
+}  // namespace tamo::platform

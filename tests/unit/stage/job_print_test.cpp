@@ -1,0 +1,122 @@
+#include "platform/stage/programs/job_print.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "fake_process_control.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+Job runningJob() {
+  Job job;
+  job.definition.label = "a.b";
+  job.definition.program = "/bin/core";
+  job.definition.arguments = {"/bin/core", "", "two words"};
+  job.definition.path = "/x.plist";
+  job.definition.keepAlive = true;
+  job.state = Job::State::Running;
+  job.pid = 4242;
+  job.reason = "speculative";
+  job.runs = 3;
+  return job;
+}
+
+std::string plain(const Job& job) {
+  return printedJob(job, 501, PrintStyle::Plain);
+}
+
+TEST(JobPrintTest, ARunningJobIsPrintedAsLaunchdDoes) {
+  EXPECT_EQ(plain(runningJob()),
+            "gui/501/a.b = {\n"
+            "\tactive count = 1\n"
+            "\tpath = /x.plist\n"
+            "\ttype = LaunchAgent\n"
+            "\tstate = running\n"
+            "\n"
+            "\tprogram = /bin/core\n"
+            "\targuments = {\n"
+            "\t\t/bin/core\n"
+            "\t\t\n"
+            "\t\ttwo words\n"
+            "\t}\n"
+            "\n"
+            "\tdefault environment = {\n"
+            "\t\tPATH => /usr/bin:/bin:/usr/sbin:/sbin\n"
+            "\t}\n"
+            "\n"
+            "\tenvironment = {\n"
+            "\t\tXPC_SERVICE_NAME => a.b\n"
+            "\t}\n"
+            "\n"
+            "\tdomain = gui/501 [100000]\n"
+            "\tasid = 100000\n"
+            "\tminimum runtime = 10\n"
+            "\texit timeout = 5\n"
+            "\truns = 3\n"
+            "\tpid = 4242\n"
+            "\timmediate reason = speculative\n"
+            "\tlast exit code = (never exited)\n"
+            "\n"
+            "\tspawn type = daemon (3)\n"
+            "\n"
+            "\tproperties = keepalive | inferred program\n"
+            "}\n");
+}
+
+TEST(JobPrintTest, AJobWithoutAProcessHasNoPid) {
+  auto job = runningJob();
+  job.pid.reset();
+  job.state = Job::State::Waiting;
+  EXPECT_THAT(plain(job), HasSubstr("\tstate = not running\n"));
+  EXPECT_THAT(plain(job), Not(HasSubstr("pid = ")));
+  job.state = Job::State::Scheduled;
+  EXPECT_THAT(plain(job), HasSubstr("\tstate = spawn scheduled\n"));
+}
+
+TEST(JobPrintTest, AJobThatIsBeingStoppedStillRuns) {
+  auto job = runningJob();
+  job.state = Job::State::Stopping;
+  EXPECT_THAT(plain(job), HasSubstr("\tstate = running\n"));
+}
+
+TEST(JobPrintTest, TheLastEndIsToldByItsKind) {
+  auto job = runningJob();
+  job.lastEnding = Ending{.signalled = true, .number = 15};
+  EXPECT_THAT(plain(job), HasSubstr("\tlast terminating signal = Terminated: 15\n"));
+  job.lastEnding = Ending{.number = 3};
+  EXPECT_THAT(plain(job), HasSubstr("\tlast exit code = 3\n"));
+  job.lastEnding = Ending{.number = 78};
+  EXPECT_THAT(plain(job), HasSubstr("\tlast exit code = 78: EX_CONFIG\n"));
+}
+
+TEST(JobPrintTest, TheManagedStyleHasAConstraintBeforeTheTimeoutAndThePid) {
+  const auto text = printedJob(runningJob(), 501, PrintStyle::Managed);
+  const auto constraint = text.find("\t\t\"reqs\" => {\n");
+  ASSERT_NE(constraint, std::string::npos);
+  EXPECT_LT(constraint, text.find("\texit timeout = "));
+  EXPECT_LT(constraint, text.find("\tpid = "));
+  EXPECT_THAT(text, EndsWith(" | managed LWCR | has LWCR\n}\n"));
+}
+
+TEST(JobPrintTest, TheDomainListsItsJobs) {
+  FakeProcessControl processes;
+  JobTable table(processes);
+  Answered answer;
+  auto definition = runningJob().definition;
+  table.bootstrap(definition, {}, answer.reply);
+  definition.label = "idle";
+  definition.keepAlive = false;
+  table.bootstrap(definition, {}, answer.reply);
+  const auto text = printedDomain(table, 501);
+  EXPECT_THAT(text, StartsWith("gui/501 = {\n"));
+  EXPECT_THAT(text, HasSubstr("\t\t100\t-\ta.b\n\t\t0\t-\tidle\n"));
+}
+
+}  // namespace
+}  // namespace tamo::stage
