@@ -50,11 +50,12 @@ AppCopy appCopy(std::string_view path, std::string_view home, const platform::Fi
 }
 
 bool mayOpenLive(const AppCopy& copy) {
+  using platform::canonicallyEqual;
   if (!copy.bundleID) return false;
-  if (*copy.bundleID != releaseBundleID) return false;
+  if (!canonicallyEqual(*copy.bundleID, releaseBundleID)) return false;
   const auto path = standardisedPath(copy.appPath);
-  if (path != standardisedPath(copy.resolvedPath)) return false;
-  return path == installedApp || path == stagedApp(copy.home);
+  if (!canonicallyEqual(path, standardisedPath(copy.resolvedPath))) return false;
+  return canonicallyEqual(path, installedApp) || canonicallyEqual(path, stagedApp(copy.home));
 }
 
 bool mayOpenLive(std::string_view path, std::string_view home, const platform::FileReader& files) {

@@ -12,8 +12,9 @@
 /// isolated home. Everything here is a rule about texts or a thin wrapper that gathers the texts; the answer
 /// for the running process is kept by LiveData.
 ///
-/// Paths are absolute. Texts are compared exactly, letter case included, except in clamp. Any thread. Missing
-/// information always gives the restrictive answer.
+/// Paths are absolute. Texts are compared with letter case, except in clamp, and under canonical equivalence:
+/// a Mac's file system gives the name of a home with its accents decomposed, the user database as they were
+/// typed, and both are one home. Any thread. Missing information always gives the restrictive answer.
 namespace tamo::LiveDataGuard {
 
 inline constexpr std::string_view installedApp = "/Applications/Tamo.app";

@@ -36,7 +36,7 @@ bool isDirectory(const std::string& path) {
 std::optional<mode_t> modeToKeep(const std::string& path) {
   struct stat found {};
   if (::lstat(path.c_str(), &found) != 0 || !S_ISREG(found.st_mode)) return std::nullopt;
-  return found.st_mode & 07777;
+  return static_cast<mode_t>(found.st_mode & 07777);
 }
 
 /// A file that is removed again unless it has been moved to its place.

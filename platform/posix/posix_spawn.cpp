@@ -48,8 +48,9 @@ class Attributes {
   [[nodiscard]] bool setUp() {
     sigset_t none;
     sigset_t all;
-    ::sigemptyset(&none);
-    ::sigfillset(&all);
+    // Unqualified, because they are macros on a Mac.
+    sigemptyset(&none);
+    sigfillset(&all);
     const auto flags = static_cast<short>(POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |
                                           POSIX_SPAWN_SETSIGDEF | inheritanceFlag());
     return made_ && ::posix_spawnattr_setsigmask(&attributes_, &none) == 0 &&

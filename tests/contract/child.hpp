@@ -1,7 +1,9 @@
 #pragma once
 
 #include <csignal>
+#include <fstream>
 #include <functional>
+#include <memory>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,11 +13,12 @@
 namespace tamo::contract {
 
 /// A child process of a test that does some work and then exits with status 0. Destroying it kills and reaps
-/// it, so no test leaves one behind.
+/// it; should the test itself die, the child ends after a minute.
 class Child {
  public:
   explicit Child(const std::function<void()>& work) : pid_(::fork()) {
     if (pid_ != 0) return;
+    ::alarm(60);
     work();
     ::_exit(0);
   }
@@ -45,6 +48,18 @@ class Child {
  private:
   pid_t pid_;
 };
+
+/// Makes the kernel give a child the pid of an ended process, which must be reaped. Null when this host does
+/// not let a test choose pids, or when somebody else was faster.
+inline std::unique_ptr<Child> childWithPid(pid_t pid) {
+  for (int attempt = 0; attempt < 50; ++attempt) {
+    std::ofstream chooser("/proc/sys/kernel/ns_last_pid");
+    if (!(chooser << pid - 1).flush()) return nullptr;
+    auto child = std::make_unique<Child>([] { ::pause(); });
+    if (child->pid() == pid) return child;
+  }
+  return nullptr;
+}
 
 /// What a child does that only has to be there.
 inline void sleepUntilKilled() {

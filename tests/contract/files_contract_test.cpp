@@ -89,8 +89,10 @@ TEST_P(FilesContract, WhoReadsTheOldFileReadsOn) {
 
 TEST_P(FilesContract, ALinkIsReplacedAndItsTargetLeftAlone) {
   lay("target", "precious");
+  ::chmod(host("target").c_str(), 0700);
   link("planted", "target");
   EXPECT_TRUE(files.writeAtomically(path("planted"), "bytes"));
+  EXPECT_NE(modeOf("planted"), 0700U);
   EXPECT_FALSE(fs::is_symlink(host("planted")));
   EXPECT_EQ(contentsOf("planted"), "bytes");
   EXPECT_EQ(contentsOf("target"), "precious");

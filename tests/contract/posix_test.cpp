@@ -6,6 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "contract/child.hpp"
 #include "contract/temporary_stage.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
@@ -92,6 +93,21 @@ TEST_F(PosixTest, AnInheritedIgnoredChildSignalLosesNoStatus) {
   ASSERT_NE(tool, nullptr);
   EXPECT_EQ(tool->wait(), 5);
   std::signal(SIGCHLD, before);
+}
+
+TEST_F(PosixTest, WhoUsesThePidOfAReapedToolIsNotTerminated) {
+  PosixProcesses processes;
+  folder.file("/pid", "");
+  const Descriptor output(::open(path("pid").c_str(), O_WRONLY | O_CLOEXEC));
+  const auto tool =
+      processes.start({.path = "/bin/sh", .arguments = {"-c", "echo $$"}, .standardOutput = output.get()});
+  ASSERT_NE(tool, nullptr);
+  EXPECT_EQ(tool->wait(), 0);
+  const auto stranger = contract::childWithPid(std::stoi(contract::hostBytes(path("pid"))));
+  if (stranger == nullptr) GTEST_SKIP() << "the pid could not be had again";
+  tool->terminate();
+  ::kill(stranger->pid(), SIGKILL);
+  EXPECT_EQ(WTERMSIG(stranger->reap()), SIGKILL);
 }
 
 TEST_F(PosixTest, ErrorsThatWereNotCapturedCannotBeRead) {

@@ -123,8 +123,8 @@ TEST_P(ProcessesContract, AToolLeadsAGroupOfItsOwn) {
 TEST_P(ProcessesContract, AToolStartsWithCleanSignals) {
   sigset_t blocked;
   sigset_t before;
-  ::sigemptyset(&blocked);
-  ::sigaddset(&blocked, SIGTERM);
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
   ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
   const auto ignored = std::signal(SIGTERM, SIG_IGN);
   const auto tool = shell("exec sleep 30");

@@ -3,8 +3,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "contract/temporary_stage.hpp"
+#include "platform/posix/byte_stream.hpp"
+#include "platform/stage/stream_sockets.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -78,6 +81,17 @@ TEST_F(RunLoopTest, ATerminateWhileURLsAreOpenedPreventsTheLaunch) {
   delegate.atURLs = [this] { loop.terminate(); };
   loop.run();
   EXPECT_EQ(delegate.notes, Texts{"tamo-core://sync"});
+}
+
+TEST_F(RunLoopTest, NoWorkRunsAfterATerminateForURLs) {
+  delegate.atURLs = [this] { loop.terminate(); };
+  delegate.atLaunch = [this] {
+    const auto inbox = stage.root().control("companions/" + std::to_string(::getpid()) + ".sock");
+    EXPECT_TRUE(platform::writeAll(connectedTo(inbox).get(), "tamo-core://sync"));
+    loop.post([this] { delegate.notes.emplace_back("work"); });
+  };
+  loop.run();
+  EXPECT_EQ(delegate.notes, (Texts{"launched", "tamo-core://sync"}));
 }
 
 TEST_F(RunLoopTest, ATerminateEndsTheProcessUnlessToldOtherwise) {

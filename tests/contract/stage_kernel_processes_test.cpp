@@ -1,14 +1,11 @@
 #include "platform/stage/stage_kernel_processes.hpp"
 
 #include <ctime>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <memory>
 #include <set>
 #include <thread>
 
 #include "contract/child.hpp"
-#include "contract/temporary_stage.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -81,24 +78,13 @@ TEST_F(StageKernelProcessesTest, ProcessesOfOneTickDiffer) {
   EXPECT_EQ(starts.size(), count);
 }
 
-/// Makes the kernel give out the pid of an ended process again; absent when somebody else was faster.
-std::unique_ptr<Child> childWithPid(std::int32_t pid) {
-  for (int attempt = 0; attempt < 50; ++attempt) {
-    std::ofstream("/proc/sys/kernel/ns_last_pid") << pid - 1;
-    auto child = std::make_unique<Child>([] {});
-    if (child->pid() == pid) return child;
-  }
-  return nullptr;
-}
-
 TEST_F(StageKernelProcessesTest, AReusedPidHasAnotherStart) {
-  if (::access("/proc/sys/kernel/ns_last_pid", W_OK) != 0) GTEST_SKIP() << "pids cannot be chosen here";
   Child first([] {});
   const auto pid = first.pid();
   const auto before = kernel.info(pid);
   first.reap();
-  const auto second = childWithPid(pid);
-  if (second == nullptr) GTEST_SKIP() << "the pid was taken by somebody else";
+  const auto second = contract::childWithPid(pid);
+  if (second == nullptr) GTEST_SKIP() << "the pid could not be had again";
   const auto after = kernel.info(pid);
   ASSERT_TRUE(before && after);
   EXPECT_NE(std::pair(before->startSeconds, before->startMicroseconds),

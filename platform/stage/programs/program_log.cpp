@@ -14,7 +14,7 @@ void logLine(int descriptor, const std::string& text) {
   tm parts{};
   ::gmtime_r(&now.tv_sec, &parts);
   std::array<char, 32> date{};
-  std::array<char, 8> fraction{};
+  std::array<char, 32> fraction{};
   std::strftime(date.data(), date.size(), "%Y-%m-%dT%H:%M:%S", &parts);
   std::snprintf(fraction.data(), fraction.size(), ".%03ld", now.tv_nsec / 1'000'000);
   // A log that cannot be written is no reason to stop.

@@ -100,8 +100,7 @@ std::optional<ServiceManagement::Time> ServiceManagement::nextDeadline() const {
 LaunchdAnswer ServiceManagement::load(const std::string& plistName, const ServiceRecord& record, Time now) {
   const auto definition = jobDefinitionAt(root_, listPath(record.bundle, plistName));
   if (!definition) return faultAnswer(definition.error());
-  // A loaded job keeps the definition that it was loaded with until it is booted out.
-  if (jobs_.find(definition->label) != nullptr) return {};
+  // A job that is loaded already refuses, and keeps the definition that it was loaded with.
   jobs_.bootstrap(*definition, now, [](const LaunchdAnswer&) {});
   return {};
 }

@@ -113,6 +113,17 @@ TEST(MayOpenLiveTest, TheStagedCopyOfThisHomeMay) {
   EXPECT_TRUE(mayOpenLive(releaseCopyAt(staged)));
 }
 
+TEST(MayOpenLiveTest, AnAccentInTheHomeCountsHoweverItIsComposed) {
+  const std::string behindHome = "/Library/Application Support/Tamo/staged/Tamo.app";
+  auto copy = releaseCopyAt("/Users/e\u0301" + behindHome);
+  copy.home = "/Users/\u00E9";
+  EXPECT_TRUE(mayOpenLive(copy));
+  copy.resolvedPath = "/Users/\u00E9" + behindHome;
+  EXPECT_TRUE(mayOpenLive(copy));
+  copy.home = "/Users/e";
+  EXPECT_FALSE(mayOpenLive(copy));
+}
+
 TEST(MayOpenLiveTest, TheStagedCopyOfAnotherHomeMayNot) {
   auto copy = releaseCopyAt(staged);
   copy.home = "/Users/v";

@@ -3,71 +3,71 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <ostream>
+#include <vector>
 
 namespace tamo::HardStop {
 namespace {
 
+constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+
+/// The facts as plain values, and the reason; null stands for absent.
 struct SpareCase {
   const char* name;
-  SpareFacts facts;
-  std::optional<std::string> reason;
+  const char* build = nullptr;
+  std::uint64_t coreStart = 1000;
+  std::optional<std::uint64_t> ownStart = std::nullopt;
+  bool revertFile = false;
+  const char* reason = nullptr;
 };
 
 void PrintTo(const SpareCase& one, std::ostream* out) {
   *out << one.name;
 }
 
-constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
-
-Seen startedAt(std::uint64_t micros) {
-  return {.pid = 4242, .startMicros = micros, .group = 4242, .zombie = false};
+std::optional<std::string> optionalText(const char* text) {
+  if (text == nullptr) return std::nullopt;
+  return text;
 }
 
 class SpareReasonTest : public ::testing::TestWithParam<SpareCase> {};
 
 TEST_P(SpareReasonTest, IsTheFirstThatHolds) {
-  EXPECT_EQ(spareReason(GetParam().facts), GetParam().reason);
+  const auto& given = GetParam();
+  const SpareFacts facts{
+      .build = optionalText(given.build),
+      .watched = {.pid = 4242, .startMicros = given.coreStart, .group = 4242, .zombie = false},
+      .helperStartMicros = given.ownStart,
+      .revertFilesPresent = given.revertFile,
+  };
+  EXPECT_EQ(spareReason(facts), optionalText(given.reason));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Builds, SpareReasonTest,
-    ::testing::Values(SpareCase{"ADotWinsOverAllElse",
-                                {.build = "1.4.2",
-                                 .watched = startedAt(2000),
-                                 .helperStartMicros = 1000,
-                                 .revertFilesPresent = true},
-                                "revert_release"},
-                      SpareCase{"ADotAlone", {.build = ".", .watched = startedAt(1)}, "revert_release"},
-                      SpareCase{"ADotAtTheEnd", {.build = "42.", .watched = startedAt(1)}, "revert_release"},
-                      SpareCase{"NoDot", {.build = "4211", .watched = startedAt(1)}, std::nullopt},
-                      SpareCase{"EmptyBuild", {.build = "", .watched = startedAt(1)}, std::nullopt}),
-    [](const auto& one) { return one.param.name; });
+constexpr SpareCase cases[] = {
+    {.name = "NothingIsKnown"},
+    {.name = "ADotWinsOverAllElse",
+     .build = "1.4.2",
+     .ownStart = 999,
+     .revertFile = true,
+     .reason = "revert_release"},
+    {.name = "ADotAlone", .build = ".", .reason = "revert_release"},
+    {.name = "ADotAtTheEnd", .build = "42.", .reason = "revert_release"},
+    {.name = "NoDot", .build = "4211"},
+    {.name = "EmptyBuild", .build = ""},
+    {.name = "ARevertFileWinsOverTheAge",
+     .build = "4211",
+     .ownStart = 999,
+     .revertFile = true,
+     .reason = "revert_restoring"},
+    {.name = "ARevertFileAlone", .revertFile = true, .reason = "revert_restoring"},
+    {.name = "ACoreStartedAfterThisProgramIsYoung", .ownStart = 999, .reason = "young_core"},
+    {.name = "ACoreOfTheSameMicrosecondIsNotYoung", .ownStart = 1000},
+    {.name = "ACoreStartedBeforeThisProgramIsNotYoung", .ownStart = 1001},
+    {.name = "AnUnknownOwnStartMakesNoCoreYoung", .coreStart = largest},
+    {.name = "StartsAreComparedUnsigned", .coreStart = largest, .ownStart = 1, .reason = "young_core"},
+    {.name = "StartsAreComparedUnsignedTheOtherWayToo", .coreStart = 1, .ownStart = largest},
+};
 
-INSTANTIATE_TEST_SUITE_P(Rest, SpareReasonTest,
-                         ::testing::Values(SpareCase{"ARevertFileWinsOverTheAge",
-                                                     {.build = "4211",
-                                                      .watched = startedAt(2000),
-                                                      .helperStartMicros = 1000,
-                                                      .revertFilesPresent = true},
-                                                     "revert_restoring"},
-                                           SpareCase{"ACoreStartedAfterThisProgramIsYoung",
-                                                     {.watched = startedAt(1001), .helperStartMicros = 1000},
-                                                     "young_core"},
-                                           SpareCase{"ACoreOfTheSameMicrosecondIsNotYoung",
-                                                     {.watched = startedAt(1000), .helperStartMicros = 1000},
-                                                     std::nullopt},
-                                           SpareCase{"ACoreStartedBeforeThisProgramIsNotYoung",
-                                                     {.watched = startedAt(999), .helperStartMicros = 1000},
-                                                     std::nullopt},
-                                           SpareCase{"AnUnknownOwnStartMakesNoCoreYoung",
-                                                     {.watched = startedAt(largest)},
-                                                     std::nullopt},
-                                           SpareCase{"StartsAreComparedUnsigned",
-                                                     {.watched = startedAt(largest), .helperStartMicros = 1},
-                                                     "young_core"},
-                                           SpareCase{"StartsAreComparedUnsignedTheOtherWayToo",
-                                                     {.watched = startedAt(1), .helperStartMicros = largest},
-                                                     std::nullopt}),
+INSTANTIATE_TEST_SUITE_P(Facts, SpareReasonTest, ::testing::ValuesIn(cases),
                          [](const auto& one) { return one.param.name; });
 
 TEST(RevertFilesTest, AreTheThreeMarkersInTheirOrder) {
