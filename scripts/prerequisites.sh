@@ -6,7 +6,7 @@
 base_packages=(
   g++ cmake ninja-build ccache pkg-config
   libplist-dev libexpat1-dev libutf8proc-dev nlohmann-json3-dev
-  libgtest-dev libgmock-dev
+  libgtest-dev libgmock-dev procps
 )
 # What the whole check adds: the second compiler, the formatter.
 check_packages=(clang-19 libclang-rt-19-dev clang-format)

@@ -10,14 +10,14 @@ namespace {
 class Printer {
  public:
   void line(std::string_view key, std::string_view value) {
-    text_.append("\t").append(key).append(" = ").append(value).append("\n");
+    text.append("\t").append(key).append(" = ").append(value).append("\n");
   }
-  void open(std::string_view key) { text_.append("\t").append(key).append(" = {\n"); }
-  void inner(std::string_view value) { text_.append("\t\t").append(value).append("\n"); }
-  void close() { text_ += "\t}\n\n"; }
-  void gap() { text_ += "\n"; }
-  void raw(std::string_view value) { text_ += value; }
-  std::string text_;
+  void open(std::string_view key) { text.append("\t").append(key).append(" = {\n"); }
+  void inner(std::string_view value) { text.append("\t\t").append(value).append("\n"); }
+  void close() { text += "\t}\n\n"; }
+  void gap() { text += "\n"; }
+  void raw(std::string_view value) { text += value; }
+  std::string text;
 };
 
 std::string domainName(std::uint32_t userID) {
@@ -112,7 +112,7 @@ std::string printedJob(const Job& job, std::uint32_t userID, PrintStyle style) {
   printer.gap();
   printer.line("properties", propertiesText(job.definition, style));
   printer.raw("}\n");
-  return printer.text_;
+  return printer.text;
 }
 
 std::string printedDomain(const JobTable& jobs, std::uint32_t userID) {
@@ -128,7 +128,7 @@ std::string printedDomain(const JobTable& jobs, std::uint32_t userID) {
     printer.inner(pid + "\t" + exit + "\t" + job->definition.label);
   }
   printer.raw("\t}\n}\n");
-  return printer.text_;
+  return printer.text;
 }
 
 }  // namespace tamo::stage

@@ -83,12 +83,15 @@ void ServiceManagement::resume(Time now) {
 }
 
 void ServiceManagement::tick(Time now) {
-  const auto firstDue =
-      std::stable_partition(held_.begin(), held_.end(), [now](const Held& held) { return now < held.due; });
-  std::vector<Held> due(std::make_move_iterator(firstDue), std::make_move_iterator(held_.end()));
-  held_.erase(firstDue, held_.end());
-  for (const auto& held : due)
-    held.reply(held.answer);
+  // Taken out first: an answer may lead to the next question.
+  const auto held = std::exchange(held_, {});
+  for (const auto& one : held) {
+    if (now < one.due) {
+      held_.push_back(one);
+    } else {
+      one.reply(one.answer);
+    }
+  }
 }
 
 std::optional<ServiceManagement::Time> ServiceManagement::nextDeadline() const {
