@@ -18,12 +18,11 @@
 ///
 /// A job is
 ///
-///   waiting    no process                  start: running; bootout: removed
-///   scheduled  a kept job's process died   at its time: running; kickstart: running at once; bootout:
-///   removed running    has a process               its end: waiting, or scheduled when kept; a stop:
-///   stopping stopping   was sent SIGTERM            at the exit timeout: SIGKILL, once; its end: removed
-///   (bootout), or
-///                                          running anew (restart). A bootout during a restart wins.
+///   waiting    no process                       start: running; bootout: removed
+///   scheduled  a kept job's process died        at its time: running; kickstart: running at once; bootout: removed
+///   running    has a process                    its end: waiting, or scheduled when kept; a stop: stopping
+///   stopping   was sent SIGTERM                 at the exit timeout: SIGKILL, once; its end: removed (bootout), or
+///                                               running anew (restart). A bootout during a restart wins.
 ///
 /// The end of a job's process takes the rest of its process group with it, unless the job abandons the group.
 namespace tamo::stage {
