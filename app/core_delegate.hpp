@@ -15,6 +15,7 @@
 #include "launch/definition_check.hpp"
 #include "launch/job_lock.hpp"
 #include "launch/launchctl.hpp"
+#include "move/move_to_applications.hpp"
 #include "platform/platform.hpp"
 #include "platform/task.hpp"
 
@@ -29,6 +30,7 @@ namespace tamo {
 ///   dispatching      refused -> terminate
 ///                    or locked -> routed -> succeeded or failed -> logged -> receipt -> terminate ->
 ///                    unlocked
+///                    or, for the move, locked -> moved -> terminate -> unlocked
 ///
 /// There is no idle state and no second action: a URL that comes later changes nothing.
 class CoreDelegate final : public platform::ApplicationDelegate {
@@ -52,7 +54,7 @@ class CoreDelegate final : public platform::ApplicationDelegate {
   platform::Task<platform::Nothing> performRequested(std::string defaultAction);
   platform::Task<platform::Nothing> performOnAgent(std::string action);
   [[nodiscard]] std::optional<std::string> printedJob();
-  void moveToApplications();
+  platform::Task<platform::Nothing> moveToApplications();
   [[nodiscard]] bool mayAct(const std::string& action) const;
   void refuse(const std::string& action);
   void recordSuccess(const std::string& action, platform::AgentService& service, OutcomeRecord& record);
@@ -70,6 +72,7 @@ class CoreDelegate final : public platform::ApplicationDelegate {
   DefinitionCheck definition_;
   AgentRegistration registration_;
   AgentActions agentActions_;
+  MoveToApplications move_;
   ReceiptWriter receipts_;
   std::optional<platform::Task<platform::Nothing>> performing_;
 };

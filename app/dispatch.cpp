@@ -17,7 +17,8 @@ using platform::Task;
 Task<Nothing> CoreDelegate::perform(std::string action) {
   platform::requireMain(platform_.mainQueue, "perform");
   if (action == AppMove::operation) {
-    moveToApplications();
+    auto moving = moveToApplications();
+    co_await moving;
   } else if (!mayAct(action)) {
     refuse(action);
   } else {
@@ -28,11 +29,15 @@ Task<Nothing> CoreDelegate::perform(std::string action) {
 }
 
 /// The move claims its action before the guard is asked: a copy that may not act is the very one to be moved.
-void CoreDelegate::moveToApplications() {
+/// Its result file is its record, so there is no outcome line and no receipt. Without the lock it goes on, as
+/// every action does.
+Task<Nothing> CoreDelegate::moveToApplications() {
   const int lock = jobLock_.lockJob();
-  log_->write({LogFormat::moveUnavailable, {}});
+  auto moving = move_.moveToApplications();
+  co_await moving;
   platform_.application.terminate();
   jobLock_.unlockJob(lock);
+  co_return Nothing();
 }
 
 bool CoreDelegate::mayAct(const std::string& action) const {

@@ -7,6 +7,7 @@
 #include "platform/json_text.hpp"
 #include "platform/paths.hpp"
 #include "platform/text.hpp"
+#include "platform/unicode.hpp"
 
 namespace tamo::AppMove {
 namespace {
@@ -18,13 +19,13 @@ struct Wording {
 
 /// The codes "no_helper" and "timeout" are not produced here; readers of the result know them.
 constexpr std::array wordings{
-    Wording{"cancelled",
+    Wording{Code::cancelled,
             "The move was cancelled, so Tamo is still in Downloads. Show it in Finder and drag it into "
             "Applications."},
-    Wording{"not_writable",
+    Wording{Code::notWritable,
             "macOS didn’t let Tamo write to your Applications folder. Show it in Finder and drag it into "
             "Applications."},
-    Wording{"copy_failed",
+    Wording{Code::copyFailed,
             "Tamo couldn’t copy itself into Applications. Show it in Finder and drag it into Applications."},
     Wording{"no_helper",
             "macOS didn’t let Tamo move itself from this temporary copy. Show it in Finder and drag it into "
@@ -34,6 +35,15 @@ constexpr std::array wordings{
 };
 constexpr std::string_view otherwise =
     "Tamo couldn’t move itself. Show it in Finder and drag it into Applications.";
+
+bool isTranslocated(std::string_view path) {
+  return path.contains("/AppTranslocation/");
+}
+
+/// A name with accents has two spellings, and the places that paths come from do not agree on one.
+bool samePath(std::string_view left, std::string_view right) {
+  return platform::canonicallyEqual(platform::standardisedPath(left), platform::standardisedPath(right));
+}
 
 }  // namespace
 
@@ -64,6 +74,10 @@ std::optional<std::int64_t> build(const platform::FileReader& files, const std::
   return buildNumber(*version);
 }
 
+Result resultOf(std::string_view code) {
+  return {.ok = code == Code::moved || code == Code::opened, .code = std::string(code)};
+}
+
 std::string encoded(const Result& result) {
   const std::string ok = result.ok ? "true" : "false";
   return R"({"ok":)" + ok + R"(,"code":)" + platform::jsonString(result.code) + "}";
@@ -82,8 +96,21 @@ std::string_view words(std::string_view code) {
 }
 
 std::optional<std::string> originalURL(const std::string& of, const platform::Bundles& bundles) {
-  if (!of.contains("/AppTranslocation/")) return std::nullopt;
+  if (!isTranslocated(of)) return std::nullopt;
   return bundles.originalLocation(of);
+}
+
+std::optional<std::string> oldCopy(std::string_view here, const std::optional<std::string>& original) {
+  if (!original && isTranslocated(here)) return std::nullopt;
+  auto old = original ? *original : std::string(here);
+  if (samePath(old, destination)) return std::nullopt;
+  return old;
+}
+
+bool isCopy(const RunningCopy& copy, const platform::RunningApplication& application) {
+  if (!application.bundleIdentifier || !application.bundlePath) return false;
+  return platform::canonicallyEqual(*application.bundleIdentifier, copy.bundleID) &&
+         samePath(*application.bundlePath, copy.path);
 }
 
 }  // namespace tamo::AppMove

@@ -8,6 +8,7 @@
 #include "guard/live_data_guard.hpp"
 #include "platform/bundles.hpp"
 #include "platform/files.hpp"
+#include "platform/workspace.hpp"
 
 /// The rules of the move into /Applications: whether it is needed, what it does to a copy that is there
 /// already, how its result is recorded and put into words. Carrying it out is left to others. Any thread.
@@ -54,15 +55,31 @@ struct Builds {
 [[nodiscard]] std::optional<std::int64_t> build(const platform::FileReader& files,
                                                 const std::string& appPath);
 
+/// How a move ends, in the words of its result.
+namespace Code {
+inline constexpr std::string_view moved = "moved";
+/// The installed copy was good enough; nothing was copied.
+inline constexpr std::string_view opened = "opened";
+/// The user closed the administrator prompt.
+inline constexpr std::string_view cancelled = "cancelled";
+/// An older installed copy would not go to the Trash, or not even the administrator's copy came about.
+inline constexpr std::string_view notWritable = "not_writable";
+/// The copy failed although the user may write to the folder.
+inline constexpr std::string_view copyFailed = "copy_failed";
+}  // namespace Code
+
 /// How a move ended.
 struct Result {
   /// The installed copy is in place.
   bool ok = false;
-  /// "moved", "opened", "cancelled", "not_writable" or "copy_failed".
+  /// One of the codes above; in a result that was read, any text.
   std::string code;
 
   friend bool operator==(const Result&, const Result&) = default;
 };
+
+/// The result that a code makes.
+[[nodiscard]] Result resultOf(std::string_view code);
 
 /// The bytes of a recorded result: one compact JSON object, "ok" before "code".
 [[nodiscard]] std::string encoded(const Result& result);
@@ -78,5 +95,21 @@ struct Result {
 /// Where a translocated copy really lies; absent for a copy that is not translocated, for which the system is
 /// not even asked, and when the system cannot tell.
 [[nodiscard]] std::optional<std::string> originalURL(const std::string& of, const platform::Bundles& bundles);
+
+/// The copy that a finished move leaves behind for the Trash: the original of a translocated copy, otherwise
+/// the copy at `here` itself. Absent for a translocated copy without a known `original`, whose path leads to
+/// no place of the user's, and for the destination, which is never thrown away.
+[[nodiscard]] std::optional<std::string> oldCopy(std::string_view here,
+                                                 const std::optional<std::string>& original);
+
+/// The application copy that a move is made from.
+struct RunningCopy {
+  std::string path;
+  std::string bundleID;
+};
+
+/// Whether a running application is that copy: the same identifier and, standardised, the same path. One that
+/// lacks either is not.
+[[nodiscard]] bool isCopy(const RunningCopy& copy, const platform::RunningApplication& application);
 
 }  // namespace tamo::AppMove

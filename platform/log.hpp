@@ -21,7 +21,8 @@ namespace tamo::platform {
        "definition: loaded %{public}s exit %{public}s · bundled %{public}s exit %{public}s · changed "  \
        "%{bool,public}d")                                                                                 \
   LINE(hardStop, Default, "hardstop pid %{public}d: %{public}s")                                          \
-  LINE(moveUnavailable, Error, "move-to-applications isn't there yet")
+  LINE(moveRefused, Error, "move refused: this Tamo doesn't need moving")                                 \
+  LINE(moveResult, Default, "move-to-applications -> %{public}s")
 
 enum class LogLevel { Default, Error };
 

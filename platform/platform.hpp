@@ -17,6 +17,8 @@
 #include "platform/processes.hpp"
 #include "platform/threads.hpp"
 #include "platform/user.hpp"
+#include "platform/user_files.hpp"
+#include "platform/workspace.hpp"
 
 namespace tamo::platform {
 
@@ -26,10 +28,12 @@ struct Platform {
   Application& application;
   MainQueue& mainQueue;
   AgentServices& agentServices;
+  Workspace& workspace;
   Processes& processes;
   KernelProcesses& kernelProcesses;
   Threads& threads;
   Files& files;
+  UserFiles& userFiles;
   LockFiles& lockFiles;
   Bundles& bundles;
   User& user;

@@ -10,6 +10,8 @@
 #include "fakes/fake_processes.hpp"
 #include "fakes/fake_surroundings.hpp"
 #include "fakes/fake_threads.hpp"
+#include "fakes/fake_user_files.hpp"
+#include "fakes/fake_workspace.hpp"
 #include "fakes/ledger.hpp"
 #include "platform/platform.hpp"
 
@@ -23,7 +25,9 @@ struct FakePlatform {
   FakeMainQueue mainQueue{ledger, clock};
   FakeApplication application{ledger, clock};
   FakeAgentServices agentServices{ledger, clock};
+  FakeWorkspace workspace{ledger, clock};
   FakeFiles files{ledger, clock};
+  FakeUserFiles userFiles{ledger, clock, files};
   FakeProcesses processes{ledger, clock, files};
   FakeKernelProcesses kernelProcesses{ledger, clock};
   FakeThreads threads{ledger, clock};
@@ -37,10 +41,12 @@ struct FakePlatform {
       .application = application,
       .mainQueue = mainQueue,
       .agentServices = agentServices,
+      .workspace = workspace,
       .processes = processes,
       .kernelProcesses = kernelProcesses,
       .threads = threads,
       .files = files,
+      .userFiles = userFiles,
       .lockFiles = lockFiles,
       .bundles = bundles,
       .user = user,

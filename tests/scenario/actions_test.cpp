@@ -113,10 +113,10 @@ TEST(ActionScenario, AnUnknownNameIsAnErrorOfOurOwn) {
   EXPECT_EQ(stage.lines(), Texts{outcomeLine("audit-install", 1, false, " error TamoCore 64")});
 }
 
-TEST(ActionScenario, TheMoveSaysThatItIsNotThereYet) {
+TEST(ActionScenario, TheMoveOfTheInstalledCopyIsRefused) {
   const Stage stage;
   stage.act("move-to-applications");
-  EXPECT_EQ(stage.lines(), Texts{"error move-to-applications isn't there yet"});
+  EXPECT_EQ(stage.lines(), Texts{"error move refused: this Tamo doesn't need moving"});
 }
 
 TEST(ActionScenario, ADownloadedCopyIsRefusedAndMayOnlyAskForTheStatus) {

@@ -45,6 +45,11 @@ void Companion::kickstartGives(std::int32_t status) {
   fakes.processes.once({"/bin/launchctl", "kickstart"}, {.status = status});
 }
 
+void Companion::toolsMove() {
+  fakes.processes.always({"/usr/bin/ditto"}, {});
+  fakes.processes.always({"/usr/bin/xattr"}, {});
+}
+
 void Companion::run(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "/program");
   CoreDelegate delegate(fakes.platform, config, std::move(arguments));

@@ -28,6 +28,8 @@ class Companion {
   void printsAlways(const std::string& text) {
     fakes.processes.always({"/bin/launchctl", "print"}, {.output = text});
   }
+  /// The tools of the move do their work.
+  void toolsMove();
   void kickstartGives(std::int32_t status);
   /// The Core is gone as soon as it is asked to stop.
   void coreIsGone() { fakes.kernelProcesses.processes.erase(corePid); }

@@ -141,9 +141,10 @@ TEST_F(CoreDelegateTest, WithoutARequestAReleaseCopyElsewhereMoves) {
   companion.fakes.bundles.mainBundle =
       "/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
   companion.bundle("/Users/u/Downloads/Tamo.app", "studio.pell.Tamo");
+  companion.toolsMove();
   launch({});
   finishLaunching();
-  EXPECT_EQ(performed(), "log: error move-to-applications isn't there yet");
+  EXPECT_EQ(performed(), "log: default move-to-applications -> moved");
 }
 
 /// What the default is, is settled at launch; a copy that is installed during the delay does not change it.
@@ -154,7 +155,7 @@ TEST_F(CoreDelegateTest, TheDefaultIsFixedWhenLaunchingHasFinished) {
   launch({});
   finishLaunching();
   companion.fakes.bundles.mainBundle = "/Applications/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
-  EXPECT_EQ(performed(), "log: error move-to-applications isn't there yet");
+  EXPECT_EQ(performed(), "log: error move refused: this Tamo doesn't need moving");
 }
 
 TEST_F(CoreDelegateTest, OneLoggerIsMadeWithTheCoresSubsystem) {

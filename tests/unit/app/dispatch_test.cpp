@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "companion.hpp"
@@ -172,14 +173,6 @@ TEST_F(DispatchTest, AProofHomeSwitchesTheRefusalOff) {
   companion.fakes.agentServices.status = 0;
   companion.act("register");
   EXPECT_EQ(companion.logLines(), Texts{"log: default register -> status 1 ok Optional(true)<private:>"});
-}
-
-TEST_F(DispatchTest, TheMoveTakesTheLockSaysThatItIsNotThereAndReleasesItAfterTerminating) {
-  downloaded();
-  companion.config.writesReceipts = true;
-  companion.act("move-to-applications");
-  EXPECT_EQ(frame(), (Texts{lockPath, "lock: try", "log: error move-to-applications isn't there yet",
-                            "application: terminate", "lock: unlock 7", "lock: close 7"}));
 }
 
 TEST_F(DispatchTest, TheReceiptComesAfterTheLineAndBeforeTheTerminateRequest) {

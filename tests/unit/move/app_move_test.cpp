@@ -80,6 +80,80 @@ TEST(PlanTest, NothingInstalledIsAlwaysACopy) {
   EXPECT_EQ(plan({.source = std::nullopt, .installed = std::nullopt, .installedExists = false}), Plan::copy);
 }
 
+TEST(ResultOfTest, OnlyACopyInPlaceIsOk) {
+  EXPECT_EQ(resultOf("moved"), (Result{true, "moved"}));
+  EXPECT_EQ(resultOf("opened"), (Result{true, "opened"}));
+  for (const auto* code : {"cancelled", "not_writable", "copy_failed", "Moved", ""})
+    EXPECT_EQ(resultOf(code), (Result{false, code}));
+}
+
+struct OldCopyRow {
+  std::string here;
+  std::optional<std::string> original;
+  std::optional<std::string> old;
+};
+
+TEST(OldCopyTest, WhatTheUserDownloadedIsLeftBehind) {
+  const std::string downloads = "/Users/u/Downloads/Tamo.app";
+  const std::vector<OldCopyRow> table{
+      {downloads, std::nullopt, downloads},
+      {translocated, downloads, downloads},
+      {translocated, std::nullopt, std::nullopt},
+      {"/x/AppTranslocation", std::nullopt, "/x/AppTranslocation"},
+      {"/x/apptranslocation/Tamo.app", std::nullopt, "/x/apptranslocation/Tamo.app"},
+      {"/Applications/Tamo 2.app", std::nullopt, "/Applications/Tamo 2.app"},
+      {"/Applications/Other/Tamo.app", std::nullopt, "/Applications/Other/Tamo.app"},
+      {"/Applications/tamo.app", std::nullopt, "/Applications/tamo.app"},
+  };
+  for (const auto& row : table)
+    EXPECT_EQ(oldCopy(row.here, row.original), row.old) << row.here;
+}
+
+TEST(OldCopyTest, TheDestinationIsNeverLeftBehind) {
+  for (const auto* path : {"/Applications/Tamo.app", "/Applications/Tamo.app/", "/Applications/./Tamo.app",
+                           "//Applications//Tamo.app", "/Users/../Applications/Tamo.app"}) {
+    EXPECT_EQ(oldCopy(path, std::nullopt), std::nullopt) << path;
+    EXPECT_EQ(oldCopy(translocated, path), std::nullopt) << path;
+  }
+}
+
+struct IsCopyRow {
+  platform::RunningApplication application;
+  bool is;
+};
+
+TEST(IsCopyTest, IdentifierAndStandardisedPathBothCount) {
+  const RunningCopy copy{.path = "/Users/u/Downloads/Tamo.app", .bundleID = "studio.pell.Tamo"};
+  const std::vector<IsCopyRow> table{
+      {{"studio.pell.Tamo", "/Users/u/Downloads/Tamo.app"}, true},
+      {{"studio.pell.Tamo", "/Users/u/Downloads/Tamo.app/"}, true},
+      {{"studio.pell.Tamo", "/Users/u/Music/../Downloads/./Tamo.app"}, true},
+      {{"studio.pell.Tamo", "/Users/u/Downloads/tamo.app"}, false},
+      {{"studio.pell.Tamo", "/Users/u/Downloads/Tamo 2.app"}, false},
+      {{"studio.pell.Tamo", "/Applications/Tamo.app"}, false},
+      {{"studio.pell.Tamo", "/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Core.app"}, false},
+      {{"studio.pell.Tamo.Core", "/Users/u/Downloads/Tamo.app"}, false},
+      {{"studio.pell.tamo", "/Users/u/Downloads/Tamo.app"}, false},
+      {{std::nullopt, "/Users/u/Downloads/Tamo.app"}, false},
+      {{"studio.pell.Tamo", std::nullopt}, false},
+      {{std::nullopt, std::nullopt}, false},
+  };
+  for (const auto& row : table) {
+    EXPECT_EQ(isCopy(copy, row.application), row.is)
+        << row.application.bundleIdentifier.value_or("none") << row.application.bundlePath.value_or(" none");
+  }
+}
+
+TEST(IsCopyTest, AnInstalledCopyIsOneToo) {
+  const RunningCopy copy{.path = "/Applications/Tamo.app", .bundleID = "studio.pell.Tamo"};
+  EXPECT_TRUE(isCopy(copy, {"studio.pell.Tamo", "/Applications/Tamo.app"}));
+}
+
+TEST(IsCopyTest, BothSpellingsOfAnAccentAreOnePath) {
+  const RunningCopy copy{.path = "/Users/zo\u00EB/Tamo.app", .bundleID = "studio.pell.Tamo"};
+  EXPECT_TRUE(isCopy(copy, {"studio.pell.Tamo", "/Users/zoe\u0308/Tamo.app"}));
+}
+
 struct BuildRow {
   std::string_view version;
   std::optional<std::int64_t> build;

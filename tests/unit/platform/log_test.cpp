@@ -49,6 +49,13 @@ TEST(LogTest, OutcomesAreOrdinaryAndRefusalsAreErrors) {
   EXPECT_EQ(levelOf(LogFormat::hardStop), LogLevel::Default);
   EXPECT_EQ(levelOf(LogFormat::refused), LogLevel::Error);
   EXPECT_EQ(levelOf(LogFormat::receiptFailed), LogLevel::Error);
+  EXPECT_EQ(levelOf(LogFormat::moveResult), LogLevel::Default);
+  EXPECT_EQ(levelOf(LogFormat::moveRefused), LogLevel::Error);
+}
+
+TEST(LogTest, TheMoveTellsItsCodeToEverybody) {
+  EXPECT_EQ(marked({LogFormat::moveResult, {"not_writable"}}), "move-to-applications -> {not_writable}");
+  EXPECT_EQ(marked({LogFormat::moveRefused, {}}), "move refused: this Tamo doesn't need moving");
 }
 
 TEST(LogDeathTest, ArgumentsThatDoNotFitStopTheProcess) {

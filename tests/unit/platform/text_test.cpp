@@ -121,6 +121,14 @@ TEST(TextTest, EachMaximalInvalidPartBecomesOneReplacementCharacter) {
   }
 }
 
+TEST(TextTest, TheUtf8PrefixEndsBeforeTheFirstByteThatBeginsNoCharacter) {
+  EXPECT_EQ(utf8Prefix(""), "");
+  EXPECT_EQ(utf8Prefix("a\u00E9\0b"sv), "a\u00E9\0b"sv);
+  EXPECT_EQ(utf8Prefix("\u00E9\xFFz"), "\u00E9");
+  EXPECT_EQ(utf8Prefix("\u20AC\xE2\x82"), "\u20AC");
+  EXPECT_EQ(utf8Prefix("\x80z"), "");
+}
+
 TEST(TextTest, WellFormedUtf8IsKept) {
   for (const auto text :
        {""sv, "a\0b"sv, "\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"sv, "\uFEFFa\uFFFD"sv}) {
