@@ -129,13 +129,18 @@ std::optional<std::int32_t> decimalInt32(std::string_view text) {
   return decimal<std::int32_t>(text);
 }
 
-bool isUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const auto part = firstPart(bytes);
-    if (!part.valid) return false;
-    bytes.remove_prefix(part.size);
+std::string_view utf8Prefix(std::string_view bytes) {
+  std::size_t size = 0;
+  while (size < bytes.size()) {
+    const auto part = firstPart(bytes.substr(size));
+    if (!part.valid) break;
+    size += part.size;
   }
-  return true;
+  return bytes.substr(0, size);
+}
+
+bool isUtf8(std::string_view bytes) {
+  return utf8Prefix(bytes).size() == bytes.size();
 }
 
 std::string repairedUtf8(std::string_view bytes) {

@@ -24,6 +24,10 @@ namespace tamo::platform {
 [[nodiscard]] std::optional<std::int64_t> decimalInt64(std::string_view text);
 [[nodiscard]] std::optional<std::int32_t> decimalInt32(std::string_view text);
 
+/// The longest front part of `bytes` that is well-formed UTF-8: all of it, or what stands before the first
+/// byte that begins no character.
+[[nodiscard]] std::string_view utf8Prefix(std::string_view bytes);
+
 /// Whether `bytes` are well-formed UTF-8 throughout.
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 

@@ -38,6 +38,9 @@ class Backend {
 
   /// Sends URLs to this process as another program would.
   virtual void sendURLs(const std::vector<std::string>& urls) const = 0;
+
+  /// Whether the kernel tells of a process that has exited and waits to be reaped; else it is absent.
+  [[nodiscard]] virtual bool seesZombies() const { return true; }
 };
 
 struct BackendKind {

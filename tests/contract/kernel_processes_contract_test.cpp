@@ -39,6 +39,7 @@ TEST_P(KernelProcessesContract, TheStartTimeOutlivesTheProcess) {
   const auto alive = seen(child.pid());
   kernel.kill(child.pid());
   child.awaitExit();
+  if (!backend->seesZombies()) GTEST_SKIP() << "the kernel does not tell of zombies";
   const auto dead = seen(child.pid());
   EXPECT_TRUE(dead.zombie);
   EXPECT_EQ(dead.startSeconds, alive.startSeconds);
@@ -83,8 +84,10 @@ TEST_P(KernelProcessesContract, AGroupKillReachesTheWholeGroupAndNobodyElse) {
   ASSERT_EQ(::setpgid(leader.pid(), leader.pid()), 0);
   ASSERT_EQ(::setpgid(member.pid(), leader.pid()), 0);
   kernel.killGroup(leader.pid());
-  EXPECT_EQ(WTERMSIG(leader.reap()), SIGKILL);
-  EXPECT_EQ(WTERMSIG(member.reap()), SIGKILL);
+  const int ofLeader = leader.reap();
+  const int ofMember = member.reap();
+  EXPECT_EQ(WTERMSIG(ofLeader), SIGKILL);
+  EXPECT_EQ(WTERMSIG(ofMember), SIGKILL);
   EXPECT_FALSE(seen(stranger.pid()).zombie);
 }
 
@@ -92,7 +95,9 @@ TEST_P(KernelProcessesContract, KillingTheDeadHarmsNobody) {
   const Child child([] {});
   child.awaitExit();
   kernel.kill(child.pid());
-  EXPECT_TRUE(seen(child.pid()).zombie);
+  const auto dead = kernel.info(child.pid());
+  EXPECT_TRUE(!dead || dead->zombie);
+  EXPECT_EQ(dead.has_value(), backend->seesZombies());
 }
 
 TAMO_CONTRACT(KernelProcessesContract);

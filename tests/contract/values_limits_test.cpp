@@ -49,6 +49,23 @@ TEST(ValuesLimitsTest, AnIntegerOfMoreThanSixtyFourBitsIsUnreadable) {
   EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\x15" + std::string(32, '\0')).bytes()));
 }
 
+TEST(ValuesLimitsTest, AKeyWithAZeroInItMakesABinaryListUnreadable) {
+  const auto withKey = [](const std::string& key) {
+    return BinaryListBuilder().addDictionary("\1", "\2").add(key).addText("value").bytes();
+  };
+  EXPECT_TRUE(readPropertyList(withKey("\x53key"s)));
+  EXPECT_FALSE(readPropertyList(withKey("\x53k\0y"s)));
+  EXPECT_FALSE(readPropertyList(withKey("\x5F\x10\x03k\0y"s)));
+  EXPECT_TRUE(readPropertyList(withKey("\x62\0k\1\0"s)));
+  EXPECT_FALSE(readPropertyList(withKey("\x62\0k\0\0"s)));
+}
+
+TEST(ValuesLimitsTest, AKeyThatIsNoTextMakesABinaryListUnreadable) {
+  for (const auto& key : {"\x09"s, "\x10\x05"s, "\x42kk"s, "\xA0"s})
+    EXPECT_FALSE(
+        readPropertyList(BinaryListBuilder().addDictionary("\1", "\2").add(key).addText("value").bytes()));
+}
+
 TEST(ValuesLimitsTest, AListOfMoreThanSixteenMebibytesIsUnreadable) {
   std::string list = "<plist><string>a</string></plist>";
   list.resize(std::size_t{16} << 20U, ' ');

@@ -1,0 +1,17 @@
+#include "platform/error_report.hpp"
+
+namespace tamo::platform {
+namespace {
+
+constexpr auto ownDomain = "TamoPlatform";
+constexpr std::int64_t unexplained = 1;
+
+}  // namespace
+
+Error errorOf(const std::optional<ErrorReport>& report) {
+  if (!report) return Error(ownDomain, unexplained, "The operation failed without an error.");
+  return Error(report->domain.value_or(ownDomain), report->code,
+               report->description.value_or("The operation failed without a description."));
+}
+
+}  // namespace tamo::platform

@@ -1,0 +1,44 @@
+#include "platform/log_arguments.hpp"
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <variant>
+
+namespace tamo::platform {
+namespace {
+
+template <class Kind>
+const Kind& kindAt(const LogLine& line, std::size_t at) {
+  const auto* found = at < line.arguments.size() ? std::get_if<Kind>(&line.arguments[at]) : nullptr;
+  if (found == nullptr) fatal("a log argument does not fit its format");
+  return *found;
+}
+
+template <class Integer>
+Integer integerAt(const LogLine& line, std::size_t at) {
+  using Limits = std::numeric_limits<Integer>;
+  const auto value = kindAt<std::int64_t>(line, at);
+  if (value < Limits::min() || value > Limits::max()) fatal("a log argument does not fit its placeholder");
+  return static_cast<Integer>(value);
+}
+
+}  // namespace
+
+const char* logText(const LogLine& line, std::size_t at) {
+  return kindAt<std::string>(line, at).c_str();
+}
+
+int logInt(const LogLine& line, std::size_t at) {
+  return integerAt<int>(line, at);
+}
+
+long logLong(const LogLine& line, std::size_t at) {
+  return integerAt<long>(line, at);
+}
+
+int logTruth(const LogLine& line, std::size_t at) {
+  return kindAt<bool>(line, at) ? 1 : 0;
+}
+
+}  // namespace tamo::platform

@@ -1,0 +1,35 @@
+#include "platform/macos/foundation_values.hpp"
+
+#include "platform/macos/values/cf_values.hpp"
+
+namespace tamo::macos {
+
+NSString* foundationText(std::string_view text) {
+  return CFBridgingRelease(cfText(text).release());
+}
+
+NSURL* fileURL(std::string_view path) {
+  NSString* text = foundationText(path);
+  return text.length == 0 ? nil : [NSURL fileURLWithPath:text];
+}
+
+std::optional<std::string> textOf(NSString* string) {
+  return textOf((__bridge CFStringRef)string);
+}
+
+std::optional<std::string> pathOf(NSURL* url) {
+  return textOf(url.path);
+}
+
+std::optional<platform::ErrorReport> reportOf(NSError* error) {
+  if (error == nil) return std::nullopt;
+  return platform::ErrorReport{
+      .domain = textOf(error.domain), .code = error.code, .description = textOf(error.localizedDescription)};
+}
+
+std::optional<platform::Error> failureOf(NSError* error) {
+  if (error == nil) return std::nullopt;
+  return platform::errorOf(reportOf(error));
+}
+
+}  // namespace tamo::macos

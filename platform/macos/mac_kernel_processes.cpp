@@ -1,0 +1,45 @@
+#include "platform/macos/mac_kernel_processes.hpp"
+
+#include <csignal>
+#include <libproc.h>
+#include <sys/proc.h>
+#include <sys/proc_info.h>
+#include <unistd.h>
+
+namespace tamo::macos {
+namespace {
+
+constexpr int recordSize = 136;
+static_assert(sizeof(proc_bsdinfo) == recordSize);
+static_assert(PROC_PIDTBSDINFO == 3);
+static_assert(SZOMB == 5);
+
+}  // namespace
+
+std::optional<platform::ProcessInfo> MacKernelProcesses::info(std::int32_t pid) const {
+  proc_bsdinfo record{};
+  const int written = ::proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &record, recordSize);
+  if (written != recordSize) return std::nullopt;
+  return platform::ProcessInfo{.startSeconds = record.pbi_start_tvsec,
+                               .startMicroseconds = record.pbi_start_tvusec,
+                               .group = static_cast<std::int32_t>(record.pbi_pgid),
+                               .zombie = record.pbi_status == SZOMB};
+}
+
+std::int32_t MacKernelProcesses::ownPid() const {
+  return ::getpid();
+}
+
+std::int32_t MacKernelProcesses::ownGroup() const {
+  return ::getpgrp();
+}
+
+void MacKernelProcesses::kill(std::int32_t pid) {
+  static_cast<void>(::kill(pid, SIGKILL));
+}
+
+void MacKernelProcesses::killGroup(std::int32_t group) {
+  static_cast<void>(::killpg(group, SIGKILL));
+}
+
+}  // namespace tamo::macos

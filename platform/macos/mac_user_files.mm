@@ -1,0 +1,22 @@
+#include "platform/macos/mac_user_files.hpp"
+
+#include "platform/macos/foundation_values.hpp"
+
+namespace tamo::macos {
+
+bool MacUserFiles::isWritable(const std::string& path) const {
+  @autoreleasepool {
+    NSString* text = foundationText(path);
+    return text != nil && [NSFileManager.defaultManager isWritableFileAtPath:text];
+  }
+}
+
+bool MacUserFiles::moveToTrash(const std::string& path) {
+  @autoreleasepool {
+    NSURL* url = fileURL(path);
+    if (url == nil) return false;
+    return [NSFileManager.defaultManager trashItemAtURL:url resultingItemURL:nil error:nil];
+  }
+}
+
+}  // namespace tamo::macos
