@@ -18,6 +18,8 @@
 ///   service-unregister PLIST-NAME                   answered when the job is gone
 ///   open-login-items
 ///   approve                                         the user allows what waits for approval
+///   administrator COMMAND                           runs a shell command as the administrator; answered at
+///                                                   its end with its status and what it wrote
 ///   shutdown                                        ends every job, then launchd
 ///
 /// A service error has the status 1 and the output "DOMAIN<TAB>CODE<TAB>DESCRIPTION".

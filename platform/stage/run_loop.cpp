@@ -81,6 +81,7 @@ void RunLoop::finishLaunching() {
 
 void RunLoop::turn() {
   awaitEvents();
+  ++turns_;
   deliverURLs();
   queueDueWork();
   runNext();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -47,6 +48,9 @@ class RunLoop final : public platform::MainQueue, public platform::Application {
   /// Stops the process (fatal) while the loop does not run.
   void terminate() override;
 
+  /// How many turns have begun. Main thread.
+  [[nodiscard]] std::uint64_t turns() const { return turns_; }
+
  private:
   using Moment = std::chrono::steady_clock::time_point;
 
@@ -65,6 +69,7 @@ class RunLoop final : public platform::MainQueue, public platform::Application {
   std::optional<UrlInbox> inbox_;
   platform::ApplicationDelegate* delegate_ = nullptr;
   bool running_ = false;
+  std::uint64_t turns_ = 0;
 
   /// Guards posted_, which every thread may add to. The rest belongs to the main thread.
   std::mutex lock_;

@@ -1,5 +1,7 @@
 #include "platform/stage/stage_host.hpp"
 
+#include "platform/stage/privileges.hpp"
+
 namespace tamo::stage {
 
 StageHost::StageHost(const StageRoot& root, const std::string& executable)
@@ -10,16 +12,20 @@ StageHost::StageHost(const StageRoot& root, const std::string& executable)
       lockFiles_(root_),
       bundles_(root_, executable),
       user_(root_),
+      userFiles_(root_, clock_),
       localSockets_(root_),
       log_(root_, clock_),
       agentServices_(root_, bundles_, threads_),
+      workspace_(root_, runLoop_, threads_),
       platform_{.application = runLoop_,
                 .mainQueue = runLoop_,
                 .agentServices = agentServices_,
+                .workspace = workspace_,
                 .processes = processes_,
                 .kernelProcesses = kernelProcesses_,
                 .threads = threads_,
                 .files = files_,
+                .userFiles = userFiles_,
                 .lockFiles = lockFiles_,
                 .bundles = bundles_,
                 .user = user_,
@@ -32,6 +38,7 @@ StageHost::StageHost(const StageRoot& root, const std::string& executable)
 namespace tamo::platform {
 
 std::unique_ptr<Host> makeHost() {
+  stage::renouncePrivileges();
   return std::make_unique<stage::StageHost>(stage::StageRoot::fromEnvironment(),
                                             stage::executableAsLaunched());
 }

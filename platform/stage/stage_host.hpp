@@ -14,6 +14,8 @@
 #include "platform/stage/stage_processes.hpp"
 #include "platform/stage/stage_root.hpp"
 #include "platform/stage/stage_user.hpp"
+#include "platform/stage/stage_user_files.hpp"
+#include "platform/stage/stage_workspace.hpp"
 
 namespace tamo::stage {
 
@@ -36,9 +38,11 @@ class StageHost final : public platform::Host {
   StageLockFiles lockFiles_;
   StageBundles bundles_;
   StageUser user_;
+  StageUserFiles userFiles_;
   StageLocalSockets localSockets_;
   StageLog log_;
   StageAgentServices agentServices_;
+  StageWorkspace workspace_;
   platform::Platform platform_;
 };
 

@@ -3,18 +3,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <string>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <thread>
-#include <time.h>
 #include <unistd.h>
 #include <vector>
 
 #include "platform/stage/launchd_wire.hpp"
 #include "platform/stage/programs/app_copy.hpp"
 #include "platform/stage/programs/stage_layout.hpp"
+#include "process_cost.hpp"
 
 /// What the companion itself costs per action on a stage, beside a program that only sleeps as the action's rules order:
 /// CPU time (its own, not its tools'), peak memory and wall time, the middle value of several runs each. A sleep costs
@@ -24,9 +21,9 @@
 ///   companion_cost [RUNS]
 namespace {
 
-using std::chrono::duration;
 using std::chrono::milliseconds;
-using std::chrono::steady_clock;
+using tamo::bench::Cost;
+using tamo::bench::costOf;
 
 constexpr milliseconds intake(400);
 constexpr milliseconds poll(50);
@@ -51,39 +48,6 @@ const std::vector<Action> actions{
     {"restart", "the Core obeys SIGTERM: two prints, a kickstart beside the watch", "", 3, 1},
     {"restart", "the Core ignores SIGTERM: killed after 2 s", "term=ignore", 43, 41},
 };
-
-struct Cost {
-  double cpuMilliseconds;
-  double wallMilliseconds;
-  double peakMegabytes;
-};
-
-/// The CPU time of a process that has ended but is not yet reaped: its own, without that of its children.
-double ownCpuMilliseconds(pid_t pid) {
-  clockid_t clock{};
-  timespec spent{};
-  if (::clock_getcpuclockid(pid, &clock) != 0 || ::clock_gettime(clock, &spent) != 0) return -1;
-  return static_cast<double>(spent.tv_sec) * 1e3 + static_cast<double>(spent.tv_nsec) / 1e6;
-}
-
-/// Runs `work` in a process of its own, which ends with it.
-Cost costOf(const std::function<void()>& work) {
-  const auto started = steady_clock::now();
-  const pid_t pid = ::fork();
-  if (pid == 0) {
-    work();
-    ::_exit(0);
-  }
-  siginfo_t ended{};
-  ::waitid(P_PID, static_cast<id_t>(pid), &ended, WEXITED | WNOWAIT);
-  const duration<double, std::milli> wall = steady_clock::now() - started;
-  const double cpu = ownCpuMilliseconds(pid);
-  rusage usage{};
-  int status = 0;
-  ::wait4(pid, &status, 0, &usage);
-  if (status != 0) std::fprintf(stderr, "a measured process ended with %d\n", status);
-  return {cpu, wall.count(), static_cast<double>(usage.ru_maxrss) / 1024};
-}
 
 Cost sleepingAlone(const Action& action) {
   return costOf([&action] {

@@ -2,12 +2,14 @@
 
 #include <array>
 #include <filesystem>
+#include <sys/xattr.h>
 #include <utility>
 
 #include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/programs/property_list_text.hpp"
 #include "platform/stage/programs/stage_error.hpp"
+#include "platform/stage/programs/xattr.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -18,6 +20,8 @@ using Dictionary = PropertyList::Dictionary;
 
 constexpr auto agentLabel = "studio.pell.tamo.core";
 constexpr auto installedCopy = "/Applications/Tamo.app";
+constexpr auto translocatedCopy =
+    "/private/var/folders/st/tamo/T/AppTranslocation/5C4A7B7E-0D35-4E0B-9C9C-6E1B1D1F2A10/d/Tamo.app";
 
 PropertyList text(const std::string& value) {
   return {.value = value};
@@ -87,6 +91,16 @@ void placeLink(const StageRoot& root, const std::string& path) {
   if (error) throw StageError("cannot link " + path + ": " + error.message());
 }
 
+void quarantine(const std::string& path) {
+  const auto attribute = attributeOnDisk("com.apple.quarantine");
+  const std::string value = "0081;00000000;Safari;";
+  for (const auto& item : fs::recursive_directory_iterator(path)) {
+    if (item.is_symlink()) continue;
+    if (::lsetxattr(item.path().c_str(), attribute.c_str(), value.data(), value.size(), 0) != 0)
+      throw StageError("the file system of " + path + " keeps no extended attributes");
+  }
+}
+
 }  // namespace
 
 std::string copyPath(const StageRoot& root, const std::string& where) {
@@ -94,6 +108,7 @@ std::string copyPath(const StageRoot& root, const std::string& where) {
   if (where == "staged") return root.home() + "/Library/Application Support/Tamo/staged/Tamo.app";
   if (where == "downloaded") return root.home() + "/Downloads/Tamo.app";
   if (where == "linked") return root.home() + "/Desktop/Tamo.app";
+  if (where == "translocated") return translocatedCopy;
   if (!where.starts_with("/")) throw StageError("\"" + where + "\" is no place for a copy");
   auto path = platform::standardisedPath(where);
   if (path == "/") throw StageError("the whole stage is no place for a copy");
@@ -125,6 +140,19 @@ void placeCopy(const StageRoot& root, const std::string& programs, const AppCopy
   copyProgram(programs + "/" + companion, inner + "/MacOS/Tamo Core");
   copyProgram(programs + "/stage-core", inner + "/MacOS/tamo-core-agent");
   writeAgentDefinition(root, path, {});
+  if (copy.quarantined) quarantine(root.host(path));
+}
+
+std::string translocateCopy(const StageRoot& root, const std::string& path, Original original) {
+  const auto from = root.existing(path);
+  if (!from) throw StageError("there is no copy at " + path);
+  std::error_code error;
+  fs::copy(*from, placeFor(root, translocatedCopy),
+           fs::copy_options::recursive | fs::copy_options::copy_symlinks, error);
+  const auto line = std::string(translocatedCopy) + "\t" + path + "\n";
+  if (error) throw StageError("cannot translocate " + path + ": " + error.message());
+  write(root.control("translocated"), original == Original::Known ? line : "");
+  return translocatedCopy;
 }
 
 void writeAgentDefinition(const StageRoot& root, const std::string& copy, const AgentDefinition& definition) {

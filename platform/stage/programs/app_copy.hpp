@@ -27,12 +27,14 @@ struct AgentDefinition {
 };
 
 struct AppCopy {
-  /// "installed", "staged", "downloaded", "linked", or an absolute stage path. "linked" is a symbolic link to
-  /// the installed copy and takes nothing else from here.
+  /// "installed", "staged", "downloaded", "linked", "translocated", or an absolute stage path. "linked" is a
+  /// symbolic link to the installed copy and takes nothing else from here.
   std::string where = "installed";
   std::string bundleID = "studio.pell.Tamo";
   std::string build = "4211";
   Companion companion = Companion::Shipped;
+  /// Every file carries the mark of a download, the attribute com.apple.quarantine.
+  bool quarantined = false;
 };
 
 /// The stage path of the copy that is called `where`. Raises StageError for what is no such name.
@@ -46,6 +48,14 @@ struct AppCopy {
 /// programs and the companion's builds ("tamo-core", "tamo-core-receipts", "tamo-core-proof"). Raises
 /// StageError before anything is changed when a program is missing there.
 void placeCopy(const StageRoot& root, const std::string& programs, const AppCopy& copy);
+
+/// Whether the system can tell where a translocated copy comes from.
+enum class Original { Known, Unknown };
+
+/// Makes a translocated copy of the copy at the stage path `path`, as a Mac does for a downloaded application
+/// that is opened where it was unpacked, and gives its stage path. Each is a copy in the temporary directory,
+/// where a Mac has a read-only view; the next one replaces it.
+std::string translocateCopy(const StageRoot& root, const std::string& path, Original original);
 
 /// Writes the agent's property list of the copy at the stage path `copy`, whole. Raises StageError when there
 /// is no such copy.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "platform/posix/descriptor.hpp"
+#include "platform/stage/privileges.hpp"
 #include "platform/stage/programs/program_log.hpp"
 #include "platform/stage/programs/stage_presence.hpp"
 #include "platform/stage/stage_root.hpp"
@@ -12,6 +13,7 @@
 /// Stands in for the Tamo application itself: it does nothing but run, noted in the control room's "app.log",
 /// until it is told to end or its stage disappears.
 int main(int, char** argv) {
+  tamo::stage::renouncePrivileges();
   const auto root = tamo::stage::StageRoot::fromEnvironment();
   const tamo::stage::StagePresence presence(root.directory());
   const auto path = root.control("app.log");

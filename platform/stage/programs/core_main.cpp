@@ -1,8 +1,10 @@
 #include <iostream>
 
+#include "platform/stage/privileges.hpp"
 #include "platform/stage/programs/core_program.hpp"
 
 int main() {
+  tamo::stage::renouncePrivileges();
   const auto root = tamo::stage::StageRoot::fromEnvironment();
   const auto behaviour = tamo::stage::coreBehaviour(root.setting("core", ""));
   if (!behaviour) {

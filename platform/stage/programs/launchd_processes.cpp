@@ -87,7 +87,7 @@ std::string endingText(pid_t pid, const Ending& ending) {
 
 }  // namespace
 
-LaunchdProcesses::LaunchdProcesses(const StageRoot& root) : root_(root) {
+LaunchdProcesses::LaunchdProcesses(const StageRoot& root) : root_(root), errands_(root) {
   if (::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) platform::fatal("launchd cannot adopt orphans");
 }
 
@@ -134,7 +134,7 @@ void LaunchdProcesses::reap(JobTable& jobs, JobTable::Time now) {
     ::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED);
     const auto ending = endingOf(info);
     note(endingText(pid, ending));
-    jobs.ended(pid, ending, now);
+    if (!errands_.ended(pid, ending)) jobs.ended(pid, ending, now);
   }
 }
 

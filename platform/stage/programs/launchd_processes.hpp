@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "platform/stage/programs/administrator_errands.hpp"
 #include "platform/stage/programs/job_table.hpp"
 #include "platform/stage/stage_root.hpp"
 
@@ -19,7 +20,9 @@ class LaunchdProcesses final : public ProcessControl {
   void kill(pid_t pid) override;
   void killGroup(pid_t group) override;
 
-  /// Reaps every child that is dead, orphans included, without waiting, and tells the table.
+  [[nodiscard]] AdministratorErrands& errands() { return errands_; }
+
+  /// Reaps every child that is dead, orphans included, without waiting, and tells the table or the errands.
   void reap(JobTable& jobs, JobTable::Time now);
 
   /// Kills every child until none is left; the children of a killed one become children of this process and
@@ -28,6 +31,7 @@ class LaunchdProcesses final : public ProcessControl {
 
  private:
   const StageRoot& root_;
+  AdministratorErrands errands_;
 };
 
 }  // namespace tamo::stage

@@ -35,8 +35,9 @@ int copy(StageArguments& arguments) {
   const auto identifier = arguments.takeOption("--bundle-id");
   const auto build = arguments.takeOption("--build");
   const auto program = arguments.takeOption("--program");
+  wanted.quarantined = arguments.takeFlag("--quarantined");
   arguments.finish();
-  if (wanted.where == "linked" && (identifier || build || program))
+  if (wanted.where == "linked" && (identifier || build || program || wanted.quarantined))
     throw UsageError("linked is a link to the installed copy and takes no options");
   if (identifier) wanted.bundleID = *identifier;
   if (build) wanted.build = *build;
@@ -68,7 +69,9 @@ int definition(StageArguments& arguments) {
 std::vector<StageCommand> layoutCommands() {
   return {{"lay", "R [--bare]", "make a stage in R and start its launchd; --bare: without Tamo", lay},
           {"strike", "R", "end everything on the stage and remove it", strike},
-          {"copy", "R WHERE [--bundle-id ID] [--build VERSION] [--program shipped|receipts|proof]",
+          {"copy",
+           "R WHERE [--bundle-id ID] [--build VERSION] [--program shipped|receipts|proof]\n"
+           "      [--quarantined]",
            "place a copy of Tamo; WHERE: installed staged downloaded linked /PATH", copy},
           {"definition", "R [--copy WHERE] [--exit-timeout N|none] [--binary] [--arguments A…]",
            "rewrite a copy's agent list; what isn't named is as laid", definition}};

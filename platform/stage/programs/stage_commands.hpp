@@ -24,6 +24,8 @@ struct StageCommand {
 [[nodiscard]] std::vector<StageCommand> runCommands();
 /// core, approval, order, tool, set.
 [[nodiscard]] std::vector<StageCommand> steeringCommands();
+/// applications, administrator, translocate, open.
+[[nodiscard]] std::vector<StageCommand> moveCommands();
 /// status, ps, log, receipt.
 [[nodiscard]] std::vector<StageCommand> viewCommands();
 

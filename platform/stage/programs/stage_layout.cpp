@@ -9,9 +9,10 @@
 #include <thread>
 
 #include "platform/posix/byte_stream.hpp"
+#include "platform/stage/background_program.hpp"
 #include "platform/stage/launchd_wire.hpp"
 #include "platform/stage/programs/app_copy.hpp"
-#include "platform/stage/programs/background_program.hpp"
+#include "platform/stage/programs/rights.hpp"
 #include "platform/stage/programs/stage_census.hpp"
 #include "platform/stage/programs/stage_error.hpp"
 #include "platform/stage/stream_sockets.hpp"
@@ -24,18 +25,17 @@ using namespace std::chrono_literals;
 
 constexpr auto homeFolder = "/Users/tamo";
 
-/// What is played, and under which name it lies where. What has not been built is left out: a tool that is
-/// not there cannot be started, and that is how it shows.
+/// What is played, and under which name it lies where.
 struct PlacedProgram {
   const char* name;
   const char* place;
-  bool needed;
 };
-constexpr PlacedProgram placedPrograms[] = {{"stage-launchd", "sbin/launchd", true},
-                                            {"stage-launchctl", "bin/launchctl", true},
-                                            {"stage-ditto", "usr/bin/ditto", false},
-                                            {"stage-xattr", "usr/bin/xattr", false},
-                                            {"stage-osascript", "usr/bin/osascript", false}};
+constexpr PlacedProgram placedPrograms[] = {{"stage-launchd", "sbin/launchd"},
+                                            {"stage-launchctl", "bin/launchctl"},
+                                            {"stage-administrator", "usr/libexec/administrator"},
+                                            {"stage-ditto", "usr/bin/ditto"},
+                                            {"stage-xattr", "usr/bin/xattr"},
+                                            {"stage-osascript", "usr/bin/osascript"}};
 
 void must(const std::error_code& error, const std::string& what) {
   if (error) throw StageError(what + ": " + error.message());
@@ -44,7 +44,7 @@ void must(const std::error_code& error, const std::string& what) {
 void makeFolders(const fs::path& root) {
   std::error_code error;
   for (const auto* folder :
-       {"Applications", "bin", "sbin", "usr/bin", "Library/LaunchAgents", "Users/tamo/Desktop",
+       {"Applications", "bin", "sbin", "usr/bin", "usr/libexec", "Library/LaunchAgents", "Users/tamo/Desktop",
         "Users/tamo/Downloads", "Users/tamo/Library/Application Support", "private/tmp",
         "private/var/folders/st/tamo/T", ".stage/settings", ".stage/companions", ".stage/services"}) {
     fs::create_directories(root / folder, error);
@@ -62,7 +62,6 @@ void copyPrograms(const fs::path& root, const fs::path& programs) {
   for (const auto& program : placedPrograms) {
     std::error_code error;
     const auto from = programs / program.name;
-    if (!program.needed && !fs::exists(from)) continue;
     fs::copy_file(from, root / program.place, error);
     must(error, "cannot copy " + from.string());
   }
@@ -127,6 +126,8 @@ StageRoot layStage(const Laying& laying) {
 void strikeStage(const std::string& directory) {
   const auto stage = stageAt(directory);
   shutDownLaunchd(stage);
+  // A folder that its owner may not write to cannot be emptied either.
+  if (stage.existing("/Applications")) openApplications(stage);
   if (!comesTrue([&] { return nothingRuns(stage); }, 10s))
     throw StageError("something on " + stage.directory() + " doesn't end");
   std::error_code error;

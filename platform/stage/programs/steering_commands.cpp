@@ -34,7 +34,7 @@ int approval(StageArguments& arguments) {
 
 int order(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
-  const auto operation = arguments.takeOneOf("operation", {"register", "unregister"});
+  const auto operation = arguments.takeOneOf("operation", {"register", "unregister", "open"});
   const auto domain = arguments.take("domain");
   const auto code = arguments.take("code");
   const auto text = arguments.take("text");
@@ -85,9 +85,9 @@ std::vector<StageCommand> steeringCommands() {
            "sockets=both|core|talk|none starts-slowly:MS; no word: as usual",
            core},
           {"approval", "R granted|withheld", "the user's word on login items", approval},
-          {"order", "R register|unregister DOMAIN CODE TEXT", "an error for the next one", order},
-          {"tool", "R launchctl [--on VERB] FAULT",
-           "hang | fail N | slow MS | flood BYTES | lie FILE [N] | die SIGNAL | real", tool},
+          {"order", "R register|unregister|open DOMAIN CODE TEXT", "an error for the next one", order},
+          {"tool", "R launchctl|ditto|xattr|osascript [--on VERB] FAULT",
+           "hang | fail N | slow MS | flood BYTES | lie FILE [N] | die SIGNAL | cut BYTES | real", tool},
           {"set", "R NAME [VALUE]", "set a setting, or clear it", set}};
 }
 

@@ -2,6 +2,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <sys/resource.h>
 #include <thread>
 #include <unistd.h>
 
@@ -57,6 +59,13 @@ void flood(int descriptor, std::int32_t bytes) {
   static_cast<void>(platform::writeAll(descriptor, text));
 }
 
+/// Programs that this one turns into are cut as well.
+void cut(std::int32_t bytes) {
+  const rlimit limit{.rlim_cur = static_cast<rlim_t>(bytes), .rlim_max = static_cast<rlim_t>(bytes)};
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  ::signal(SIGXFSZ, SIG_IGN);
+}
+
 int lie(const StageRoot& root, const Lie& fault) {
   const auto file = root.existing(fault.file);
   const auto bytes = file ? platform::posix::readWhole(*file) : std::nullopt;
@@ -77,6 +86,7 @@ std::optional<ToolFault> toolFault(std::string_view text) {
   if (kind == "slow") return Slow{.milliseconds = *number};
   if (kind == "flood") return Flood{.bytes = *number};
   if (kind == "die") return Die{.signal = *number};
+  if (kind == "cut") return Cut{.bytes = *number};
   return std::nullopt;
 }
 
@@ -103,6 +113,10 @@ std::string withToolFault(std::string_view lines, std::string_view verb,
   return kept;
 }
 
+std::string actingUser() {
+  return std::getenv("TAMO_STAGE_ADMINISTRATOR") == nullptr ? "user" : "administrator";
+}
+
 std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, const std::string& verb) {
   const auto fault = toolFaultFor(root.setting("tool-" + tool, ""), verb);
   if (!fault) return std::nullopt;
@@ -123,6 +137,10 @@ std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, c
                              [&](const Lie& ordered) -> std::optional<int> { return lie(root, ordered); },
                              [](const Die& ordered) -> std::optional<int> {
                                ::raise(ordered.signal);
+                               return std::nullopt;
+                             },
+                             [](const Cut& ordered) -> std::optional<int> {
+                               cut(ordered.bytes);
                                return std::nullopt;
                              }};
   return std::visit(suffer, *fault);

@@ -16,7 +16,10 @@
 ///   slow MS              does its work after that many milliseconds
 ///   flood BYTES          writes that many bytes to both outputs, then does its work
 ///   lie FILE [STATUS]    prints the bytes of a file of the stage instead of working, and exits with the
-///   status die SIGNAL           ends itself by the signal, a number
+///                        status
+///   die SIGNAL           ends itself by the signal, a number
+///   cut BYTES            does its work, but no file that it writes can grow beyond that many bytes, as on a
+///                        disk that is full
 ///
 /// A line for the verb comes before a line for any. A line that is none of these is no fault.
 namespace tamo::stage {
@@ -38,7 +41,10 @@ struct Lie {
 struct Die {
   std::int32_t signal = 0;
 };
-using ToolFault = std::variant<Hang, Fail, Slow, Flood, Lie, Die>;
+struct Cut {
+  std::int32_t bytes = 0;
+};
+using ToolFault = std::variant<Hang, Fail, Slow, Flood, Lie, Die, Cut>;
 
 /// One fault without its verb: "slow 200". A file's name may hold spaces; a number at the end is the status.
 [[nodiscard]] std::optional<ToolFault> toolFault(std::string_view text);
@@ -49,6 +55,10 @@ using ToolFault = std::variant<Hang, Fail, Slow, Flood, Lie, Die>;
 /// The lines with the fault for `verb` set to `fault`, or taken out when that is absent.
 [[nodiscard]] std::string withToolFault(std::string_view lines, std::string_view verb,
                                         std::optional<std::string_view> fault);
+
+/// The verb of the tools that have none of their own: "administrator" when the administrator runs this
+/// program, "user" otherwise.
+[[nodiscard]] std::string actingUser();
 
 /// Has the fault that is ordered for this tool and verb. Returns the status to exit with at once, or absent
 /// when the tool is to do its work. A hanging tool ends with its stage.

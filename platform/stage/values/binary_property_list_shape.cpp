@@ -26,7 +26,7 @@ class Walk {
 
  private:
   static constexpr std::size_t trailerSize = 32;
-  enum Kind : std::uint64_t { Integer = 0x1, Array = 0xA, Dictionary = 0xD };
+  enum Kind : std::uint64_t { Integer = 0x1, Text = 0x5, WideText = 0x6, Array = 0xA, Dictionary = 0xD };
 
   /// The big-endian number of `size` bytes at `at`; absent when it is not within the bytes.
   [[nodiscard]] std::optional<std::uint64_t> number(std::uint64_t at, std::uint64_t size) const {
@@ -63,23 +63,47 @@ class Walk {
     return detail == 4 && number(at + 1, 8) == 0U;
   }
 
-  /// A container is its marker, its count when that does not fit into the marker, then `perItem` references
-  /// for each item.
+  /// Where the contents of an object begin, behind its marker and its count when that does not fit into the
+  /// marker, and how many items they are.
+  struct Contents {
+    std::uint64_t at;
+    std::uint64_t count;
+  };
+
+  [[nodiscard]] std::optional<Contents> contents(std::uint64_t at, std::uint64_t detail) const {
+    constexpr std::uint64_t countFollows = 0xF;
+    if (detail != countFollows) return Contents{.at = at + 1, .count = detail};
+    const std::uint64_t width = std::uint64_t{1} << (number(at + 1, 1).value_or(0xF) & 0xFU);
+    const auto count = number(at + 2, width);
+    if (!count) return std::nullopt;
+    return Contents{.at = at + 2 + width, .count = *count};
+  }
+
+  /// A container is `perItem` references for each item; a dictionary has those of all its keys in front.
   [[nodiscard]] bool containerIsSound(std::uint64_t at, std::uint64_t detail, std::uint64_t perItem,
                                       std::size_t depth) {
-    constexpr std::uint64_t countFollows = 0xF;
-    std::uint64_t references = at + 1;
-    std::optional<std::uint64_t> count = detail;
-    if (detail == countFollows) {
-      const std::uint64_t width = std::uint64_t{1} << (number(at + 1, 1).value_or(0xF) & 0xFU);
-      count = number(at + 2, width);
-      references = at + 2 + width;
-    }
-    if (!count || *count > mostValues) return false;
-    for (std::uint64_t index = 0; index < *count * perItem; ++index) {
-      const auto object = tableEntry(references, index, referenceSize_);
+    const auto inside = contents(at, detail);
+    if (!inside || inside->count > mostValues) return false;
+    for (std::uint64_t index = 0; index < inside->count * perItem; ++index) {
+      const auto object = tableEntry(inside->at, index, referenceSize_);
       if (!object || !objectIsSound(*object, depth + 1)) return false;
+      const bool isKey = perItem == 2 && index < inside->count;
+      if (isKey && !keyIsSound(*object)) return false;
     }
+    return true;
+  }
+
+  /// A text without a zero in it, in units of one byte or of two.
+  [[nodiscard]] bool keyIsSound(std::uint64_t object) const {
+    const auto at = tableEntry(table_, object, offsetSize_);
+    const auto marker = at ? number(*at, 1) : std::nullopt;
+    if (!marker) return false;
+    const auto kind = *marker >> 4U;
+    const auto inside = contents(*at, *marker & 0xFU);
+    if ((kind != Text && kind != WideText) || !inside || inside->count > bytes_.size()) return false;
+    const std::uint64_t width = kind == Text ? 1 : 2;
+    for (std::uint64_t index = 0; index < inside->count; ++index)
+      if (number(inside->at + index * width, width).value_or(0) == 0) return false;
     return true;
   }
 

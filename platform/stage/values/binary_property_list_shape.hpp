@@ -9,7 +9,9 @@ namespace tamo::stage {
 ///   - containers nested too deep, or in themselves;
 ///   - containers that are named so often that the list would grow without bound;
 ///   - an integer of more than 64 bits, which the library would silently cut. macOS keeps such a number; here
-///     the whole list counts as unreadable.
+///     the whole list counts as unreadable;
+///   - a key that is no text, or has a zero in it, at which the library would end the process. macOS takes
+///     the zero for a character; here the whole list counts as unreadable.
 /// Pure, any thread.
 [[nodiscard]] bool binaryListIsSound(std::string_view bytes);
 

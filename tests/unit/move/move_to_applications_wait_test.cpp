@@ -20,7 +20,9 @@ class MoveWaitTest : public ::testing::Test {
   [[nodiscard]] std::size_t looks() const { return rig.ledger.count("workspace: list"); }
   /// The user sets the wall clock.
   void clockIsSet(std::chrono::nanoseconds moment, std::chrono::nanoseconds by) {
-    rig.clock.at(moment, [this, by] { rig.clock.wallAtZero += by; });
+    rig.clock.at(moment, [this, by] {
+      rig.clock.wallAtZero += std::chrono::duration_cast<std::chrono::system_clock::duration>(by);
+    });
   }
 
   MoveRig rig;

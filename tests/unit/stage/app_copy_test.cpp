@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 #include "platform/property_list.hpp"
 #include "platform/stage/programs/job_file.hpp"
@@ -108,6 +109,26 @@ TEST_F(AppCopyTest, TheAgentsListIsRewrittenInEitherForm) {
 
 TEST_F(AppCopyTest, WithoutACopyThereIsNoListToRewrite) {
   EXPECT_THROW(writeAgentDefinition(stage.root, "/Applications/Tamo.app", {}), StageError);
+}
+
+TEST_F(AppCopyTest, EveryFileOfAQuarantinedCopyCarriesTheMark) {
+  place({.where = "downloaded", .quarantined = true});
+  for (const auto* file : {"/Contents/Info.plist", "/Contents/MacOS/Tamo"}) {
+    const auto path = stage.path + "/Users/tamo/Downloads/Tamo.app" + file;
+    EXPECT_GT(::getxattr(path.c_str(), "user.com.apple.quarantine", nullptr, 0), 0) << file;
+  }
+}
+
+TEST_F(AppCopyTest, ATranslocatedCopyIsWholeAndItsOriginalMayBeKnown) {
+  place({.where = "downloaded", .build = "7"});
+  const std::string original = "/Users/tamo/Downloads/Tamo.app";
+  const auto path = translocateCopy(stage.root, original, Original::Known);
+  EXPECT_NE(path.find("/AppTranslocation/"), std::string::npos);
+  EXPECT_EQ(copyPath(stage.root, "translocated"), path);
+  EXPECT_EQ(infoText(path, "CFBundleVersion"), "7");
+  EXPECT_EQ(stage.read("/.stage/translocated"), path + "\t" + original + "\n");
+  EXPECT_EQ(translocateCopy(stage.root, original, Original::Unknown), path);
+  EXPECT_EQ(stage.read("/.stage/translocated"), "");
 }
 
 }  // namespace

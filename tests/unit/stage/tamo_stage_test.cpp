@@ -47,6 +47,11 @@ TEST_F(TamoStageTest, AWrongUseIsOneLineAndNoEffect) {
                                     {"copy", stage.path, "installed", "--program", "other"},
                                     {"definition", stage.path, "--exit-timeout", "soon"},
                                     {"send", stage.path},
+                                    {"applications", stage.path, "ajar"},
+                                    {"administrator", stage.path, "shrug"},
+                                    {"translocate", stage.path},
+                                    {"copy", stage.path, "linked", "--quarantined"},
+                                    {"open", stage.path},
                                     {"receipt", stage.path, "x"}};
   for (const auto& words : wrong) {
     EXPECT_EQ(run(words), 2) << errors;
@@ -106,8 +111,10 @@ TEST_F(TamoStageTest, ReceiptsArePrintedAllOrOne) {
 
 TEST_F(TamoStageTest, HelpNamesEveryCommandOnOneScreen) {
   EXPECT_EQ(run({"help"}), 0);
-  for (const auto* name : {"lay", "strike", "copy", "definition", "run", "send", "core", "approval", "order",
-                           "tool", "set", "launchctl", "status", "ps", "log", "receipt"})
+  for (const auto* name :
+       {"lay",         "strike", "copy",   "definition", "run",       "send",         "core",
+        "approval",    "order",  "tool",   "set",        "launchctl", "applications", "administrator",
+        "translocate", "open",   "status", "ps",         "log",       "receipt"})
     EXPECT_THAT(output, ::testing::HasSubstr(std::string("\n  ") + name + " R")) << name;
   EXPECT_LE(std::ranges::count(output, '\n'), 50);
 }

@@ -14,6 +14,7 @@ TEST(ToolFaultTest, EachKindIsRead) {
   EXPECT_EQ(std::get<Slow>(*toolFault("slow 250")).milliseconds, 250);
   EXPECT_EQ(std::get<Flood>(*toolFault("flood 100000")).bytes, 100000);
   EXPECT_EQ(std::get<Die>(*toolFault("die 9")).signal, 9);
+  EXPECT_EQ(std::get<Cut>(*toolFault("cut 4096")).bytes, 4096);
 }
 
 TEST(ToolFaultTest, ALieHasAFileAndPerhapsAStatus) {
@@ -26,7 +27,7 @@ TEST(ToolFaultTest, ALieHasAFileAndPerhapsAStatus) {
 }
 
 TEST(ToolFaultTest, WhatIsNoFaultIsNone) {
-  for (const auto* text : {"", "hang on", "fail", "fail x", "slow -1", "lie", "die TERM", "sulk 3"})
+  for (const auto* text : {"", "hang on", "fail", "fail x", "slow -1", "lie", "die TERM", "cut", "sulk 3"})
     EXPECT_FALSE(toolFault(text)) << text;
 }
 

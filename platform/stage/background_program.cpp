@@ -1,4 +1,4 @@
-#include "platform/stage/programs/background_program.hpp"
+#include "platform/stage/background_program.hpp"
 
 #include <array>
 #include <csignal>

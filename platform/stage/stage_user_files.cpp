@@ -1,0 +1,64 @@
+#include "platform/stage/stage_user_files.hpp"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/paths.hpp"
+
+namespace tamo::stage {
+namespace {
+
+/// More items of one name than this go to nobody's Trash within a second.
+constexpr int mostAttempts = 1000;
+
+std::string timeOfDay(std::chrono::system_clock::time_point moment) {
+  const auto seconds = std::chrono::system_clock::to_time_t(moment);
+  tm parts{};
+  ::localtime_r(&seconds, &parts);
+  std::array<char, 16> text{};
+  std::strftime(text.data(), text.size(), "%H.%M.%S", &parts);
+  return text.data();
+}
+
+/// Moves an item to a place that must be free; errno says why not.
+bool moved(const std::string& from, const std::string& to) {
+  return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0;
+}
+
+}  // namespace
+
+std::string nameInTrash(const std::string& name, const std::string& timeOfDay, int attempt) {
+  const auto dot = name.rfind('.');
+  // A name that begins with its only dot has no ending.
+  const auto stem = dot == std::string::npos || dot == 0 ? name.size() : dot;
+  auto result = name.substr(0, stem);
+  result.append(" ").append(timeOfDay);
+  if (attempt > 1) result.append(" ").append(std::to_string(attempt));
+  return result.append(name, stem);
+}
+
+bool StageUserFiles::isWritable(const std::string& path) const {
+  const auto item = root_.existing(path);
+  return item && ::access(item->c_str(), W_OK) == 0;
+}
+
+bool StageUserFiles::moveToTrash(const std::string& path) {
+  const auto item = root_.entry(path);
+  const auto trash = root_.entry(platform::joinedPath(root_.home(), ".Trash"));
+  if (!item || !trash) return false;
+  // One that is there already, or cannot be made, shows in the move.
+  static_cast<void>(::mkdir(trash->c_str(), 0700));
+  const std::string name(platform::lastComponent(*item));
+  if (moved(*item, platform::joinedPath(*trash, name))) return true;
+  const auto time = timeOfDay(clock_.wallNow());
+  for (int attempt = 1; errno == EEXIST && attempt <= mostAttempts; ++attempt)
+    if (moved(*item, platform::joinedPath(*trash, nameInTrash(name, time, attempt)))) return true;
+  return false;
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,33 @@
+# Sourced by ./rehearse: what every rehearsal has in common. Sets `root`, the stage's directory, once it is laid; with
+# `keep` = yes the stage is left running at the end.
+
+build() {
+  mkdir -p build
+  cmake --preset gcc >build/gcc.configure.log 2>&1 || { cat build/gcc.configure.log; return 1; }
+  cmake --build build/gcc --target companions stage_programs >build/gcc.build.log 2>&1 ||
+    { tail -n 60 build/gcc.build.log; return 1; }
+}
+
+say() { printf '\n%s\n' "$*"; }
+die() { echo "rehearse: $*" >&2; exit 1; }
+stage() { build/gcc/bin/tamo-stage "$1" "$root" "${@:2}"; }
+
+# Lays a stage that is struck again when the script ends.
+lay_stage() {
+  root=$(mktemp -d "${TMPDIR:-/tmp}/tamo-rehearsal-XXXXXX")
+  trap '[[ $keep == yes ]] || stage strike >/dev/null 2>&1 || rm -rf "$root"' EXIT
+  trap 'exit 130' INT TERM
+  stage lay "$@" >/dev/null
+}
+
+end_rehearsal() {
+  if [[ $keep == yes ]]; then
+    say "The stage stays in $root:
+    build/gcc/bin/tamo-stage status $root
+    build/gcc/bin/tamo-stage strike $root"
+  else
+    stage strike >/dev/null
+    [[ ! -e $root ]] || die "the stage is left"
+    say "The stage is removed, with every process on it."
+  fi
+}

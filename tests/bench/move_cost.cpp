@@ -1,0 +1,152 @@
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/xattr.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/stage/programs/app_copy.hpp"
+#include "platform/stage/programs/stage_layout.hpp"
+#include "platform/stage/programs/xattr.hpp"
+#include "process_cost.hpp"
+
+/// What the move of a large bundle costs on a stage, beside a plain copy of the same tree by the machine's own cp:
+/// the time from the end of the intake to the end of the companion, and the companion's own CPU time and peak memory.
+/// Plain copies and moves take turns, so that both meet the same machine; the middle value of each is given.
+///
+///   move_cost [RUNS [FILES [MEGABYTES]]]
+namespace {
+
+namespace fs = std::filesystem;
+using namespace tamo::stage;
+using tamo::bench::Cost;
+using tamo::bench::costOf;
+
+constexpr std::chrono::milliseconds intake(400);
+
+struct Size {
+  int files;
+  int megabytes;
+};
+
+/// The contents of the files repeat nothing, so that no file system makes them smaller. Each carries the mark of a
+/// download, which both copies take along and only the move clears.
+void fill(const fs::path& bundle, const Size& size) {
+  const auto bytes =
+      static_cast<std::size_t>(size.megabytes) * 1'000'000 / static_cast<std::size_t>(size.files);
+  std::string text(bytes, '\0');
+  const auto mark = attributeOnDisk("com.apple.quarantine");
+  std::uint64_t state = 88172645463325252ULL;
+  for (int file = 0; file < size.files; ++file) {
+    for (auto& byte : text) {
+      state = state * 6364136223846793005ULL + 1442695040888963407ULL;
+      byte = static_cast<char>(state >> 56U);
+    }
+    const auto folder = bundle / "Contents/Resources" / std::to_string(file / 100);
+    fs::create_directories(folder);
+    const auto path = folder / std::to_string(file);
+    std::ofstream(path, std::ios::binary) << text;
+    if (::setxattr(path.c_str(), mark.c_str(), "0081", 4, 0) != 0)
+      std::fprintf(stderr, "no mark can be set\n");
+  }
+}
+
+[[noreturn]] void become(const std::vector<std::string>& words) {
+  std::vector<char*> pointers;
+  for (const auto& word : words)
+    pointers.push_back(const_cast<char*>(word.c_str()));
+  pointers.push_back(nullptr);
+  ::execv(pointers.front(), pointers.data());
+  ::_exit(127);
+}
+
+class Rig {
+ public:
+  Rig(const StageRoot& root, const Size& size) : root_(root) {
+    placeCopy(root_, TAMO_BINARY_DIR "/bin", {.where = "downloaded", .quarantined = true});
+    fill(downloaded_, size);
+    ::sync();
+  }
+
+  Cost plainCopy() {
+    const auto cost = costOf([this] {
+      become({"/bin/cp", "--archive", downloaded_.string(), installed_.string()});
+    });
+    clear();
+    return cost;
+  }
+
+  /// The move ends by taking the copy that it came from to the Trash, from where it is fetched back.
+  Cost move() {
+    const auto program = root_.host(companionProgram(copyPath(root_, "downloaded")));
+    const auto cost = costOf([&program] {
+      if (std::freopen("/dev/null", "w", stderr) == nullptr) ::_exit(126);
+      become({program, "--core-action", "move-to-applications"});
+    });
+    if (!fs::exists(installed_)) std::fprintf(stderr, "nothing was moved\n");
+    fs::rename(root_.host("/Users/tamo/.Trash/Tamo.app"), downloaded_);
+    clear();
+    return cost;
+  }
+
+ private:
+  void clear() {
+    fs::remove_all(installed_);
+    ::sync();
+  }
+
+  const StageRoot& root_;
+  fs::path downloaded_ = root_.host("/Users/tamo/Downloads/Tamo.app");
+  fs::path installed_ = root_.host("/Applications/Tamo.app");
+};
+
+double middle(std::vector<Cost> costs, double Cost::*value) {
+  std::ranges::sort(costs, {}, value);
+  return costs[costs.size() / 2].*value;
+}
+
+void measure(const StageRoot& root, int runs, const Size& size) {
+  Rig rig(root, size);
+  std::vector<Cost> copies;
+  std::vector<Cost> moves;
+  std::vector<Cost> sleeps;
+  // The first of each only warms the machine's caches.
+  for (int run = -1; run < runs; ++run) {
+    const auto copied = rig.plainCopy();
+    const auto moved = rig.move();
+    const auto slept = costOf([] { std::this_thread::sleep_for(intake); });
+    if (run < 0) continue;
+    copies.push_back(copied);
+    moves.push_back(moved);
+    sleeps.push_back(slept);
+  }
+  const auto copy = middle(copies, &Cost::wallMilliseconds);
+  const auto move = middle(moves, &Cost::wallMilliseconds) - middle(sleeps, &Cost::wallMilliseconds);
+  std::printf("%d files, %d MB\n", size.files, size.megabytes);
+  std::printf("  cp --archive         %8.1f ms\n", copy);
+  std::printf("  the move             %8.1f ms, %.3f of that\n", move, move / copy);
+  std::printf("  the companion's CPU  %8.1f ms\n", middle(moves, &Cost::cpuMilliseconds));
+  std::printf("  its peak memory      %8.1f MB\n", middle(moves, &Cost::peakMegabytes));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int runs = argc > 1 ? std::atoi(argv[1]) : 7;
+  const Size size{.files = argc > 2 ? std::atoi(argv[2]) : 5000,
+                  .megabytes = argc > 3 ? std::atoi(argv[3]) : 200};
+  std::string directory = "/tmp/tamo-move-cost-XXXXXX";
+  if (runs < 1 || size.files < 1 || size.megabytes < 1 || ::mkdtemp(directory.data()) == nullptr) return 2;
+  const auto root = layStage({.directory = directory, .programs = TAMO_BINARY_DIR "/bin", .bare = true});
+  // Found by its name by every program on the stage.
+  ::setenv("TAMO_STAGE", root.directory().c_str(), 1);
+  measure(root, runs, size);
+  ::unsetenv("TAMO_STAGE");
+  strikeStage(root.directory());
+  return 0;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The texts of the played Mac that the companion reads: property lists and launchctl's print.
+namespace tamo::simulation {
+
+/// A definition of the Core's job. Runs name the definitions by their place in this list.
+struct JobDefinition {
+  std::vector<std::string> arguments;
+  std::optional<std::int64_t> exitTimeout;
+};
+[[nodiscard]] const std::vector<JobDefinition>& jobDefinitions();
+
+/// Whether launchd's definition differs from a bundle's in a way that asks for a reseat.
+[[nodiscard]] bool asksForReseat(std::size_t loaded, std::size_t bundled);
+
+[[nodiscard]] const std::string& agentPlist(std::size_t definition);
+/// Absent when the text is none of the lists above.
+[[nodiscard]] std::optional<std::size_t> definitionOf(std::string_view agentPlist);
+
+[[nodiscard]] std::string infoPlist(std::string_view bundleID, std::string_view version);
+/// The text after a key of an Info.plist of the form above; absent when there is none.
+[[nodiscard]] std::optional<std::string> valueOf(std::string_view key, std::string_view infoPlist);
+
+/// The print of the loaded job; `pid` is its process's.
+[[nodiscard]] std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid);
+
+}  // namespace tamo::simulation

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "simulation/dice.hpp"
+
+namespace tamo::simulation {
+
+enum class ProcessKind { Companion, Core, Helper, Stranger, Application };
+
+struct Process {
+  std::int32_t pid = 0;
+  std::int32_t group = 0;
+  std::uint64_t startMicros = 0;
+  bool zombie = false;
+  ProcessKind kind = ProcessKind::Stranger;
+};
+
+/// The processes of the played Mac. There are few pids, and one that was just freed is often the next to be
+/// used, so that a pid is met again under another process all the time.
+class ProcessTable {
+ public:
+  static constexpr std::int32_t lowestPid = 100;
+
+  explicit ProcessTable(Dice& dice) : dice_(dice) {}
+
+  /// A new process at `now`; in a group of its own unless `group` is given. No two start times are equal.
+  const Process& spawn(ProcessKind kind, Time now, std::optional<std::int32_t> group = std::nullopt);
+  /// The same under a certain pid, which is free.
+  const Process& spawnAs(std::int32_t pid, ProcessKind kind, Time now);
+
+  /// Null when there is none.
+  [[nodiscard]] Process* find(std::int32_t pid);
+  /// The process of a pid that started then; null when it is gone.
+  [[nodiscard]] Process* find(std::int32_t pid, std::uint64_t startMicros);
+  /// Free, and no group's name either.
+  [[nodiscard]] bool isFree(std::int32_t pid) const;
+  void remove(std::int32_t pid);
+  [[nodiscard]] const std::vector<Process>& all() const { return processes_; }
+
+ private:
+  [[nodiscard]] std::int32_t freePid();
+  const Process& add(std::int32_t pid, ProcessKind kind, Time now, std::int32_t group);
+
+  Dice& dice_;
+  std::vector<Process> processes_;
+  std::int32_t lastFreed_ = 0;
+  std::uint64_t lastStart_ = 0;
+};
+
+}  // namespace tamo::simulation

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/error.hpp"
+#include "platform/kernel_processes.hpp"
+#include "platform/log.hpp"
+#include "simulation/faults.hpp"
+
+namespace tamo::simulation {
+
+/// One look at a process: what was asked and what the answer was.
+struct Look {
+  std::int32_t pid = 0;
+  std::optional<platform::ProcessInfo> told;
+  Time at{0};
+  /// How much slow calls had held the companion up by then.
+  Time slow{0};
+};
+
+/// One hard stop as seen from outside, from the start of its watcher.
+struct StopRecord {
+  Look first;
+  Time from{0};
+  Time slowBefore{0};
+  /// CFBundleVersion of the application around the companion, as it was told.
+  std::optional<std::string> version;
+  std::optional<std::uint64_t> ownStartMicros;
+  Look last;
+  std::size_t looks = 0;
+  /// A marker file that the watcher was told of.
+  bool markerTold = false;
+  int signals = 0;
+  std::int32_t target = 0;
+  bool toGroup = false;
+  /// When the companion was told that the stop request had failed.
+  std::optional<Time> failedAt;
+  bool ended = false;
+  bool noted = false;
+};
+
+/// What one companion did and was told, as its calls to the platform show it. The referee judges by this and
+/// by the state of the world.
+struct Record {
+  std::bitset<callCount> struck;
+  Time slow{0};
+
+  // Intake.
+  std::optional<std::string> requested;
+  bool launched = false;
+  bool dispatched = false;
+  Time launchedAt{0};
+
+  // What it was told.
+  std::vector<std::int64_t> statuses;
+  std::optional<platform::Error> lastError;
+  std::optional<std::int32_t> kickstart;
+  std::optional<std::string> infoID;
+  std::optional<std::string> infoVersion;
+  std::optional<Look> lastLook;
+  std::optional<std::uint64_t> ownStartMicros;
+
+  // What it did.
+  int registrations = 0;
+  int unregistrations = 0;
+  int kickstarts = 0;
+  int settingsOpened = 0;
+  int copies = 0;
+  int trashed = 0;
+  int opened = 0;
+  bool unregisterFailed = false;
+  bool definitionChanged = false;
+  std::vector<StopRecord> stops;
+
+  // The lock.
+  bool lockAsked = false;
+  std::optional<Time> lockFirstTried;
+  Time lockSlowBefore{0};
+  bool lockHeld = false;
+  bool lockHeldOnce = false;
+  bool lockGivenUp = false;
+  int unlocks = 0;
+
+  // Waits for what is not in the companion's hands.
+  Time waitedForTools{0};
+  Time waitedForAnswers{0};
+  int launchctls = 0;
+
+  // What it told.
+  std::vector<platform::LogLine> lines;
+  std::optional<std::string> stopText;
+  std::optional<std::string> receipt;
+  bool receiptDenied = false;
+  std::optional<std::string> moveResult;
+  std::optional<Time> recordedAt;
+  int terminations = 0;
+};
+
+}  // namespace tamo::simulation

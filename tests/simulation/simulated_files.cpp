@@ -1,0 +1,208 @@
+#include "simulation/simulated_files.hpp"
+
+#include <algorithm>
+
+#include "platform/paths.hpp"
+#include "simulation/job_texts.hpp"
+#include "simulation/referee.hpp"
+
+namespace tamo::simulation {
+namespace {
+
+class Output final : public platform::OutputFile {
+ public:
+  Output(World& world, int descriptor) : world_(world), descriptor_(descriptor) {}
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+  ~Output() override { world_.descriptors.erase(descriptor_); }
+  [[nodiscard]] int descriptor() const override { return descriptor_; }
+
+ private:
+  World& world_;
+  int descriptor_;
+};
+
+bool isMarker(std::string_view path) {
+  return path.contains("core.db.revert");
+}
+
+/// What the companion learns of the application around it.
+void tellInfo(Companion& companion, const std::string& path, const std::string* bytes) {
+  if (path != companion.plan.copy + "/Contents/Info.plist") return;
+  companion.record.infoID = bytes == nullptr ? std::nullopt : valueOf("CFBundleIdentifier", *bytes);
+  companion.record.infoVersion = bytes == nullptr ? std::nullopt : valueOf("CFBundleVersion", *bytes);
+}
+
+void noteMarker(Record& record, const Companion& companion) {
+  if (!companion.onMain() && !record.stops.empty()) record.stops.back().markerTold = true;
+}
+
+std::string planted(Plant plant, std::string bytes) {
+  const auto replaced = [&bytes](std::string_view from, std::string_view to) {
+    const auto at = bytes.find(from);
+    if (at != std::string::npos) bytes.replace(at, from.size(), to);
+  };
+  if (plant == Plant::WrongReceipt) replaced("\"status\" : 1", "\"status\" : 0");
+  if (plant == Plant::WrongMoveResult) replaced("moved", "opened");
+  return bytes;
+}
+
+}  // namespace
+
+bool SimulatedFiles::exists(const std::string& path) const {
+  if (companion_.enter(Call::exists)) return false;
+  const bool there = companion_.world.files.exists(path);
+  if (isMarker(path) && companion_.world.planted == Plant::DeafToMarkers) return false;
+  if (there && isMarker(path)) noteMarker(companion_.record, companion_);
+  companion_.note("exists ", path, ": ", there);
+  return there;
+}
+
+std::optional<std::string> SimulatedFiles::readWhole(const std::string& path) const {
+  const bool fails = companion_.enter(Call::readWhole);
+  const auto* bytes = fails ? nullptr : companion_.world.files.read(path);
+  tellInfo(companion_, path, bytes);
+  companion_.note("reads ", path, ": ", bytes != nullptr);
+  if (bytes == nullptr) return std::nullopt;
+  return *bytes;
+}
+
+std::string SimulatedFiles::resolvedPath(const std::string& path) const {
+  if (companion_.enter(Call::resolvedPath)) return path;
+  return companion_.world.files.resolved(path);
+}
+
+bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view bytes) {
+  const auto& record = companion_.record;
+  const bool receipt = path.contains("/TamoPKG1/");
+  if (receipt && companion_.world.planted == Plant::LostReceipt) return true;
+  const auto written = planted(companion_.world.planted, std::string(bytes));
+  if (receipt) Referee::writesReceipt(companion_, path, written);
+  if (path.ends_with("/move-to-applications.json")) Referee::recordsMove(companion_, written);
+  const bool fails = companion_.enter(Call::writeAtomically);
+  if (receipt) companion_.record.receiptDenied = record.receiptDenied || fails;
+  companion_.note("writes ", path, ": ", !fails);
+  if (!fails) companion_.world.files.write(path, written);
+  return !fails;
+}
+
+bool SimulatedFiles::createDirectories(const std::string& path) {
+  const bool fails = companion_.enter(Call::createDirectories);
+  if (fails && path.contains("/TamoPKG1/")) companion_.record.receiptDenied = true;
+  if (!fails) companion_.world.files.createFolder(path);
+  return !fails;
+}
+
+bool SimulatedFiles::remove(const std::string& path) {
+  auto& world = companion_.world;
+  const bool print = path.contains("tamo-core-print-");
+  if (print && world.planted == Plant::PrintFileLeft) return true;
+  if (companion_.enterQuietly(Call::remove)) {
+    if (!print) world.copiesDisturbed = true;
+    return false;
+  }
+  if (!print) Referee::acts(companion_, "remove");
+  const bool removed = world.files.remove(path);
+  companion_.note("removes ", path, ": ", removed);
+  if (!print) Referee::copiesChanged(world);
+  return removed;
+}
+
+std::unique_ptr<platform::OutputFile> SimulatedFiles::openForWriting(const std::string& path) {
+  auto& world = companion_.world;
+  if (companion_.enter(Call::openForWriting) || world.files.read(path) == nullptr) return nullptr;
+  const int descriptor = world.nextDescriptor++;
+  world.descriptors[descriptor] = path;
+  return std::make_unique<Output>(world, descriptor);
+}
+
+std::optional<std::string> SimulatedFiles::temporaryDirectory() const {
+  return std::string(Places::temporary);
+}
+
+bool SimulatedUserFiles::isWritable(const std::string& path) const {
+  if (companion_.enter(Call::isWritable)) return false;
+  return path == "/Applications" ? companion_.world.applicationsWritable : companion_.world.files.exists(path);
+}
+
+bool SimulatedUserFiles::moveToTrash(const std::string& path) {
+  auto& world = companion_.world;
+  if (companion_.enter(Call::moveToTrash)) return false;
+  Referee::acts(companion_, "trash");
+  if (!world.files.exists(path)) return false;
+  const auto place = std::string(Places::trash) + std::to_string(++world.trashedItems) + ".app";
+  if (world.planted != Plant::LastCopyGone) world.files.copy(path, place);
+  world.files.remove(path);
+  ++companion_.record.trashed;
+  companion_.note("trashes ", path);
+  Referee::copiesChanged(world);
+  return true;
+}
+
+int SimulatedLockFiles::open(const std::string& path) {
+  auto& world = companion_.world;
+  companion_.record.lockAsked = true;
+  const bool fails = companion_.enter(Call::openLock);
+  if (world.planted == Plant::ForgottenLock) return -1;
+  if (fails) {
+    Referee::givesLockUp(companion_);
+    return -1;
+  }
+  world.files.write(path, "");
+  const int descriptor = world.nextDescriptor++;
+  world.lockDescriptors[descriptor] = &companion_;
+  return descriptor;
+}
+
+bool SimulatedLockFiles::tryLock(int descriptor) {
+  auto& world = companion_.world;
+  auto& record = companion_.record;
+  const bool fails = companion_.enter(Call::tryLock);
+  if (!record.lockFirstTried) {
+    record.lockFirstTried = world.timeline.now();
+    record.lockSlowBefore = record.slow;
+  }
+  const bool free = world.planted == Plant::TwoHolders || world.lockHolder == nullptr;
+  const bool gained = !fails && free && world.lockDescriptors.contains(descriptor);
+  Referee::triesLock(companion_, gained);
+  if (gained) world.lockHolder = &companion_;
+  return gained;
+}
+
+void SimulatedLockFiles::unlock(int descriptor) {
+  auto& world = companion_.world;
+  ++companion_.record.unlocks;
+  if (companion_.enter(Call::unlock) || world.planted == Plant::NoUnlock) return;
+  if (!world.lockDescriptors.contains(descriptor)) return;
+  Referee::letsLockGo(companion_);
+  if (world.lockHolder == &companion_) world.lockHolder = nullptr;
+}
+
+void SimulatedLockFiles::close(int descriptor) {
+  auto& world = companion_.world;
+  if (companion_.enter(Call::closeLock) || world.planted == Plant::NoUnlock) return;
+  if (companion_.record.lockHeld) Referee::letsLockGo(companion_);
+  if (!companion_.record.lockHeldOnce) Referee::givesLockUp(companion_);
+  if (world.lockHolder == &companion_) world.lockHolder = nullptr;
+  world.lockDescriptors.erase(descriptor);
+}
+
+std::optional<std::string> SimulatedBundles::originalLocation(const std::string& /*appPath*/) const {
+  if (companion_.enter(Call::originalLocation)) return std::nullopt;
+  return companion_.world.original;
+}
+
+/// A receipt without a password entry stops the process, which is no run any more.
+std::optional<platform::PasswordEntry> SimulatedUser::passwordEntry() const {
+  const bool fails = companion_.enter(Call::passwordEntry);
+  if (fails && !companion_.plan.writesReceipts) return std::nullopt;
+  return platform::PasswordEntry{std::string(Places::home)};
+}
+
+bool SimulatedLocalSockets::accepts(const std::string& path) {
+  if (companion_.enter(Call::accepts)) return false;
+  const bool right = platform::parentPath(path) + "/" == companion_.dataDirectory();
+  return right && companion_.world.job.coreListens();
+}
+
+}  // namespace tamo::simulation

@@ -1,0 +1,182 @@
+#include "simulation/simulated_processes.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "simulation/referee.hpp"
+#include "simulation/tool_bench.hpp"
+
+namespace tamo::simulation {
+namespace {
+
+constexpr std::uint64_t microsPerSecond = 1'000'000;
+
+bool isKickstart(const platform::ToolLaunch& launch) {
+  return launch.path == "/bin/launchctl" && launch.arguments.front() == "kickstart";
+}
+
+/// A tool as the companion that started it holds it.
+class HeldTool final : public platform::Tool {
+ public:
+  HeldTool(Companion& companion, std::shared_ptr<RunningTool> tool)
+      : companion_(companion), tool_(std::move(tool)), slow_(companion.record.slow) {}
+
+  [[nodiscard]] bool running() override {
+    static_cast<void>(companion_.enter(Call::toolRunning));
+    return !tool_->done;
+  }
+
+  [[nodiscard]] std::int32_t wait() override {
+    static_cast<void>(companion_.enter(Call::toolWait));
+    waitForEnd();
+    return settled(tool_->status);
+  }
+
+  void terminate() override {
+    static_cast<void>(companion_.enter(Call::toolTerminate));
+    companion_.note("gives up on ", tool_->launch.arguments.front());
+    ToolBench::terminate(companion_.world, tool_);
+    static_cast<void>(settled(-1));
+  }
+
+  [[nodiscard]] std::string readErrors(std::size_t limit) override {
+    static_cast<void>(companion_.enter(Call::toolErrors));
+    waitForEnd();
+    return tool_->errors.substr(0, limit);
+  }
+
+ private:
+  void waitForEnd() {
+    auto& timeline = companion_.world.timeline;
+    const auto from = timeline.now();
+    while (!tool_->done) {
+      tool_->waiting = timeline.current();
+      timeline.park();
+      tool_->waiting = nullptr;
+      companion_.stillThere();
+    }
+    companion_.record.waitedForTools += timeline.now() - from;
+  }
+
+  /// What the companion learns of a launchctl in the end.
+  std::int32_t settled(std::int32_t status) {
+    if (tool_->launch.path != "/bin/launchctl") return status;
+    const auto took = companion_.world.timeline.now() - tool_->started;
+    Referee::launchctlTook(companion_, took, companion_.record.slow - slow_);
+    if (!isKickstart(tool_->launch)) return status;
+    companion_.record.kickstart = status;
+    const bool kills = tool_->launch.arguments[1] == "-k";
+    if (kills && status != 0) Referee::stopFailed(companion_);
+    return companion_.world.planted == Plant::DeafToFailure ? 0 : status;
+  }
+
+  Companion& companion_;
+  std::shared_ptr<RunningTool> tool_;
+  Time slow_;
+};
+
+platform::ProcessInfo infoOf(const Process& process) {
+  return {.startSeconds = process.startMicros / microsPerSecond,
+          .startMicroseconds = process.startMicros % microsPerSecond,
+          .group = process.group,
+          .zombie = process.zombie};
+}
+
+}  // namespace
+
+std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLaunch& launch) {
+  auto& record = companion_.record;
+  const bool fails = companion_.enter(Call::startTool);
+  companion_.note("starts ", launch.path, " ", launch.arguments.front(), ": ", !fails);
+  const bool kickstarts = isKickstart(launch);
+  if (kickstarts || launch.path == "/usr/bin/ditto") Referee::acts(companion_, launch.path);
+  if (launch.path == "/bin/launchctl") ++record.launchctls;
+  if (kickstarts) ++record.kickstarts;
+  if (launch.path == "/usr/bin/ditto") ++record.copies;
+  if (!fails) {
+    auto tool = ToolBench::start(companion_.world, launch);
+    return std::make_unique<HeldTool>(companion_, std::move(tool));
+  }
+  if (kickstarts) {
+    record.kickstart = -1;
+    if (launch.arguments[1] == "-k") Referee::stopFailed(companion_);
+  }
+  return nullptr;
+}
+
+std::optional<platform::ProcessInfo> SimulatedKernelProcesses::info(std::int32_t pid) const {
+  auto& world = companion_.world;
+  const bool fails = companion_.enter(Call::processInfo);
+  const auto* process = fails ? nullptr : world.processes.find(pid);
+  auto told = process == nullptr ? std::nullopt : std::optional(infoOf(*process));
+  Referee::looked(companion_, pid, told);
+  const auto& stops = companion_.record.stops;
+  if (world.planted == Plant::ForgedIdentity && told && !stops.empty() && !stops.back().ended) {
+    told->startSeconds = stops.back().first.told->startSeconds;
+    told->startMicroseconds = stops.back().first.told->startMicroseconds;
+  }
+  return told;
+}
+
+void SimulatedKernelProcesses::kill(std::int32_t pid) {
+  send(pid, false);
+}
+
+void SimulatedKernelProcesses::killGroup(std::int32_t group) {
+  send(group, true);
+}
+
+/// With a planted fault, what leaves the companion is not what it asked for.
+void SimulatedKernelProcesses::send(std::int32_t target, bool toGroup) {
+  auto& world = companion_.world;
+  const bool fails = companion_.enter(Call::kill);
+  if (world.planted == Plant::SignalToLaunchd) target = 1;
+  if (world.planted == Plant::SignalToStranger) ++target;
+  if (world.planted == Plant::SignalToOwnGroup) std::tie(target, toGroup) = std::pair(companion_.group(), true);
+  const int times = world.planted == Plant::SecondSignal ? 2 : 1;
+  for (int time = 0; time < times; ++time)
+    Referee::signals(companion_, target, toGroup);
+  companion_.note(toGroup ? "kills group " : "kills ", target, ": ", !fails);
+  if (fails) return;
+  const auto all = world.processes.all();
+  for (const auto& process : all) {
+    if (toGroup ? process.group == target : process.pid == target) strike(process);
+  }
+}
+
+void SimulatedKernelProcesses::strike(const Process& process) {
+  auto& world = companion_.world;
+  const auto hit = std::find_if(world.companions.begin(), world.companions.end(), [&process](const auto& other) {
+    return other->launched() && !other->ended() && other->pid() == process.pid;
+  });
+  if (hit == world.companions.end()) {
+    world.job.sigkill(process);
+  } else {
+    (*hit)->die();
+  }
+}
+
+void SimulatedThreads::detach(std::function<void()> work) {
+  static_cast<void>(companion_.enter(Call::detach));
+  companion_.detach(std::move(work));
+}
+
+std::chrono::system_clock::time_point SimulatedClock::wallNow() const {
+  constexpr std::chrono::seconds newYear(1'767'225'600);
+  return std::chrono::system_clock::time_point(
+      std::chrono::duration_cast<std::chrono::system_clock::duration>(companion_.world.wallNow() + newYear));
+}
+
+platform::Instant SimulatedClock::monotonicNow() const {
+  const auto now = companion_.world.timeline.now();
+  return companion_.world.planted == Plant::FastClock && !companion_.onMain() ? now * 3 : now;
+}
+
+void SimulatedClock::sleep(std::chrono::nanoseconds duration) {
+  static_cast<void>(companion_.enter(Call::sleep));
+  const bool longer = companion_.world.planted == Plant::LongSleep;
+  companion_.world.timeline.sleep(longer ? duration * 10 : duration);
+  companion_.stillThere();
+}
+
+}  // namespace tamo::simulation

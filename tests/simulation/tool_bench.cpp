@@ -1,0 +1,163 @@
+#include "simulation/tool_bench.hpp"
+
+#include <array>
+#include <utility>
+
+#include "simulation/job_texts.hpp"
+#include "simulation/referee.hpp"
+
+namespace tamo::simulation::ToolBench {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using Tool = std::shared_ptr<RunningTool>;
+
+void end(World& world, const Tool& tool, std::int32_t status) {
+  if (tool->done) return;
+  tool->done = true;
+  tool->status = status;
+  --world.toolsAtWork;
+  world.trace.note(world.timeline.now(), "tool", tool->launch.path, " ends with ", status);
+  if (tool->waiting != nullptr) world.timeline.wake(*std::exchange(tool->waiting, nullptr));
+}
+
+void print(World& world, const Tool& tool, std::string_view text) {
+  const auto found = world.descriptors.find(tool->launch.standardOutput);
+  if (found != world.descriptors.end()) world.files.append(found->second, text);
+}
+
+void printJob(World& world, const Tool& tool) {
+  if (!world.job.loaded) return end(world, tool, 113);
+  print(world, tool, jobPrint(world.job.definition, world.job.corePid()));
+  end(world, tool, 0);
+}
+
+void launchctl(World& world, const Tool& tool) {
+  const auto& arguments = tool->launch.arguments;
+  if (arguments.front() == "print") return printJob(world, tool);
+  const bool kill = arguments[1] == "-k";
+  world.job.kickstart(kill, [&world, tool](std::int32_t status) {
+    world.timeline.after(world.dice.between(Time(0), milliseconds(5)),
+                         [&world, tool, status] { end(world, tool, status); });
+  });
+}
+
+/// The program's file comes last, so that a copy is whole only at the end.
+void copyWhole(World& world, const Tool& tool, const std::string& from, const std::string& to) {
+  const bool whole = world.isWhole(from);
+  world.files.copy(from, to);
+  if (world.planted == Plant::HalfCopy) world.files.remove(to + "/Contents/MacOS/Tamo");
+  Referee::copiesChanged(world);
+  end(world, tool, whole ? 0 : 1);
+}
+
+void copyPart(World& world, const std::string& from, const std::string& to) {
+  const std::string list(std::string(Places::helper) + std::string(Places::agentList));
+  if (const auto* bytes = world.files.read(from + list)) world.files.write(to + list, *bytes);
+}
+
+/// The tool either copies in two steps, or fails with or without a part of the copy left behind.
+void copyBundle(World& world, const Tool& tool, const std::string& from, const std::string& to, bool fails) {
+  auto& dice = world.dice;
+  if (fails && dice.chance(500)) return end(world, tool, 1);
+  world.timeline.after(dice.between(Time(0), milliseconds(50)), [&world, from, to] { copyPart(world, from, to); });
+  world.timeline.after(dice.between(milliseconds(50), seconds(3)), [&world, tool, from, to, fails] {
+    if (fails) {
+      end(world, tool, 1);
+    } else {
+      copyWhole(world, tool, from, to);
+    }
+  });
+}
+
+void ditto(World& world, const Tool& tool) {
+  const auto& arguments = tool->launch.arguments;
+  const bool fails = !world.applicationsWritable || world.dice.chance(100);
+  copyBundle(world, tool, arguments[0], arguments[1], fails);
+}
+
+/// The administrator's prompt: closed, refused, or answered and then a copy.
+void osascript(World& world, const Tool& tool) {
+  auto& dice = world.dice;
+  const auto answer = dice.below(3);
+  world.timeline.after(dice.between(milliseconds(500), seconds(20)), [&world, tool, answer] {
+    if (answer == 0) tool->errors = "execution error: User canceled. (-128)\n";
+    if (answer <= 1) return end(world, tool, 1);
+    const auto& arguments = tool->launch.arguments;
+    copyBundle(world, tool, arguments[arguments.size() - 2], arguments.back(), world.dice.chance(100));
+  });
+}
+
+void work(World& world, const Tool& tool) {
+  if (tool->done) return;
+  const auto& path = tool->launch.path;
+  if (path == "/bin/launchctl") {
+    launchctl(world, tool);
+  } else if (path == "/usr/bin/ditto") {
+    ditto(world, tool);
+  } else if (path == "/usr/bin/osascript") {
+    osascript(world, tool);
+  } else {
+    end(world, tool, world.dice.chance(100) ? 1 : 0);
+  }
+}
+
+void workAfter(World& world, const Tool& tool, Time delay) {
+  world.timeline.after(delay, [&world, tool] { work(world, tool); });
+}
+
+void failAfter(World& world, const Tool& tool, std::int32_t status) {
+  world.timeline.after(world.dice.between(Time(0), milliseconds(200)),
+                       [&world, tool, status] { end(world, tool, status); });
+}
+
+void printGarbage(World& world, const Tool& tool) {
+  constexpr std::array<std::string_view, 5> garbage{
+      "gui/501/studio.pell.tamo.core = {\n\tpid = 1\n}\n", "\xff\xfe pid = 100 \x80\n",
+      "a = {\n\tpid = \n\tpid = 12x\n\targuments = {\n", "}\n}\npid = 100\n", "pid = 0\n= {\n"};
+  print(world, tool, world.dice.oneOf(garbage));
+  failAfter(world, tool, 0);
+}
+
+/// Only launchctl has a time limit, so only launchctl may hang.
+void begin(World& world, const Tool& tool) {
+  constexpr std::array<std::int32_t, 6> codes{1, 3, 5, 37, 112, 113};
+  constexpr std::array<std::int32_t, 3> signals{6, 9, 15};
+  auto& dice = world.dice;
+  switch (world.faults.toolTrouble()) {
+    case ToolTrouble::Slow:
+      return workAfter(world, tool, dice.between(milliseconds(100), seconds(7)));
+    case ToolTrouble::Fails:
+      return failAfter(world, tool, dice.oneOf(codes));
+    case ToolTrouble::Signalled:
+      return failAfter(world, tool, dice.oneOf(signals));
+    case ToolTrouble::Garbage:
+      return printGarbage(world, tool);
+    case ToolTrouble::Hangs:
+      if (tool->launch.path == "/bin/launchctl") return;
+      break;
+    case ToolTrouble::None:
+      break;
+  }
+  workAfter(world, tool, dice.between(milliseconds(1), milliseconds(30)));
+}
+
+}  // namespace
+
+std::shared_ptr<RunningTool> start(World& world, const platform::ToolLaunch& launch) {
+  auto tool = std::make_shared<RunningTool>();
+  tool->launch = launch;
+  tool->started = world.timeline.now();
+  ++world.toolsAtWork;
+  begin(world, tool);
+  return tool;
+}
+
+void terminate(World& world, const std::shared_ptr<RunningTool>& tool) {
+  tool->asked = true;
+  if (!world.dice.chance(800)) return;
+  world.timeline.after(world.dice.between(Time(0), milliseconds(50)), [&world, tool] { end(world, tool, 15); });
+}
+
+}  // namespace tamo::simulation::ToolBench
