@@ -26,8 +26,6 @@ class StageFiles final : public platform::Files {
   [[nodiscard]] std::optional<std::string> temporaryDirectory() const override;
 
  private:
-  [[nodiscard]] std::string withoutPrivate(std::string path) const;
-
   const StageRoot root_;
 };
 

@@ -3,6 +3,7 @@
 
 #include "platform/macos/values/cf_values.hpp"
 #include "platform/property_list.hpp"
+#include "platform/property_list_limits.hpp"
 
 namespace tamo::platform {
 namespace {
@@ -23,9 +24,6 @@ class Conversion {
   }
 
  private:
-  static constexpr std::size_t deepestNesting = 512;
-  static constexpr std::size_t mostValues = 100'000;
-
   [[nodiscard]] std::optional<PropertyList> valueByKind(CFTypeRef object) {
     const auto kind = CFGetTypeID(object);
     if (kind == CFDictionaryGetTypeID()) return dictionaryOf((__bridge NSDictionary*)object);

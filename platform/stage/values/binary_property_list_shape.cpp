@@ -4,10 +4,13 @@
 #include <cstdint>
 #include <optional>
 
-#include "platform/stage/values/property_list_limits.hpp"
+#include "platform/property_list_limits.hpp"
 
 namespace tamo::stage {
 namespace {
+
+using platform::deepestNesting;
+using platform::mostValues;
 
 /// Walks the objects from the top one, along the references of arrays and dictionaries.
 class Walk {

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/stage/values/property_list_limits.hpp"
+#include "platform/property_list_limits.hpp"
 #include "platform/stage/values/property_list_scalars.hpp"
 
 namespace tamo::stage {
@@ -13,7 +13,7 @@ using platform::PropertyList;
 
 bool PropertyListBuilder::begin(std::string_view name) {
   const auto element = elementNamed(name);
-  if (!element || open_.size() > deepestNesting || !mayBegin(*element)) return false;
+  if (!element || open_.size() > platform::deepestNesting || !mayBegin(*element)) return false;
   Open opened{.element = *element};
   if (*element == Element::Dict) opened.list = PropertyList{PropertyList::Dictionary()};
   if (*element == Element::Array) opened.list = PropertyList{PropertyList::Array()};

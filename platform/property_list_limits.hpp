@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace tamo::stage {
+namespace tamo::platform {
 
 /// How many containers may stand one in another. Reading, copying and destroying a list take stack for each.
 inline constexpr std::size_t deepestNesting = 512;
@@ -11,4 +11,4 @@ inline constexpr std::size_t deepestNesting = 512;
 /// another a thousand times, and so grow without bound out of a few bytes.
 inline constexpr std::size_t mostValues = 100'000;
 
-}  // namespace tamo::stage
+}  // namespace tamo::platform
