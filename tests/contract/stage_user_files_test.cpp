@@ -120,6 +120,8 @@ TEST_F(StageUserFilesTest, AnAdministratorWritesWhereTheOwnerMayNot) {
   ::waitpid(child, &status, 0);
   EXPECT_EQ(status, 0);
   EXPECT_TRUE(fs::exists(stage.root().host("/Applications/file")));
+  // Who is no root could not remove it otherwise.
+  mode("/Applications", 0755);
 }
 
 TEST_F(StageUserFilesTest, ATrashThatTakesNothingLeavesTheItemWhereItIs) {

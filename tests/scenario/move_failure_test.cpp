@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -5,6 +6,7 @@
 #include <sys/stat.h>
 #include <thread>
 
+#include "platform/stage/programs/stage_census.hpp"
 #include "scenario/full_disk.hpp"
 #include "scenario/move_stage.hpp"
 
@@ -31,6 +33,11 @@ class MoveFailureScenario : public ::testing::Test {
     EXPECT_EQ(stage.stage().lines(), Texts{moveLine("moved")});
     EXPECT_EQ(stage.tree(installedPath), original);
     EXPECT_EQ(stage.front(), installedPath);
+  }
+  [[nodiscard]] bool dittoRuns() const {
+    const auto processes = stage::processesOfStage(stage.root().directory());
+    return std::ranges::any_of(processes,
+                               [](const auto& one) { return one.command.starts_with("/usr/bin/ditto "); });
   }
   void remove(const std::string& path) const { fs::remove_all(stage.root().host(path)); }
   void layFile(const std::string& path) const { std::ofstream(stage.root().host(path)) << "in the way"; }
@@ -109,9 +116,10 @@ TEST_F(MoveFailureScenario, AnXattrThatIsNotThereIsIgnored) {
 
 /// The copy is written into what is there by then, as the tool does; whose files those were, nobody asks.
 TEST_F(MoveFailureScenario, ADestinationThatAppearsMeanwhileIsWrittenInto) {
-  stage.root().set("tool-ditto", "* slow 1000");
+  stage.root().set("tool-ditto", "* slow 1500");
   const auto companion = stage.startMove();
-  std::this_thread::sleep_for(std::chrono::milliseconds(700));
+  while (!dittoRuns())
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
   stage.install("9000");
   std::ofstream(stage.root().host(installedPath + "/Contents/extra")) << "of another installer";
   Stage::finish(companion);

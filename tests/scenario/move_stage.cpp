@@ -68,9 +68,11 @@ Ended MoveStage::move(const std::string& copy) const {
 pid_t MoveStage::openTamo(const std::string& copy) const {
   const auto path = stage::copyPath(root(), copy);
   EXPECT_FALSE(stage::openApplicationNow(root(), path).has_value());
-  for (int attempt = 0; attempt < 500; ++attempt) {
+  for (int attempt = 0; attempt < 1000; ++attempt) {
     const auto running = tamosFrom(path);
-    if (!running.empty()) return running.front();
+    // From its own note on it minds SIGTERM and writes nothing more until its end.
+    const std::string note = running.empty() ? "" : "app " + std::to_string(running.front()) + ": started";
+    if (!note.empty() && bytesOf(root().control("app.log")).contains(note)) return running.front();
     std::this_thread::sleep_for(2ms);
   }
   ADD_FAILURE() << path << " does not run";

@@ -35,7 +35,7 @@ int become(std::vector<std::string> words) {
 }  // namespace
 
 std::vector<std::string> copyingCommand(const std::string& from, const std::string& to) {
-  return {"/bin/cp", "--archive", "-H", "--no-target-directory", "--", from, to};
+  return {"/bin/cp", "--archive", "--no-target-directory", "--", from, to};
 }
 
 int runDitto(const StageRoot& root, const std::vector<std::string>& arguments) {

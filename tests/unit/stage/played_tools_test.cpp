@@ -195,6 +195,8 @@ TEST_F(AdministratorTest, ARefusalRunsNothingAndTellsItsNumber) {
 TEST_F(AdministratorTest, ACommandThatFailsIsAnErrorWithWhatItSaid) {
   EXPECT_EQ(osascript("echo told >&2; exit 7"), 1);
   EXPECT_EQ(errors, "execution error: told\n (7)\n");
+  EXPECT_EQ(osascript("kill -9 $$"), 1);
+  EXPECT_EQ(errors, "execution error:  (137)\n");
 }
 
 TEST_F(AdministratorTest, AnErrandThatTakesItsTimeKeepsLaunchdAnswering) {
