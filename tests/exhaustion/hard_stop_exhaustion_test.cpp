@@ -1,3 +1,4 @@
+#include <array>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <set>

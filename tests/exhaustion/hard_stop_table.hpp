@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstddef>
-#include <set>
 #include <vector>
 
 #include "exhaustion/hard_stop_world.hpp"

@@ -5,8 +5,8 @@ namespace {
 
 /// What a look can come upon. The slow one is the same process as the first, but the look outlasts a pause.
 /// The moved one has changed its group, and its look tells another pid, which must not matter.
-enum class Sight { Leader, Slow, Moved, Zombie, Absent, Replaced };
-constexpr std::size_t sights = 6;
+enum class Sight { Leader, Slow, Moved, Zombie, Absent, Younger, Older };
+constexpr std::size_t sights = 7;
 
 std::string nameOf(Call call) {
   switch (call) {
@@ -65,8 +65,11 @@ std::optional<HardStop::Seen> World::look(std::int32_t pid) {
       break;
     case Sight::Absent:
       return std::nullopt;
-    case Sight::Replaced:
+    case Sight::Younger:
       ++seen.startMicros;
+      break;
+    case Sight::Older:
+      --seen.startMicros;
       break;
   }
   return seen;

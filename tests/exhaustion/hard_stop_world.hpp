@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -43,8 +42,8 @@ struct Setting {
   nanoseconds oversleep{0};
 };
 
-/// Answers the calls of one play after the choices, and notes them. A play that asks for more than `mostCalls`
-/// is not told anything new any more and sees everything gone and late, so that it ends.
+/// Answers the calls of one play after the choices, and notes them. A play that goes on after `mostCalls` calls
+/// finds everything gone and every deadline past from then on, so that one that runs in a circle ends.
 class World {
  public:
   static constexpr std::size_t mostCalls = 300;

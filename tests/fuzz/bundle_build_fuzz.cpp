@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "exhaustion/print_lines.hpp"
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"

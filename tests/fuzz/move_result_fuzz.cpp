@@ -17,6 +17,7 @@ void readsBack(const AppMove::Result& result) {
 
 void readInput(std::string_view bytes) {
   if (const auto result = AppMove::decoded(bytes)) {
+    insist(bytes.contains(result->ok ? "true" : "false"), "ok is spelt out");
     insist(platform::isUtf8(result->code), "a code is UTF-8");
     readsBack(*result);
   }

@@ -1,6 +1,4 @@
-#include <algorithm>
-
-#include "exhaustion/print_description.hpp"
+#include "exhaustion/print_agreement.hpp"
 #include "exhaustion/print_lines.hpp"
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
@@ -10,17 +8,6 @@
 
 /// The three readers of a launchctl print beside their descriptions, on any bytes.
 namespace tamo::fuzz {
-namespace {
-
-bool agree(const std::optional<LaunchJob::Definition>& read,
-           const std::optional<exhaustion::DescribedDefinition>& described) {
-  if (!read || !described) return !read && !described;
-  return std::equal(read->arguments.begin(), read->arguments.end(), described->arguments.begin(),
-                    described->arguments.end()) &&
-         read->exitTimeout == described->exitTimeout;
-}
-
-}  // namespace
 
 void readInput(std::string_view bytes) {
   const auto lines = exhaustion::linesOf(bytes);
@@ -33,7 +20,8 @@ void readInput(std::string_view bytes) {
   insist(running || !pid, "a job with a pid runs");
 
   const auto definition = LaunchJob::loaded(bytes);
-  insist(agree(definition, exhaustion::describedDefinition(lines)), "the definition is the one described");
+  insist(exhaustion::agree(definition, exhaustion::describedDefinition(lines)),
+         "the definition is the one described");
   insist(!definition || !definition->arguments.empty(), "a definition has arguments");
   insist(!LaunchJob::needsReseat(definition, definition), "a definition needs no reseat for itself");
 }

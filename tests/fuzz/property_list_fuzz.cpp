@@ -2,6 +2,7 @@
 #include "fuzz/target.hpp"
 #include "launch/launch_job.hpp"
 #include "platform/property_list.hpp"
+#include "platform/property_list_limits.hpp"
 #include "platform/text.hpp"
 
 /// The reader of property lists, and what is read of an agent's, on any bytes.
@@ -10,18 +11,14 @@ namespace {
 
 using platform::PropertyList;
 
-/// The bounds that the reader promises to keep.
-constexpr std::size_t deepest = 520;
-constexpr std::size_t mostValues = 100'000;
-
 void checkText(const std::string& text) {
   insist(platform::isUtf8(text), "a text of a list is UTF-8");
 }
 
 /// Counts the values of a list on the way.
 void check(const PropertyList& list, std::size_t depth, std::size_t& values) {
-  insist(depth <= deepest, "a list is not nested without bound");
-  insist(++values <= mostValues, "a list does not grow without bound");
+  insist(depth <= platform::deepestNesting, "a list is not nested without bound");
+  insist(++values <= platform::mostValues, "a list does not grow without bound");
   if (const auto* text = list.text()) checkText(*text);
   if (const auto* items = list.array())
     for (const auto& item : *items)

@@ -1,6 +1,7 @@
 #include "exhaustion/print_lines.hpp"
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
+#include "fuzz/utf8_description.hpp"
 #include "platform/paths.hpp"
 #include "platform/text.hpp"
 
@@ -31,6 +32,7 @@ void standardises(std::string_view bytes) {
 
 void repairs(std::string_view bytes) {
   const auto repaired = platform::repairedUtf8(bytes);
+  insist(repaired == describedRepair(bytes), "the repair is the one described");
   insist(platform::isUtf8(repaired), "a repaired text is UTF-8");
   insist(platform::repairedUtf8(repaired) == repaired, "a repaired text stays as it is");
   insist(platform::isUtf8(bytes) == (repaired == bytes), "only what is broken is repaired");

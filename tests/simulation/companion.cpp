@@ -60,7 +60,8 @@ void Companion::launch() {
   record.launchedAt = world.timeline.now();
   note("is launched from ", plan.copy, " as ", pid_);
   for (const auto& delivery : plan.urls) {
-    world.timeline.after(delivery.after, [this, &delivery] { post([this, &delivery] { deliver(delivery); }); });
+    world.timeline.after(delivery.after,
+                         [this, &delivery] { post([this, &delivery] { deliver(delivery); }); });
   }
   if (plan.diesAfter) world.timeline.after(*plan.diesAfter, [this] { die(); });
   main_ = &world.timeline.start([this] { mainThread(); });
@@ -72,6 +73,7 @@ void Companion::mainThread() {
   } catch (const Gone&) {
     // The process has ended within a call; its stack is unwound by now.
   }
+  record.leftLocked = record.lockHeld;
   if (!dead_) leave();
   main_ = nullptr;
   if (!killed_) Referee::ended(*this);
@@ -81,11 +83,13 @@ void Companion::die() {
   if (dead_ || !launched_) return;
   note("is killed");
   killed_ = true;
+  world.copiesDisturbed = world.copiesDisturbed || record.copies > 0;
   leave();
 }
 
 void Companion::leave() {
   dead_ = true;
+  world.lastEnd = world.timeline.now();
   world.processes.remove(pid_);
   if (world.lockHolder == this) world.lockHolder = nullptr;
   std::erase_if(world.lockDescriptors, [this](const auto& entry) { return entry.second == this; });
@@ -166,6 +170,7 @@ void Companion::finishLaunching(platform::ApplicationDelegate& delegate) {
   if (plan.argumentsMean) record.requested = plan.argumentsMean;
   record.launched = true;
   delegate.applicationDidFinishLaunching();
+  record.otherwise = Referee::needsMove(*this) ? "move-to-applications" : "register";
 }
 
 void Companion::deliver(const UrlDelivery& delivery) {

@@ -24,13 +24,13 @@ CoreJob::Nature CoreJob::drawNature() {
                 .diesAfterKill = dice.between(Time(0), milliseconds(20)),
                 .listens = dice.chance(600)};
   const auto temper = dice.below(100);
-  if (temper < 40) {
+  if (temper < 30) {
     nature.stopsAfter = dice.between(Time(0), milliseconds(200));
-  } else if (temper < 60) {
+  } else if (temper < 45) {
     nature.stopsAfter = dice.between(milliseconds(200), milliseconds(1900));
-  } else if (temper < 70) {
+  } else if (temper < 55) {
     nature.stopsAfter = dice.between(milliseconds(1900), milliseconds(2100));
-  } else if (temper < 80) {
+  } else if (temper < 70) {
     nature.stopsAfter = dice.between(milliseconds(2100), seconds(8));
   }
   if (dice.chance(100)) nature.diesAfterKill = dice.between(milliseconds(100), seconds(5));

@@ -20,6 +20,7 @@ Faults::Faults(Dice& dice) : dice_(dice) {
   inThousand_ = dice.oneOf(rates);
   slowInThousand_ = dice.oneOf(slowRates);
   toolsInThousand_ = dice.oneOf(toolRates);
+  oversleeps_ = dice.chance(250);
   picks_ = dice.chance(200);
   if (picks_) picked_ = static_cast<Call>(dice.below(callCount));
 }
@@ -32,6 +33,10 @@ bool Faults::strikes(Call call) {
 Time Faults::slowness() {
   if (slowInThousand_ == 0 || !dice_.chance(slowInThousand_)) return Time(0);
   return dice_.between(std::chrono::microseconds(100), std::chrono::milliseconds(300));
+}
+
+Time Faults::oversleep() {
+  return oversleeps_ ? dice_.between(Time(0), std::chrono::milliseconds(2)) : Time(0);
 }
 
 ToolTrouble Faults::toolTrouble() {

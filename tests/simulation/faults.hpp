@@ -10,40 +10,40 @@
 namespace tamo::simulation {
 
 /// Every call to the platform that is noted, may fail or may take its time.
-#define TAMO_SIMULATED_CALLS(CALL)                                                                         \
-  CALL(becomeAccessory)                                                                                    \
-  CALL(terminate)                                                                                          \
-  CALL(agentStatus)                                                                                        \
-  CALL(registerAgent)                                                                                      \
-  CALL(unregisterAgent)                                                                                    \
-  CALL(openLoginItems)                                                                                     \
-  CALL(runningApplications)                                                                                \
-  CALL(openApplication)                                                                                    \
-  CALL(startTool)                                                                                          \
-  CALL(toolRunning)                                                                                        \
-  CALL(toolWait)                                                                                           \
-  CALL(toolTerminate)                                                                                      \
-  CALL(toolErrors)                                                                                         \
-  CALL(processInfo)                                                                                        \
-  CALL(kill)                                                                                               \
-  CALL(detach)                                                                                             \
-  CALL(exists)                                                                                             \
-  CALL(readWhole)                                                                                          \
-  CALL(resolvedPath)                                                                                       \
-  CALL(writeAtomically)                                                                                    \
-  CALL(createDirectories)                                                                                  \
-  CALL(remove)                                                                                             \
-  CALL(openForWriting)                                                                                     \
-  CALL(isWritable)                                                                                         \
-  CALL(moveToTrash)                                                                                        \
-  CALL(openLock)                                                                                           \
-  CALL(tryLock)                                                                                            \
-  CALL(unlock)                                                                                             \
-  CALL(closeLock)                                                                                          \
-  CALL(originalLocation)                                                                                   \
-  CALL(passwordEntry)                                                                                      \
-  CALL(sleep)                                                                                              \
-  CALL(accepts)                                                                                            \
+#define TAMO_SIMULATED_CALLS(CALL) \
+  CALL(becomeAccessory)            \
+  CALL(terminate)                  \
+  CALL(agentStatus)                \
+  CALL(registerAgent)              \
+  CALL(unregisterAgent)            \
+  CALL(openLoginItems)             \
+  CALL(runningApplications)        \
+  CALL(openApplication)            \
+  CALL(startTool)                  \
+  CALL(toolRunning)                \
+  CALL(toolWait)                   \
+  CALL(toolTerminate)              \
+  CALL(toolErrors)                 \
+  CALL(processInfo)                \
+  CALL(kill)                       \
+  CALL(detach)                     \
+  CALL(exists)                     \
+  CALL(readWhole)                  \
+  CALL(resolvedPath)               \
+  CALL(writeAtomically)            \
+  CALL(createDirectories)          \
+  CALL(remove)                     \
+  CALL(openForWriting)             \
+  CALL(isWritable)                 \
+  CALL(moveToTrash)                \
+  CALL(openLock)                   \
+  CALL(tryLock)                    \
+  CALL(unlock)                     \
+  CALL(closeLock)                  \
+  CALL(originalLocation)           \
+  CALL(passwordEntry)              \
+  CALL(sleep)                      \
+  CALL(accepts)                    \
   CALL(log)
 
 #define TAMO_CALL_NAME(name) name,
@@ -66,15 +66,16 @@ class Faults {
   [[nodiscard]] bool strikes(Call call);
   /// How long the call takes; 0 nearly always.
   [[nodiscard]] Time slowness();
+  /// How much longer than asked a sleep takes; 0 in most runs.
+  [[nodiscard]] Time oversleep();
   [[nodiscard]] ToolTrouble toolTrouble();
-  /// Whether the run may have any of the above.
-  [[nodiscard]] bool any() const { return inThousand_ + slowInThousand_ + toolsInThousand_ > 0 || picks_; }
 
  private:
   Dice& dice_;
   unsigned inThousand_ = 0;
   unsigned slowInThousand_ = 0;
   unsigned toolsInThousand_ = 0;
+  bool oversleeps_ = false;
   /// One call that fails every other time.
   bool picks_ = false;
   Call picked_ = Call::log;

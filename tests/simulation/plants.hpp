@@ -17,6 +17,7 @@ enum class Plant {
   DeafToMarkers,
   DeafToFailure,
   ForgedIdentity,
+  WrongNote,
   TwoHolders,
   EarlyUnlock,
   NoUnlock,

@@ -23,9 +23,8 @@ Process* ProcessTable::find(std::int32_t pid, std::uint64_t startMicros) {
 }
 
 bool ProcessTable::isFree(std::int32_t pid) const {
-  return std::none_of(processes_.begin(), processes_.end(), [pid](const Process& process) {
-    return process.pid == pid || process.group == pid;
-  });
+  return std::none_of(processes_.begin(), processes_.end(),
+                      [pid](const Process& process) { return process.pid == pid || process.group == pid; });
 }
 
 std::int32_t ProcessTable::freePid() {

@@ -31,7 +31,8 @@ struct StopRecord {
   std::optional<std::string> version;
   std::optional<std::uint64_t> ownStartMicros;
   Look last;
-  std::size_t looks = 0;
+  /// Some look, if not the last, found the process gone: a look can fail.
+  bool onceGone = false;
   /// A marker file that the watcher was told of.
   bool markerTold = false;
   int signals = 0;
@@ -51,6 +52,8 @@ struct Record {
 
   // Intake.
   std::optional<std::string> requested;
+  /// What is carried out when nothing is requested.
+  std::string otherwise;
   bool launched = false;
   bool dispatched = false;
   Time launchedAt{0};
@@ -60,7 +63,15 @@ struct Record {
   std::optional<platform::Error> lastError;
   std::optional<std::int32_t> kickstart;
   std::optional<std::string> infoID;
+  bool homeKnown = true;
+  /// The two above as they were when the guard, or the move, asked for the first time.
+  std::optional<std::string> judgedID;
+  bool judgedHomeKnown = true;
+  bool judged = false;
   std::optional<std::string> infoVersion;
+  /// What the move was told of the destination.
+  std::optional<bool> destinationExists;
+  std::optional<std::string> destinationVersion;
   std::optional<Look> lastLook;
   std::optional<std::uint64_t> ownStartMicros;
 
@@ -72,6 +83,7 @@ struct Record {
   int copies = 0;
   int trashed = 0;
   int opened = 0;
+  bool printed = false;
   bool unregisterFailed = false;
   bool definitionChanged = false;
   std::vector<StopRecord> stops;
@@ -83,7 +95,8 @@ struct Record {
   bool lockHeld = false;
   bool lockHeldOnce = false;
   bool lockGivenUp = false;
-  int unlocks = 0;
+  /// It ended its main loop without having let the lock go.
+  bool leftLocked = false;
 
   // Waits for what is not in the companion's hands.
   Time waitedForTools{0};
@@ -97,6 +110,7 @@ struct Record {
   bool receiptDenied = false;
   std::optional<std::string> moveResult;
   std::optional<Time> recordedAt;
+  Time recordedSlow{0};
   int terminations = 0;
 };
 

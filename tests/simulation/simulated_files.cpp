@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "platform/paths.hpp"
 #include "simulation/job_texts.hpp"
 #include "simulation/referee.hpp"
 
@@ -28,9 +27,16 @@ bool isMarker(std::string_view path) {
 
 /// What the companion learns of the application around it.
 void tellInfo(Companion& companion, const std::string& path, const std::string* bytes) {
+  auto& record = companion.record;
+  const auto version = bytes == nullptr ? std::nullopt : valueOf("CFBundleVersion", *bytes);
+  if (path == std::string(Places::installed) + "/Contents/Info.plist") record.destinationVersion = version;
   if (path != companion.plan.copy + "/Contents/Info.plist") return;
-  companion.record.infoID = bytes == nullptr ? std::nullopt : valueOf("CFBundleIdentifier", *bytes);
-  companion.record.infoVersion = bytes == nullptr ? std::nullopt : valueOf("CFBundleVersion", *bytes);
+  record.infoID = bytes == nullptr ? std::nullopt : valueOf("CFBundleIdentifier", *bytes);
+  record.infoVersion = version;
+  if (!record.dispatched || record.judged) return;
+  record.judged = true;
+  record.judgedID = record.infoID;
+  record.judgedHomeKnown = record.homeKnown;
 }
 
 void noteMarker(Record& record, const Companion& companion) {
@@ -50,8 +56,9 @@ std::string planted(Plant plant, std::string bytes) {
 }  // namespace
 
 bool SimulatedFiles::exists(const std::string& path) const {
-  if (companion_.enter(Call::exists)) return false;
-  const bool there = companion_.world.files.exists(path);
+  const bool fails = companion_.enter(Call::exists);
+  const bool there = !fails && companion_.world.files.exists(path);
+  if (path == Places::installed) companion_.record.destinationExists = there;
   if (isMarker(path) && companion_.world.planted == Plant::DeafToMarkers) return false;
   if (there && isMarker(path)) noteMarker(companion_.record, companion_);
   companion_.note("exists ", path, ": ", there);
@@ -82,6 +89,7 @@ bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view b
   const bool fails = companion_.enter(Call::writeAtomically);
   if (receipt) companion_.record.receiptDenied = record.receiptDenied || fails;
   companion_.note("writes ", path, ": ", !fails);
+  if (path.contains("tamo-core-print-")) companion_.record.printed = true;
   if (!fails) companion_.world.files.write(path, written);
   return !fails;
 }
@@ -122,7 +130,8 @@ std::optional<std::string> SimulatedFiles::temporaryDirectory() const {
 
 bool SimulatedUserFiles::isWritable(const std::string& path) const {
   if (companion_.enter(Call::isWritable)) return false;
-  return path == "/Applications" ? companion_.world.applicationsWritable : companion_.world.files.exists(path);
+  return path == "/Applications" ? companion_.world.applicationsWritable
+                                 : companion_.world.files.exists(path);
 }
 
 bool SimulatedUserFiles::moveToTrash(const std::string& path) {
@@ -131,8 +140,9 @@ bool SimulatedUserFiles::moveToTrash(const std::string& path) {
   Referee::acts(companion_, "trash");
   if (!world.files.exists(path)) return false;
   const auto place = std::string(Places::trash) + std::to_string(++world.trashedItems) + ".app";
-  if (world.planted != Plant::LastCopyGone) world.files.copy(path, place);
+  world.files.copy(path, place);
   world.files.remove(path);
+  if (world.planted == Plant::LastCopyGone) world.files.remove(Places::installed);
   ++companion_.record.trashed;
   companion_.note("trashes ", path);
   Referee::copiesChanged(world);
@@ -171,7 +181,6 @@ bool SimulatedLockFiles::tryLock(int descriptor) {
 
 void SimulatedLockFiles::unlock(int descriptor) {
   auto& world = companion_.world;
-  ++companion_.record.unlocks;
   if (companion_.enter(Call::unlock) || world.planted == Plant::NoUnlock) return;
   if (!world.lockDescriptors.contains(descriptor)) return;
   Referee::letsLockGo(companion_);
@@ -194,14 +203,15 @@ std::optional<std::string> SimulatedBundles::originalLocation(const std::string&
 
 /// A receipt without a password entry stops the process, which is no run any more.
 std::optional<platform::PasswordEntry> SimulatedUser::passwordEntry() const {
-  const bool fails = companion_.enter(Call::passwordEntry);
-  if (fails && !companion_.plan.writesReceipts) return std::nullopt;
+  const bool absent = companion_.enter(Call::passwordEntry) && !companion_.plan.writesReceipts;
+  companion_.record.homeKnown = !absent;
+  if (absent) return std::nullopt;
   return platform::PasswordEntry{std::string(Places::home)};
 }
 
 bool SimulatedLocalSockets::accepts(const std::string& path) {
   if (companion_.enter(Call::accepts)) return false;
-  const bool right = platform::parentPath(path) + "/" == companion_.dataDirectory();
+  const bool right = path.starts_with(companion_.dataDirectory());
   return right && companion_.world.job.coreListens();
 }
 

@@ -132,7 +132,8 @@ void SimulatedKernelProcesses::send(std::int32_t target, bool toGroup) {
   const bool fails = companion_.enter(Call::kill);
   if (world.planted == Plant::SignalToLaunchd) target = 1;
   if (world.planted == Plant::SignalToStranger) ++target;
-  if (world.planted == Plant::SignalToOwnGroup) std::tie(target, toGroup) = std::pair(companion_.group(), true);
+  if (world.planted == Plant::SignalToOwnGroup)
+    std::tie(target, toGroup) = std::pair(companion_.group(), true);
   const int times = world.planted == Plant::SecondSignal ? 2 : 1;
   for (int time = 0; time < times; ++time)
     Referee::signals(companion_, target, toGroup);
@@ -146,9 +147,10 @@ void SimulatedKernelProcesses::send(std::int32_t target, bool toGroup) {
 
 void SimulatedKernelProcesses::strike(const Process& process) {
   auto& world = companion_.world;
-  const auto hit = std::find_if(world.companions.begin(), world.companions.end(), [&process](const auto& other) {
-    return other->launched() && !other->ended() && other->pid() == process.pid;
-  });
+  const auto hit =
+      std::find_if(world.companions.begin(), world.companions.end(), [&process](const auto& other) {
+        return other->launched() && !other->ended() && other->pid() == process.pid;
+      });
   if (hit == world.companions.end()) {
     world.job.sigkill(process);
   } else {
@@ -175,7 +177,9 @@ platform::Instant SimulatedClock::monotonicNow() const {
 void SimulatedClock::sleep(std::chrono::nanoseconds duration) {
   static_cast<void>(companion_.enter(Call::sleep));
   const bool longer = companion_.world.planted == Plant::LongSleep;
-  companion_.world.timeline.sleep(longer ? duration * 10 : duration);
+  const auto beyond = companion_.world.faults.oversleep();
+  companion_.record.slow += beyond;
+  companion_.world.timeline.sleep((longer ? duration * 7 : duration) + beyond);
   companion_.stillThere();
 }
 

@@ -33,8 +33,7 @@ class Agent final : public platform::AgentService {
     const bool fails = companion_.enter(Call::registerAgent);
     Referee::acts(companion_, "register");
     ++record.registrations;
-    const auto* list =
-        companion_.world.files.read(companion_.bundlePath() + std::string(Places::agentList));
+    const auto* list = companion_.world.files.read(companion_.bundlePath() + std::string(Places::agentList));
     const auto definition = list == nullptr ? std::nullopt : definitionOf(*list);
     if (fails) raise(Error("SMAppServiceErrorDomain", 1, "Operation not permitted"));
     if (!definition) raise(Error("SMAppServiceErrorDomain", 8, "There is no such list: \"agent\\core\""));
@@ -49,12 +48,15 @@ class Agent final : public platform::AgentService {
     ++record.unregistrations;
     companion_.note("unregisters the agent");
     const auto asked = companion_.world.timeline.now();
-    Completion answers = [&companion = companion_, completion = std::move(completion), asked](
-                             std::optional<Error> error) { answer(companion, completion, asked, error); };
+    Completion answers = [&companion = companion_, completion = std::move(completion),
+                          asked](std::optional<Error> error) { answer(companion, completion, asked, error); };
     auto& world = companion_.world;
     const auto delay = world.dice.between(Time(0), milliseconds(30));
     if (fails) {
-      world.timeline.after(delay, [answers] { answers(Error("SMAppServiceErrorDomain", 2, "Internal failure")); });
+      const auto late =
+          world.dice.chance(300) ? world.dice.between(milliseconds(1800), milliseconds(2200)) : delay;
+      world.timeline.after(late,
+                           [answers] { answers(Error("SMAppServiceErrorDomain", 2, "Internal failure")); });
     } else {
       world.timeline.after(delay, [&world, answers] { world.job.unregisterAgent(answers); });
     }
@@ -100,6 +102,8 @@ class Lines final : public platform::Logger {
     auto written = line;
     if (outcome && world.planted == Plant::WrongStatusInLine) written.arguments[1] = std::int64_t{7};
     if (outcome && world.planted == Plant::LostLine) return;
+    if (line.format == LogFormat::hardStop && world.planted == Plant::WrongNote)
+      written.arguments[1] = "exited";
     if (world.trace.kept()) companion_.note("logs ", platform::shownText(written));
     Referee::logs(companion_, written);
     if (outcome && world.planted == Plant::DoubledLine) Referee::logs(companion_, written);
@@ -160,7 +164,8 @@ void SimulatedWorkspace::openApplication(const std::string& path, Completion com
   companion_.record.waitedForAnswers += delay;
   if (world.planted == Plant::LostCompletion) return;
   world.timeline.after(delay, [completion = std::move(completion), fails] {
-    completion(fails ? std::optional(Error("NSCocoaErrorDomain", 256, "It couldn't be opened")) : std::nullopt);
+    completion(fails ? std::optional(Error("NSCocoaErrorDomain", 256, "It couldn't be opened"))
+                     : std::nullopt);
   });
 }
 

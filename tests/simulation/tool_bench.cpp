@@ -17,7 +17,6 @@ void end(World& world, const Tool& tool, std::int32_t status) {
   if (tool->done) return;
   tool->done = true;
   tool->status = status;
-  --world.toolsAtWork;
   world.trace.note(world.timeline.now(), "tool", tool->launch.path, " ends with ", status);
   if (tool->waiting != nullptr) world.timeline.wake(*std::exchange(tool->waiting, nullptr));
 }
@@ -61,7 +60,8 @@ void copyPart(World& world, const std::string& from, const std::string& to) {
 void copyBundle(World& world, const Tool& tool, const std::string& from, const std::string& to, bool fails) {
   auto& dice = world.dice;
   if (fails && dice.chance(500)) return end(world, tool, 1);
-  world.timeline.after(dice.between(Time(0), milliseconds(50)), [&world, from, to] { copyPart(world, from, to); });
+  world.timeline.after(dice.between(Time(0), milliseconds(50)),
+                       [&world, from, to] { copyPart(world, from, to); });
   world.timeline.after(dice.between(milliseconds(50), seconds(3)), [&world, tool, from, to, fails] {
     if (fails) {
       end(world, tool, 1);
@@ -120,12 +120,15 @@ void printGarbage(World& world, const Tool& tool) {
   failAfter(world, tool, 0);
 }
 
-/// Only launchctl has a time limit, so only launchctl may hang.
+/// Only launchctl has a time limit, so only launchctl may hang. And only it may say that all is well when it has
+/// done nothing: a copy that was not made could not be told from one that was.
 void begin(World& world, const Tool& tool) {
   constexpr std::array<std::int32_t, 6> codes{1, 3, 5, 37, 112, 113};
   constexpr std::array<std::int32_t, 3> signals{6, 9, 15};
   auto& dice = world.dice;
-  switch (world.faults.toolTrouble()) {
+  const auto trouble = world.faults.toolTrouble();
+  const bool onlyLaunchctl = trouble == ToolTrouble::Garbage || trouble == ToolTrouble::Hangs;
+  switch (onlyLaunchctl && tool->launch.path != "/bin/launchctl" ? ToolTrouble::None : trouble) {
     case ToolTrouble::Slow:
       return workAfter(world, tool, dice.between(milliseconds(100), seconds(7)));
     case ToolTrouble::Fails:
@@ -135,12 +138,10 @@ void begin(World& world, const Tool& tool) {
     case ToolTrouble::Garbage:
       return printGarbage(world, tool);
     case ToolTrouble::Hangs:
-      if (tool->launch.path == "/bin/launchctl") return;
-      break;
+      return;
     case ToolTrouble::None:
-      break;
+      return workAfter(world, tool, dice.between(milliseconds(1), milliseconds(30)));
   }
-  workAfter(world, tool, dice.between(milliseconds(1), milliseconds(30)));
 }
 
 }  // namespace
@@ -149,7 +150,6 @@ std::shared_ptr<RunningTool> start(World& world, const platform::ToolLaunch& lau
   auto tool = std::make_shared<RunningTool>();
   tool->launch = launch;
   tool->started = world.timeline.now();
-  ++world.toolsAtWork;
   begin(world, tool);
   return tool;
 }
@@ -157,7 +157,8 @@ std::shared_ptr<RunningTool> start(World& world, const platform::ToolLaunch& lau
 void terminate(World& world, const std::shared_ptr<RunningTool>& tool) {
   tool->asked = true;
   if (!world.dice.chance(800)) return;
-  world.timeline.after(world.dice.between(Time(0), milliseconds(50)), [&world, tool] { end(world, tool, 15); });
+  world.timeline.after(world.dice.between(Time(0), milliseconds(50)),
+                       [&world, tool] { end(world, tool, 15); });
 }
 
 }  // namespace tamo::simulation::ToolBench

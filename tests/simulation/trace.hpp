@@ -30,8 +30,9 @@ class Trace {
   void begin(Time at, std::string_view who) {
     char clock[32];
     const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(at).count();
-    const int size = std::snprintf(clock, sizeof clock, "%4lld.%06lld ", static_cast<long long>(micros / 1000000),
-                                   static_cast<long long>(micros % 1000000));
+    const int size =
+        std::snprintf(clock, sizeof clock, "%4lld.%06lld ", static_cast<long long>(micros / 1000000),
+                      static_cast<long long>(micros % 1000000));
     text_.append(clock, static_cast<std::size_t>(size)).append(who).append("  ");
   }
   template <class Part>

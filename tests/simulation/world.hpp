@@ -35,8 +35,7 @@ inline constexpr std::string_view development = "/Users/u/build/Tamo.app";
 inline constexpr std::string_view linked = "/Users/u/Desktop/Tamo.app";
 inline constexpr std::string_view trash = "/Users/u/.Trash/";
 inline constexpr std::string_view helper = "/Contents/Library/LoginItems/Tamo Core.app";
-inline constexpr std::string_view agentList =
-    "/Contents/Library/LaunchAgents/studio.pell.tamo.core.plist";
+inline constexpr std::string_view agentList = "/Contents/Library/LaunchAgents/studio.pell.tamo.core.plist";
 inline constexpr std::string_view releaseID = "studio.pell.Tamo";
 }  // namespace Places
 
@@ -76,7 +75,8 @@ struct World {
   Time wallOffset{0};
   /// How much the wall clock was set back in all.
   Time setBack{0};
-  int toolsAtWork = 0;
+  /// When the last companion so far ended.
+  Time lastEnd{0};
   /// Something cut a copy short or left the rest of one: a mover was killed, could not clean up, or went
   /// without the lock.
   bool copiesDisturbed = false;
@@ -84,6 +84,8 @@ struct World {
   /// Signals that came too late: a slow call lay between the last look and the signal, and the process had
   /// changed meanwhile.
   int lateSignals = 0;
+  /// Losses of the last copy because a look at the destination failed.
+  int overlooked = 0;
 
   /// Whether a whole copy of the application lies there.
   [[nodiscard]] bool isWhole(std::string_view app) const;

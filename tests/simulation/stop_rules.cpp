@@ -1,0 +1,178 @@
+#include "simulation/stop_rules.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace tamo::simulation::Referee {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr std::uint64_t microsPerSecond = 1'000'000;
+constexpr std::array<std::string_view, 3> markers{"core.db.revert.pending", "core.db.revert.partial",
+                                                  "core.db.revert.partial.json"};
+
+std::uint64_t startOf(const platform::ProcessInfo& info) {
+  return info.startSeconds * microsPerSecond + info.startMicroseconds;
+}
+
+bool sawGone(const StopRecord& stop) {
+  const auto& told = stop.last.told;
+  return !told || told->zombie || startOf(*told) != startOf(*stop.first.told);
+}
+
+bool struck(const Companion& companion, Call call) {
+  return companion.record.struck.test(static_cast<std::size_t>(call));
+}
+
+bool markerExists(const Companion& companion) {
+  const auto directory = companion.dataDirectory();
+  return std::any_of(markers.begin(), markers.end(), [&](std::string_view marker) {
+    return companion.world.files.exists(directory + std::string(marker));
+  });
+}
+
+/// Empty when nothing spoke for sparing the process, by what the companion was told.
+std::string_view reasonTold(const StopRecord& stop) {
+  if (stop.version && stop.version->contains('.')) return "revert_release";
+  if (stop.markerTold) return "revert_restoring";
+  if (stop.ownStartMicros && *stop.ownStartMicros < startOf(*stop.first.told)) return "young_core";
+  return "";
+}
+
+/// A group is the target exactly when the process leads it and it is nobody's that must not be hit.
+bool isRightTarget(const Companion& companion, const StopRecord& stop) {
+  const auto& seen = *stop.last.told;
+  const bool leads = seen.group == stop.last.pid && seen.group > 1 && seen.group != companion.group();
+  return stop.toGroup == leads && stop.target == stop.last.pid;
+}
+
+void judgeTarget(Companion& companion, const StopRecord& stop) {
+  constexpr auto rule = Invariant::SignalTarget;
+  companion.expect(stop.target >= 2, rule, "a target below 2");
+  companion.expect(!stop.toGroup || stop.target != companion.group(), rule, "the own group");
+  companion.expect(stop.toGroup || stop.target != companion.pid(), rule, "the companion itself");
+  companion.expect(!sawGone(stop), rule, "the last look found the process gone");
+  if (sawGone(stop)) return;
+  companion.expect(isRightTarget(companion, stop), rule, "not what the last look asks for");
+  auto& world = companion.world;
+  const auto* there = world.processes.find(stop.last.pid, startOf(*stop.first.told));
+  const bool held = there != nullptr && (!stop.toGroup || there->group == stop.target);
+  const bool inTime = companion.record.slow == stop.last.slow;
+  companion.expect(held || !inTime, rule, "another process");
+  if (!held && !inTime) ++world.lateSignals;
+}
+
+/// The state of the files counts only when the companion had no way to miss it.
+void judgeReason(Companion& companion, const StopRecord& stop) {
+  companion.expect(reasonTold(stop).empty(), Invariant::Spared, "a reason was told");
+  const bool sure = !struck(companion, Call::exists) && !struck(companion, Call::passwordEntry) &&
+                    companion.record.slow == stop.last.slow;
+  companion.expect(!sure || !markerExists(companion), Invariant::Spared, "a marker file is there");
+}
+
+std::string killText(const StopRecord& stop) {
+  const std::string name = stop.toGroup ? "killedGroup(" : "killedProcess(";
+  return name + std::to_string(stop.target) + ", gone: " + (sawGone(stop) ? "true)" : "false)");
+}
+
+/// A watch ends before its time only when a look found the process gone, which the last look need not confirm.
+bool fits(const StopRecord& stop, const std::string& text, Time after) {
+  const std::string end = sawGone(stop) ? "true)" : "false)";
+  if (stop.signals > 0) return text == killText(stop) && (stop.onceGone || after >= seconds(4));
+  if (text == "exited") return sawGone(stop);
+  if (text == "cancelled") return !sawGone(stop) && stop.failedAt.has_value();
+  const auto reason = reasonTold(stop);
+  return !reason.empty() && (stop.onceGone || after >= seconds(22)) &&
+         text == "spared(\"" + std::string(reason) + "\", gone: " + end;
+}
+
+StopRecord* running(Companion& companion) {
+  auto& stops = companion.record.stops;
+  return stops.empty() || stops.back().ended ? nullptr : &stops.back();
+}
+
+}  // namespace
+
+void looked(Companion& companion, std::int32_t pid, const std::optional<platform::ProcessInfo>& told) {
+  auto& record = companion.record;
+  const Look look{.pid = pid, .told = told, .at = companion.world.timeline.now(), .slow = record.slow};
+  companion.note("looks at ", pid, told ? (told->zombie ? ": a zombie" : ": alive") : ": nothing");
+  if (!companion.onMain()) {
+    auto* stop = running(companion);
+    companion.expect(stop != nullptr && stop->first.pid == pid, Invariant::SignalTarget,
+                     "another pid is watched");
+    if (stop == nullptr) return;
+    stop->last = look;
+    stop->onceGone = stop->onceGone || sawGone(*stop);
+  } else if (pid == companion.pid()) {
+    record.ownStartMicros = told ? std::optional(startOf(*told)) : std::nullopt;
+  } else {
+    record.lastLook = look;
+  }
+}
+
+void watching(Companion& companion) {
+  auto& record = companion.record;
+  const bool found = record.lastLook && record.lastLook->told;
+  companion.expect(found && running(companion) == nullptr, Invariant::OneSignal,
+                   "a watcher with nothing to watch");
+  companion.note("watches ", found ? record.lastLook->pid : 0);
+  record.stops.push_back({.first = record.lastLook.value_or(Look()),
+                          .from = companion.world.timeline.now(),
+                          .slowBefore = record.slow,
+                          .version = record.infoVersion,
+                          .ownStartMicros = record.ownStartMicros,
+                          .last = {},
+                          .failedAt = std::nullopt});
+}
+
+void signals(Companion& companion, std::int32_t target, bool toGroup) {
+  auto* stop = running(companion);
+  const bool due = stop != nullptr && !companion.onMain() && stop->signals == 0;
+  companion.expect(due, Invariant::OneSignal, "a signal too many");
+  if (!due) return;
+  ++stop->signals;
+  stop->target = target;
+  stop->toGroup = toGroup;
+  companion.expect(companion.world.timeline.now() - stop->from >= seconds(2), Invariant::Grace,
+                   "killed early");
+  companion.expect(!stop->failedAt || *stop->failedAt >= stop->last.at, Invariant::CalledOff,
+                   "killed all the same");
+  judgeTarget(companion, *stop);
+  judgeReason(companion, *stop);
+}
+
+void stopFailed(Companion& companion) {
+  auto& stops = companion.record.stops;
+  if (!stops.empty() && !stops.back().noted) stops.back().failedAt = companion.world.timeline.now();
+}
+
+void watchEnded(Companion& companion, std::size_t index) {
+  auto& stop = companion.record.stops[index];
+  stop.ended = true;
+  const auto took = companion.world.timeline.now() - stop.from - (companion.record.slow - stop.slowBefore);
+  companion.expect(took <= seconds(22) + milliseconds(100), Invariant::Waits, "a hard stop beyond 22 s");
+  const bool reaps = stop.signals == 0 || took <= seconds(4) + milliseconds(100);
+  companion.expect(reaps, Invariant::Waits, "a kill beyond 4 s");
+}
+
+void stopNoted(Companion& companion, const platform::LogLine& line) {
+  auto& stops = companion.record.stops;
+  const bool due = !stops.empty() && stops.back().ended && !stops.back().noted;
+  companion.expect(due, Invariant::StopNote, "no hard stop to note");
+  if (!due) return;
+  auto& stop = stops.back();
+  stop.noted = true;
+  const auto& text = std::get<std::string>(line.arguments[1]);
+  const auto after = companion.world.timeline.now() - stop.from;
+  companion.expect(std::get<std::int64_t>(line.arguments[0]) == stop.first.pid, Invariant::StopNote,
+                   "another pid");
+  companion.expect(fits(stop, text, after), Invariant::StopNote, text);
+  companion.record.stopText = text + (stop.failedAt ? " stopFailed" : "");
+}
+
+}  // namespace tamo::simulation::Referee
