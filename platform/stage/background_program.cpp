@@ -18,6 +18,8 @@ struct Ready {
   char* const* environment;
   int input;
   int output;
+  /// Closed by a successful exec; takes one byte when that fails.
+  int failure;
 };
 
 [[noreturn]] void become(const Ready& ready) {
@@ -31,9 +33,16 @@ struct Ready {
   ::dup2(ready.input, STDIN_FILENO);
   ::dup2(ready.output, STDOUT_FILENO);
   ::dup2(ready.output, STDERR_FILENO);
-  ::close_range(STDERR_FILENO + 1, ~0U, 0);
+  ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
   if (::chdir("/") == 0) ::execve(ready.program, ready.arguments, ready.environment);
+  static_cast<void>(::write(ready.failure, "x", 1));
   ::_exit(127);
+}
+
+/// Waits until the other end is closed, by an exec or by a process that ends.
+bool closedUnused(const platform::Descriptor& end) {
+  char byte = 0;
+  return platform::uninterrupted([&] { return ::read(end.get(), &byte, 1); }) == 0;
 }
 
 }  // namespace
@@ -43,6 +52,10 @@ bool startInBackground(const BackgroundProgram& background) {
   const platform::Descriptor output(
       ::open(background.log.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
   if (!input || !output || ::access(background.program.c_str(), X_OK) != 0) return false;
+  std::array<int, 2> ends = {-1, -1};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return false;
+  const platform::Descriptor failed(ends[0]);
+  platform::Descriptor failure(ends[1]);
   auto texts = background.environment;
   std::vector<char*> environment;
   for (auto& text : texts)
@@ -54,11 +67,14 @@ bool startInBackground(const BackgroundProgram& background) {
                        .arguments = arguments.data(),
                        .environment = environment.data(),
                        .input = input.get(),
-                       .output = output.get()};
+                       .output = output.get(),
+                       .failure = failure.get()};
   const auto pid = ::fork();
   if (pid == 0) become(ready);
+  failure.close();
   int status = 0;
-  return pid > 0 && platform::uninterrupted([&] { return ::waitpid(pid, &status, 0); }) == pid && status == 0;
+  if (pid < 0 || platform::uninterrupted([&] { return ::waitpid(pid, &status, 0); }) != pid) return false;
+  return status == 0 && closedUnused(failed);
 }
 
 }  // namespace tamo::stage

@@ -14,8 +14,9 @@ struct BackgroundProgram {
   std::string log;
 };
 
-/// Starts a program in a session of its own, as nobody's child, so that no caller has to wait for it. False
-/// when it could not be started. Any thread; nothing is allocated between fork and exec.
+/// Starts a program in a session of its own, as nobody's child, so that no caller has to wait for it. True as
+/// soon as the program itself runs; false when it could not be started. Any thread; nothing is allocated between
+/// fork and exec.
 [[nodiscard]] bool startInBackground(const BackgroundProgram& background);
 
 }  // namespace tamo::stage

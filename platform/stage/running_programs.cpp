@@ -1,7 +1,9 @@
 #include "platform/stage/running_programs.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/stage_bundles.hpp"
@@ -20,15 +22,36 @@ std::optional<std::string> applicationOf(const StageRoot& root, const std::strin
   return inside ? std::optional(bundle) : std::nullopt;
 }
 
-std::optional<RunningProgram> runningProgram(const StageRoot& root, pid_t pid) {
-  const fs::path folder = "/proc/" + std::to_string(pid);
+/// A look at one process: its executable on the stage, and its command line.
+struct Look {
+  std::string executable;
+  std::string words;
+};
+
+std::optional<Look> lookAt(const StageRoot& root, const fs::path& folder) {
   std::error_code hidden;
   const auto executable = fs::read_symlink(folder / "exe", hidden);
   if (hidden || !root.onStage(executable.string())) return std::nullopt;
-  const auto words = platform::posix::readWhole((folder / "cmdline").string()).value_or("");
-  const auto bundle = applicationOf(root, words.substr(0, words.find('\0')));
+  return Look{.executable = executable.string(),
+              .words = platform::posix::readWhole((folder / "cmdline").string()).value_or("")};
+}
+
+/// In the middle of an exec, Linux shows the new executable already and no command line yet.
+std::optional<Look> lookPastExec(const StageRoot& root, const fs::path& folder) {
+  auto look = lookAt(root, folder);
+  for (int more = 0; more < 1000 && look && look->words.empty(); ++more) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    look = lookAt(root, folder);
+  }
+  return look;
+}
+
+std::optional<RunningProgram> runningProgram(const StageRoot& root, pid_t pid) {
+  const auto look = lookPastExec(root, "/proc/" + std::to_string(pid));
+  if (!look) return std::nullopt;
+  const auto bundle = applicationOf(root, look->words.substr(0, look->words.find('\0')));
   if (!bundle) return std::nullopt;
-  return RunningProgram{.pid = pid, .bundle = *bundle, .executable = executable.string()};
+  return RunningProgram{.pid = pid, .bundle = *bundle, .executable = look->executable};
 }
 
 }  // namespace
