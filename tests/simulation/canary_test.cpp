@@ -59,6 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Canary{"WrongReceipt", Plant::WrongReceipt, Invariant::Receipt},
                     Canary{"LostReceipt", Plant::LostReceipt, Invariant::Receipt},
                     Canary{"StatusTouches", Plant::StatusTouches, Invariant::Permission},
+                    Canary{"LostDeed", Plant::LostDeed, Invariant::Deeds},
                     Canary{"RegisterAfterFailure", Plant::RegisterAfterFailure, Invariant::Permission},
                     Canary{"HalfCopy", Plant::HalfCopy, Invariant::WholeOrAbsent},
                     Canary{"LastCopyGone", Plant::LastCopyGone, Invariant::LastCopy},

@@ -86,7 +86,6 @@ class Companion {
   [[nodiscard]] bool launched() const { return launched_; }
   [[nodiscard]] bool wasKilled() const { return killed_; }
   [[nodiscard]] std::int32_t pid() const { return pid_; }
-  [[nodiscard]] std::uint64_t startMicros() const { return startMicros_; }
   [[nodiscard]] std::int32_t group() const;
   [[nodiscard]] std::string bundlePath() const;
   [[nodiscard]] std::string dataDirectory() const;

@@ -56,6 +56,19 @@ void judgeLock(const Companion& companion) {
   companion.expect(record.terminations == 1, Invariant::TerminatesOnce, std::to_string(record.terminations));
 }
 
+/// What a failure does not excuse.
+void judgeDeeds(const Companion& companion) {
+  const auto& record = companion.record;
+  if (courseOf(companion) != Course::Agent) return;
+  const auto& action = actionOf(companion);
+  if (action == "unregister") companion.expect(record.unregistrations == 1, Invariant::Deeds, action);
+  if (record.lastError) return;
+  const bool registers = action == "reseat" || (action == "sync" && record.definitionChanged);
+  if (registers) companion.expect(record.registrations == 1, Invariant::Deeds, action);
+  const bool starts = action == "register" || action == "restart";
+  if (starts) companion.expect(record.registrations + record.kickstarts >= 1, Invariant::Deeds, action);
+}
+
 /// The sum of every wait that is ordered, and of those that others caused.
 Time longestLife(const Companion& companion) {
   const auto& record = companion.record;
@@ -101,6 +114,7 @@ void ended(Companion& companion) {
   judgeLines(companion);
   judgeReports(companion);
   judgeLock(companion);
+  judgeDeeds(companion);
   judgeLeftovers(companion);
   const auto life = companion.world.timeline.now() - companion.record.launchedAt;
   companion.expect(life <= longestLife(companion), Invariant::Waits, "a life longer than its waits");

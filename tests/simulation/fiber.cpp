@@ -9,40 +9,28 @@
 #if __has_feature(address_sanitizer)
 #define TAMO_ADDRESS_SANITIZER
 #endif
-#if __has_feature(thread_sanitizer)
-#define TAMO_THREAD_SANITIZER
-#endif
 #endif
 #if defined(__SANITIZE_ADDRESS__)
 #define TAMO_ADDRESS_SANITIZER
-#endif
-#if defined(__SANITIZE_THREAD__)
-#define TAMO_THREAD_SANITIZER
 #endif
 
 #ifdef TAMO_ADDRESS_SANITIZER
 #include <sanitizer/common_interface_defs.h>
 #endif
-#ifdef TAMO_THREAD_SANITIZER
-#include <sanitizer/tsan_interface.h>
-#endif
 
 namespace tamo::simulation {
 namespace {
 
-#if defined(TAMO_ADDRESS_SANITIZER) || defined(TAMO_THREAD_SANITIZER)
+#ifdef TAMO_ADDRESS_SANITIZER
 constexpr std::size_t stackBytes = std::size_t{1} << 20U;
 #else
 constexpr std::size_t stackBytes = std::size_t{1} << 17U;
 #endif
 
 void leaving([[maybe_unused]] void** fakeStack, [[maybe_unused]] const void* bottom,
-             [[maybe_unused]] std::size_t size, [[maybe_unused]] void* next) {
+             [[maybe_unused]] std::size_t size) {
 #ifdef TAMO_ADDRESS_SANITIZER
   __sanitizer_start_switch_fiber(fakeStack, bottom, size);
-#endif
-#ifdef TAMO_THREAD_SANITIZER
-  __tsan_switch_to_fiber(next, 0);
 #endif
 }
 
@@ -52,26 +40,12 @@ void arrived([[maybe_unused]] void* fakeStack) {
 #endif
 }
 
-void* sanitizersOwn([[maybe_unused]] bool fresh) {
-#ifdef TAMO_THREAD_SANITIZER
-  return fresh ? __tsan_create_fiber(0) : __tsan_get_current_fiber();
-#else
-  return nullptr;
-#endif
-}
-
-void forget([[maybe_unused]] void* sanitizerFiber) {
-#ifdef TAMO_THREAD_SANITIZER
-  __tsan_destroy_fiber(sanitizerFiber);
-#endif
-}
-
 /// Which fiber a fresh stack belongs to: a context's entry takes no pointer.
 thread_local Fiber* entering = nullptr;
 
 }  // namespace
 
-Fiber::Fiber() : sanitizerFiber_(sanitizersOwn(false)) {
+Fiber::Fiber() {
   pthread_attr_t attributes;
   void* bottom = nullptr;
   if (pthread_getattr_np(pthread_self(), &attributes) != 0) platform::fatal("no attributes of a thread");
@@ -81,11 +55,7 @@ Fiber::Fiber() : sanitizerFiber_(sanitizersOwn(false)) {
 }
 
 Fiber::Fiber(std::function<void()> body)
-    : body_(std::move(body)),
-      stack_(new std::byte[stackBytes]),
-      bottom_(stack_.get()),
-      size_(stackBytes),
-      sanitizerFiber_(sanitizersOwn(true)) {
+    : body_(std::move(body)), stack_(new std::byte[stackBytes]), bottom_(stack_.get()), size_(stackBytes) {
   getcontext(&context_);
   context_.uc_stack.ss_sp = stack_.get();
   context_.uc_stack.ss_size = stackBytes;
@@ -93,13 +63,9 @@ Fiber::Fiber(std::function<void()> body)
   makecontext(&context_, &Fiber::enter, 0);
 }
 
-Fiber::~Fiber() {
-  if (stack_) forget(sanitizerFiber_);
-}
-
 void Fiber::switchTo(Fiber& next) {
   entering = &next;
-  leaving(&fakeStack_, next.bottom_, next.size_, next.sanitizerFiber_);
+  leaving(&fakeStack_, next.bottom_, next.size_);
   swapcontext(&context_, &next.context_);
   arrived(fakeStack_);
 }

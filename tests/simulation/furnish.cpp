@@ -19,7 +19,9 @@ std::size_t someDefinition(Dice& dice) {
 }
 
 void placeSome(World& world, std::string_view place, std::string_view bundleID) {
-  world.placeCopy(place, bundleID, world.dice.oneOf(versions), someDefinition(world.dice));
+  // In two steps: compilers differ in the order in which they throw the dice for two arguments.
+  const auto version = world.dice.oneOf(versions);
+  world.placeCopy(place, bundleID, version, someDefinition(world.dice));
 }
 
 /// The original lies where it was downloaded to, whether or not the system tells so.

@@ -48,13 +48,6 @@ const std::vector<JobDefinition>& jobDefinitions() {
   return all;
 }
 
-bool asksForReseat(std::size_t loaded, std::size_t bundled) {
-  const auto& left = jobDefinitions()[loaded];
-  const auto& right = jobDefinitions()[bundled];
-  if (left.arguments != right.arguments) return true;
-  return left.exitTimeout && right.exitTimeout && left.exitTimeout != right.exitTimeout;
-}
-
 const std::string& agentPlist(std::size_t definition) {
   return plists()[definition];
 }

@@ -17,9 +17,6 @@ struct JobDefinition {
 };
 [[nodiscard]] const std::vector<JobDefinition>& jobDefinitions();
 
-/// Whether launchd's definition differs from a bundle's in a way that asks for a reseat.
-[[nodiscard]] bool asksForReseat(std::size_t loaded, std::size_t bundled);
-
 [[nodiscard]] const std::string& agentPlist(std::size_t definition);
 /// Absent when the text is none of the lists above.
 [[nodiscard]] std::optional<std::size_t> definitionOf(std::string_view agentPlist);

@@ -27,12 +27,11 @@ bool skipsUnregister(const Record& record) {
 bool mayDo(const Companion& companion, std::string_view deed) {
   const auto& record = companion.record;
   const auto action = actionOf(companion);
-  if (action == "move-to-applications")
-    return deed != "register" && deed != "unregister" && deed != "/bin/launchctl";
-  if (deed == "/bin/launchctl") return action == "register" || action == "restart";
+  if (deed == "copy" || deed == "remove" || deed == "trash") return action == "move-to-applications";
+  if (deed == "kickstart") return action == "register";
+  if (deed == "kickstart -k") return action == "restart";
   if (deed == "register" && (record.unregisterFailed || skipsUnregister(record))) return false;
   if (deed == "register" && action == "unregister") return false;
-  if (deed != "register" && deed != "unregister") return false;
   if (action == "sync") return record.definitionChanged;
   return action == "register" || action == "unregister" || action == "reseat" || action == "restart";
 }

@@ -12,7 +12,7 @@ void letsLockGo(Companion& companion);
 /// A companion goes on without the lock.
 void givesLockUp(Companion& companion);
 /// A companion changes something of the agent or of the installed application: "register", "unregister",
-/// "remove", "trash", or the path of the tool that it starts.
+/// "kickstart", "kickstart -k", "copy", "remove" or "trash".
 void acts(Companion& companion, std::string_view deed);
 /// A launchctl took that long, from its start to the companion's last interest in it, and slow calls held the
 /// companion up for that long meanwhile.

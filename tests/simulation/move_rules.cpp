@@ -35,10 +35,10 @@ bool isSuccess(std::string_view code) {
   return code == "moved" || code == "opened";
 }
 
-/// When a look at the destination fails, the move takes an installed copy for missing, copies over it, and clears
-/// it away with the rest of the copy if that fails. What it copies from remains; but that may be the destination
-/// itself, reached through a link, or a view of a copy that is in the Trash. The order of the move leads there; it
-/// is counted, not judged.
+/// When a look at the destination fails, the move takes an installed copy for missing, copies over it, and
+/// clears it away with the rest of the copy if that fails. What it copies from remains; but that may be the
+/// destination itself, reached through a link, or a view of a copy that is in the Trash. The order of the
+/// move leads there; it is counted, not judged.
 bool wasOverlooked(const World& world) {
   return std::any_of(world.companions.begin(), world.companions.end(), [](const auto& companion) {
     const auto& record = companion->record;
@@ -58,6 +58,13 @@ void copiesChanged(World& world) {
     return;
   }
   world.verdict.broken({Invariant::LastCopy, world.timeline.now(), "world", "no whole copy is left"});
+}
+
+void copies(Companion& companion) {
+  auto& record = companion.record;
+  ++record.copies;
+  const bool cleared = !record.destinationExists.value_or(false) || record.trashed == 1;
+  companion.expect(cleared, Invariant::MoveResult, "copied over an installed copy");
 }
 
 void movedOrNot(Companion& companion, const platform::LogLine& line) {

@@ -10,6 +10,8 @@ namespace tamo::simulation::Referee {
 
 /// Copies of the application were changed, by a companion or by a tool.
 void copiesChanged(World& world);
+/// A companion starts to copy plainly.
+void copies(Companion& companion);
 /// A companion logs how its move ended.
 void movedOrNot(Companion& companion, const platform::LogLine& line);
 /// A companion writes the result file.

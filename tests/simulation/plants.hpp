@@ -29,6 +29,7 @@ enum class Plant {
   WrongReceipt,
   LostReceipt,
   StatusTouches,
+  LostDeed,
   ForgottenLock,
   RegisterAfterFailure,
   HalfCopy,

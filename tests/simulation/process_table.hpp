@@ -9,7 +9,7 @@
 
 namespace tamo::simulation {
 
-enum class ProcessKind { Launchd, Companion, Core, Helper, Stranger, Application };
+enum class ProcessKind { Launchd, Companion, Core, Helper, Stranger };
 
 struct Process {
   std::int32_t pid = 0;

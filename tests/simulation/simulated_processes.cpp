@@ -15,6 +15,10 @@ bool isKickstart(const platform::ToolLaunch& launch) {
   return launch.path == "/bin/launchctl" && launch.arguments.front() == "kickstart";
 }
 
+bool kills(const platform::ToolLaunch& kickstart) {
+  return kickstart.arguments[1] == "-k";
+}
+
 /// A tool as the companion that started it holds it.
 class HeldTool final : public platform::Tool {
  public:
@@ -65,8 +69,7 @@ class HeldTool final : public platform::Tool {
     Referee::launchctlTook(companion_, took, companion_.record.slow - slow_);
     if (!isKickstart(tool_->launch)) return status;
     companion_.record.kickstart = status;
-    const bool kills = tool_->launch.arguments[1] == "-k";
-    if (kills && status != 0) Referee::stopFailed(companion_);
+    if (kills(tool_->launch) && status != 0) Referee::stopFailed(companion_);
     return companion_.world.planted == Plant::DeafToFailure ? 0 : status;
   }
 
@@ -89,17 +92,20 @@ std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLa
   const bool fails = companion_.enter(Call::startTool);
   companion_.note("starts ", launch.path, " ", launch.arguments.front(), ": ", !fails);
   const bool kickstarts = isKickstart(launch);
-  if (kickstarts || launch.path == "/usr/bin/ditto") Referee::acts(companion_, launch.path);
+  if (kickstarts) Referee::acts(companion_, kills(launch) ? "kickstart -k" : "kickstart");
+  if (launch.path == "/usr/bin/ditto") {
+    Referee::acts(companion_, "copy");
+    Referee::copies(companion_);
+  }
   if (launch.path == "/bin/launchctl") ++record.launchctls;
   if (kickstarts) ++record.kickstarts;
-  if (launch.path == "/usr/bin/ditto") ++record.copies;
   if (!fails) {
     auto tool = ToolBench::start(companion_.world, launch);
     return std::make_unique<HeldTool>(companion_, std::move(tool));
   }
   if (kickstarts) {
     record.kickstart = -1;
-    if (launch.arguments[1] == "-k") Referee::stopFailed(companion_);
+    if (kills(launch)) Referee::stopFailed(companion_);
   }
   return nullptr;
 }

@@ -43,6 +43,7 @@ class Agent final : public platform::AgentService {
 
   void unregisterAgent(Completion completion) override {
     auto& record = companion_.record;
+    if (companion_.world.planted == Plant::LostDeed) return completion(std::nullopt);
     const bool fails = companion_.enter(Call::unregisterAgent);
     Referee::acts(companion_, "unregister");
     ++record.unregistrations;

@@ -79,8 +79,12 @@ Report Simulator::run(std::uint64_t seed, const RunOptions& options) {
   Referee::runEnded(world, inTime);
   for (const auto& companion : world.companions)
     count(report, *companion);
-  if (world.lateSignals > 0) report.met["signals too late"] += static_cast<std::uint64_t>(world.lateSignals);
-  if (world.overlooked > 0) ++report.met["last copy lost after a look at it failed"];
+  const auto add = [&report](const char* name, int times) {
+    if (times > 0) report.met[name] += static_cast<std::uint64_t>(times);
+  };
+  add("signals too late", world.lateSignals);
+  add("signals too late, to a stranger", world.strangersHit);
+  add("last copy lost after a look at it failed", world.overlooked);
   report.violations = world.verdict.violations();
   report.trace = world.trace.text();
   endAll(world);

@@ -63,7 +63,9 @@ void judgeTarget(Companion& companion, const StopRecord& stop) {
   const bool held = there != nullptr && (!stop.toGroup || there->group == stop.target);
   const bool inTime = companion.record.slow == stop.last.slow;
   companion.expect(held || !inTime, rule, "another process");
-  if (!held && !inTime) ++world.lateSignals;
+  if (held || inTime) return;
+  ++world.lateSignals;
+  if (there == nullptr && world.processes.find(stop.target) != nullptr) ++world.strangersHit;
 }
 
 /// The state of the files counts only when the companion had no way to miss it.
@@ -79,7 +81,7 @@ std::string killText(const StopRecord& stop) {
   return name + std::to_string(stop.target) + ", gone: " + (sawGone(stop) ? "true)" : "false)");
 }
 
-/// A watch ends before its time only when a look found the process gone, which the last look need not confirm.
+/// A watch ends before its time only when a look found the process gone, which the last one need not confirm.
 bool fits(const StopRecord& stop, const std::string& text, Time after) {
   const std::string end = sawGone(stop) ? "true)" : "false)";
   if (stop.signals > 0) return text == killText(stop) && (stop.onceGone || after >= seconds(4));

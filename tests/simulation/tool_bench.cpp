@@ -120,8 +120,8 @@ void printGarbage(World& world, const Tool& tool) {
   failAfter(world, tool, 0);
 }
 
-/// Only launchctl has a time limit, so only launchctl may hang. And only it may say that all is well when it has
-/// done nothing: a copy that was not made could not be told from one that was.
+/// Only launchctl has a time limit, so only launchctl may hang. And only it may say that all is well when it
+/// has done nothing: a copy that was not made could not be told from one that was.
 void begin(World& world, const Tool& tool) {
   constexpr std::array<std::int32_t, 6> codes{1, 3, 5, 37, 112, 113};
   constexpr std::array<std::int32_t, 3> signals{6, 9, 15};
@@ -155,7 +155,6 @@ std::shared_ptr<RunningTool> start(World& world, const platform::ToolLaunch& lau
 }
 
 void terminate(World& world, const std::shared_ptr<RunningTool>& tool) {
-  tool->asked = true;
   if (!world.dice.chance(800)) return;
   world.timeline.after(world.dice.between(Time(0), milliseconds(50)),
                        [&world, tool] { end(world, tool, 15); });

@@ -14,7 +14,6 @@ struct RunningTool {
   platform::ToolLaunch launch;
   Time started{0};
   bool done = false;
-  bool asked = false;
   std::int32_t status = 0;
   std::string errors;
   /// The strand that waits for the end; null when none does.

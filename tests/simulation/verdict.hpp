@@ -25,6 +25,7 @@ namespace tamo::simulation {
   INVARIANT(Truth, "the outcome line tells what the companion was told")                                  \
   INVARIANT(Receipt, "a receipt is written when it is due, and tells the same as the line")               \
   INVARIANT(Permission, "an action touches nothing but what is its own")                                  \
+  INVARIANT(Deeds, "an action that does not fail does what it is for")                                    \
   INVARIANT(WholeOrAbsent, "after a move the destination is whole or absent")                             \
   INVARIANT(LastCopy, "the last copy of the application is never lost")                                   \
   INVARIANT(MoveResult, "the result of a move is recorded as it went, and only a success is opened")      \

@@ -84,6 +84,8 @@ struct World {
   /// Signals that came too late: a slow call lay between the last look and the signal, and the process had
   /// changed meanwhile.
   int lateSignals = 0;
+  /// Those of them that hit another process under the old pid.
+  int strangersHit = 0;
   /// Losses of the last copy because a look at the destination failed.
   int overlooked = 0;
 
