@@ -62,7 +62,10 @@ bool FakeFiles::createDirectories(const std::string& path) {
 
 bool FakeFiles::remove(const std::string& path) {
   note("remove " + path);
-  return !failsToRemove && contents.erase(path) > 0;
+  if (failsToRemove) return false;
+  const auto within = [&](const std::string& item) { return item == path || item.starts_with(path + "/"); };
+  const auto files = std::erase_if(contents, [&](const auto& file) { return within(file.first); });
+  return files + std::erase_if(directories, within) > 0;
 }
 
 std::unique_ptr<platform::OutputFile> FakeFiles::openForWriting(const std::string& path) {
