@@ -1,5 +1,6 @@
 #include "platform/log.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
@@ -37,12 +38,20 @@ constexpr std::array placeholders{
     Placeholder{"%{bool,public}d", LogPiece::Kind::Public, Placeholder::Takes::Truth},
 };
 
-const Placeholder& placeholderAt(std::string_view rest) {
-  for (const auto& candidate : placeholders) {
-    if (rest.starts_with(candidate.text)) return candidate;
-  }
-  fatal("a log format has an unknown placeholder");
+constexpr auto findPlaceholder(std::string_view rest) {
+  return std::ranges::find_if(placeholders, [rest](const auto& one) { return rest.starts_with(one.text); });
 }
+
+consteval bool allPlaceholdersAreKnown() {
+  for (const auto& [level, format] : formats) {
+    for (auto at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
+      if (findPlaceholder(format.substr(at)) == placeholders.end()) return false;
+    }
+  }
+  return true;
+}
+
+static_assert(allPlaceholdersAreKnown());
 
 std::string shown(const LogArgument& argument, Placeholder::Takes takes) {
   using Takes = Placeholder::Takes;
@@ -75,7 +84,7 @@ std::vector<LogPiece> pieces(const LogLine& line) {
     const auto start = rest.find('%');
     if (start == std::string_view::npos) fatal("a log line has too many arguments");
     if (start > 0) result.push_back({LogPiece::Kind::Fixed, std::string(rest.substr(0, start))});
-    const auto& placeholder = placeholderAt(rest.substr(start));
+    const auto& placeholder = *findPlaceholder(rest.substr(start));
     result.push_back({placeholder.kind, shown(argument, placeholder.takes)});
     rest.remove_prefix(start + placeholder.text.size());
   }

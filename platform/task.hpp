@@ -28,7 +28,8 @@ class [[nodiscard]] Task {
 
   Task(Task&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
   Task& operator=(Task&& other) noexcept {
-    if (this != &other) reset(std::exchange(other.handle_, nullptr));
+    // A task moved onto itself is kept: its handle has left it by the time of the reset.
+    reset(std::exchange(other.handle_, nullptr));
     return *this;
   }
   ~Task() { reset(nullptr); }

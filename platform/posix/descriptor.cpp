@@ -6,10 +6,10 @@
 namespace tamo::platform {
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-  if (this != &other) {
-    close();
-    number_ = other.release();
-  }
+  // The other's number first, so that a descriptor moved onto itself is kept.
+  const int number = other.release();
+  close();
+  number_ = number;
   return *this;
 }
 

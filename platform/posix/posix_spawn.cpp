@@ -1,5 +1,7 @@
 #include "platform/posix/posix_spawn.hpp"
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
@@ -27,7 +29,8 @@ class FileActions {
     if (source >= 0) return ::posix_spawn_file_actions_adddup2(&actions_, source, stream) == 0;
     return ::posix_spawn_file_actions_addopen(&actions_, stream, "/dev/null", O_WRONLY, 0) == 0;
   }
-  [[nodiscard]] bool keepNothingElse() { return made_ && inheritOnlyStreams(actions_); }
+  /// After the streams.
+  [[nodiscard]] bool keepNothingElse() { return inheritOnlyStreams(actions_); }
   [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &actions_; }
 
  private:
@@ -53,10 +56,12 @@ class Attributes {
     sigfillset(&all);
     const auto flags = static_cast<short>(POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |
                                           POSIX_SPAWN_SETSIGDEF | inheritanceFlag());
-    return made_ && ::posix_spawnattr_setsigmask(&attributes_, &none) == 0 &&
-           ::posix_spawnattr_setsigdefault(&attributes_, &all) == 0 &&
-           ::posix_spawnattr_setpgroup(&attributes_, 0) == 0 &&
-           ::posix_spawnattr_setflags(&attributes_, flags) == 0;
+    if (!made_) return false;
+    const std::array failures = {::posix_spawnattr_setsigmask(&attributes_, &none),
+                                 ::posix_spawnattr_setsigdefault(&attributes_, &all),
+                                 ::posix_spawnattr_setpgroup(&attributes_, 0),
+                                 ::posix_spawnattr_setflags(&attributes_, flags)};
+    return std::ranges::all_of(failures, [](int failure) { return failure == 0; });
   }
   [[nodiscard]] const posix_spawnattr_t* get() const { return &attributes_; }
 

@@ -46,6 +46,15 @@ TEST_F(PosixTest, AReplacedDescriptorIsClosed) {
   EXPECT_EQ(::fcntl(number, F_GETFD), -1);
 }
 
+TEST_F(PosixTest, ADescriptorMovedOntoItselfStaysOpen) {
+  Descriptor owner(::fcntl(1, F_DUPFD_CLOEXEC, 100));
+  const int number = owner.get();
+  auto& same = owner;
+  owner = std::move(same);
+  EXPECT_EQ(owner.get(), number);
+  EXPECT_NE(::fcntl(number, F_GETFD), -1);
+}
+
 TEST_F(PosixTest, DirectoriesAreMadeOnTheHost) {
   EXPECT_TRUE(posix::createDirectories(path("a/b/c/")));
   EXPECT_TRUE(fs::is_directory(path("a/b/c")));

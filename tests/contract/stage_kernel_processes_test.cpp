@@ -34,8 +34,9 @@ TEST(ProcStatTest, TheStateIsTheFirstFieldAfterTheName) {
 
 TEST(ProcStatTest, OtherTextsGiveNothing) {
   const auto whole = statLine("sh");
-  for (const auto& text : {std::string(), std::string("17 sh S 1"), std::string("17 (sh)"),
-                           std::string("17 (sh) S 1 x"), whole.substr(0, whole.find("987654321"))}) {
+  for (const auto& text :
+       {std::string(), std::string("17 sh S 1"), std::string("17 (sh)"), std::string("17 (sh) S 1 x"),
+        std::string("17 (sh) S 1 12x 17"), whole.substr(0, whole.find("987654321"))}) {
     EXPECT_FALSE(procStat(text)) << text;
   }
 }

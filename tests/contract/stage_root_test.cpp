@@ -106,10 +106,22 @@ TEST_F(StageRootTest, TheUserComesFromTheSettings) {
   EXPECT_EQ(root.home(), "/Users/other");
   root.set("user-id", "me");
   EXPECT_DEATH(static_cast<void>(root.userID()), "fatal: the setting user-id is no user id");
+  root.set("user-id", "-5");
+  EXPECT_DEATH(static_cast<void>(root.userID()), "fatal: the setting user-id is no user id");
+}
+
+TEST_F(StageRootTest, ASettingThatCannotBeKeptIsFatal) {
+  stage.folder("/.stage/settings/core/folder");
+  EXPECT_DEATH(root.set("core", "stubborn"), "fatal: the setting core cannot be written");
+  fs::remove_all(root.control("settings"));
+  stage.file("/.stage/settings", "no folder");
+  EXPECT_DEATH(root.set("core", "stubborn"), "fatal: the setting core cannot be written");
 }
 
 TEST_F(StageRootTest, WithoutAStageNothingStarts) {
   ::unsetenv("TAMO_STAGE");
+  EXPECT_DEATH(StageRoot::fromEnvironment(), "fatal: no stage: TAMO_STAGE is not set");
+  ::setenv("TAMO_STAGE", "", 1);
   EXPECT_DEATH(StageRoot::fromEnvironment(), "fatal: no stage: TAMO_STAGE is not set");
   EXPECT_DEATH(StageRoot(root.host("/missing")), "fatal: no stage at ");
   EXPECT_DEATH(StageRoot(root.host("/bin/sh")), "fatal: the stage at .* is no directory");

@@ -124,6 +124,13 @@ TEST_F(StageUserFilesTest, AnAdministratorWritesWhereTheOwnerMayNot) {
   mode("/Applications", 0755);
 }
 
+TEST_F(StageUserFilesTest, WithoutAHomeNothingIsThrownAway) {
+  stage.file("/Applications/Tamo.app/file", "bytes");
+  stage.root().set("home", "/Users/nobody");
+  EXPECT_FALSE(userFiles.moveToTrash("/Applications/Tamo.app"));
+  EXPECT_TRUE(fs::exists(stage.root().host("/Applications/Tamo.app/file")));
+}
+
 TEST_F(StageUserFilesTest, ATrashThatTakesNothingLeavesTheItemWhereItIs) {
   stage.file("/Applications/Tamo.app/file", "bytes");
   stage.file("/Users/tamo/.Trash", "no folder");

@@ -66,6 +66,26 @@ TEST(ValuesLimitsTest, AKeyThatIsNoTextMakesABinaryListUnreadable) {
         readPropertyList(BinaryListBuilder().addDictionary("\1", "\2").add(key).addText("value").bytes()));
 }
 
+TEST(ValuesLimitsTest, ACountBeyondTheBytesMakesABinaryListUnreadable) {
+  const std::string most(8, '\xFF');
+  for (const auto& count : {"\x13" + most, "\x13\0\0\0\0\x7F\0\0\0"s, "\x14"s, "\x1F"s}) {
+    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\xAF" + count).bytes()));
+    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\xDF" + count).bytes()));
+    const auto key = "\x5F" + count;
+    EXPECT_FALSE(
+        readPropertyList(BinaryListBuilder().addDictionary("\1", "\2").add(key).addText("value").bytes()));
+  }
+}
+
+TEST(ValuesLimitsTest, OneUnreadableTextMakesABinaryListUnreadable) {
+  const auto broken = "\x51\xE9"s;
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().addArray("\1\2").addText("a").add(broken).bytes()));
+  EXPECT_FALSE(
+      readPropertyList(BinaryListBuilder().addDictionary("\1", "\2").addText("key").add(broken).bytes()));
+  EXPECT_FALSE(
+      readPropertyList(BinaryListBuilder().addDictionary("\1", "\2").add(broken).addText("value").bytes()));
+}
+
 TEST(ValuesLimitsTest, AListOfMoreThanSixteenMebibytesIsUnreadable) {
   std::string list = "<plist><string>a</string></plist>";
   list.resize(std::size_t{16} << 20U, ' ');

@@ -72,6 +72,7 @@ TEST(ValuesUnicodeTest, BytesThatAreNoUtf8AreComparedAsTheyAre) {
                                 "\xFF"
                                 "e\u0301"));
   EXPECT_FALSE(canonicallyEqual("\xFF", "\xFE"));
+  EXPECT_FALSE(canonicallyEqual("\u00E9", "\xFF"));
 }
 
 struct Counted {

@@ -114,6 +114,13 @@ TEST_F(AgentActionsTest, ReseatUnregistersUnderAHardStopAndRegisters) {
                                          "log: default reseat -> status 1 ok Optional(true)<private:>"}));
 }
 
+TEST_F(AgentActionsTest, AReseatThatCannotPrintTheJobSignalsNobody) {
+  companion.fakes.files.failsToOpen = true;
+  companion.act("reseat");
+  EXPECT_EQ(deeds(), (Texts{"service: unregister", "service: register"}));
+  EXPECT_EQ(outcome(), "reseat -> status 1 ok Optional(true)<private:>");
+}
+
 TEST_F(AgentActionsTest, ARestartOfAnAgentThatIsNotEnabledRegistersIt) {
   companion.fakes.agentServices.status = 0;
   companion.act("restart");
@@ -131,6 +138,21 @@ TEST_F(AgentActionsTest, ARestartKickstartsWithKillUnderAHardStop) {
                    "changed false",
                    "log: default hardstop pid 4242: killedGroup(4242, gone: true)",
                    "log: default restart -> status 1 ok Optional(true) kickstart 0<private:>"}));
+}
+
+TEST_F(AgentActionsTest, ARestartThatCannotPrintTheJobKickstartsItAndSignalsNobody) {
+  Companion withoutLaunchctl;
+  withoutLaunchctl.fakes.processes.always({"/bin/launchctl", "print"}, {.starts = false});
+  Companion withoutFile;
+  withoutFile.fakes.files.failsToOpen = true;
+  for (auto* fresh : {&withoutLaunchctl, &withoutFile}) {
+    fresh->kickstartGives(0);
+    fresh->act("restart");
+    EXPECT_EQ(fresh->fakes.ledger.count(kickstartKill), 1U);
+    EXPECT_EQ(fresh->fakes.ledger.count("kernel: kill"), 0U);
+    EXPECT_EQ(fresh->logLines().back(),
+              "log: default restart -> status 1 ok Optional(true) kickstart 0<private:>");
+  }
 }
 
 TEST_F(AgentActionsTest, ARestartWhoseCoreExitsInTimeSignalsNobody) {

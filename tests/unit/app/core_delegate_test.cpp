@@ -1,6 +1,7 @@
 #include "app/core_delegate.hpp"
 
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <thread>
 
 #include "app/core_main.hpp"
@@ -175,6 +176,19 @@ TEST_F(CoreDelegateTest, EveryEntryOffTheMainThreadIsFatal) {
                  task.start();
                }).join(),
                "fatal: perform entered off the main thread");
+}
+
+TEST_F(CoreDelegateTest, AnActionThatStartsOffTheMainThreadIsFatal) {
+  launch({});
+  delegate->applicationDidFinishLaunching();
+  EXPECT_DEATH(std::thread([this] { companion.fakes.mainQueue.runUntilIdle(); }).join(),
+               "fatal: the start of the action entered off the main thread");
+}
+
+TEST_F(CoreDelegateTest, AnActionThatRaisesWhatNobodyExpectsIsFatalAndNoProcessThatWaitsForEver) {
+  companion.fakes.processes.once({"/bin/launchctl", "kickstart"},
+                                 {.effect = [] { throw std::runtime_error("no memory is left"); }});
+  EXPECT_DEATH(companion.act("register"), "fatal: no memory is left");
 }
 
 TEST(CoreMainTest, MakesAnAccessoryWithOneDelegateAndRunsIt) {

@@ -60,7 +60,7 @@ TEST(RealHomeTest, AnUnknownUserHasAnEmptyHome) {
 TEST(RealHomeDeathTest, AnEntryWithoutAHomeStopsTheProcess) {
   fakes::FakeUser user;
   user.entry->home = std::nullopt;
-  EXPECT_DEATH(static_cast<void>(realHome(user)), "an entry without a home");
+  EXPECT_DEATH(static_cast<void>(realHome(user)), "fatal: the user database has an entry without a home");
 }
 
 TEST(StagedAppTest, TheStagedCopyLiesInTheLiveData) {

@@ -31,6 +31,12 @@ TEST(MoveResultReaderTest, OfTwoMembersWithOneNameTheLastCounts) {
   EXPECT_EQ(decoded(R"({"ok":false,"code":"moved","ok":true})"), (Result{true, "moved"}));
 }
 
+TEST(MoveResultReaderTest, ResultsThatDifferInOneMemberAreDifferent) {
+  const Result result{true, "moved"};
+  EXPECT_NE(result, (Result{false, "moved"}));
+  EXPECT_NE(result, (Result{true, "opened"}));
+}
+
 TEST(MoveResultReaderTest, BothMembersAreNeeded) {
   for (const auto* bytes : {R"({"ok":true})", R"({"code":"moved"})", R"({})", R"({"Ok":true,"code":"a"})"}) {
     EXPECT_EQ(errorOf(bytes), DecodingError::memberMissing) << bytes;

@@ -34,5 +34,11 @@ TEST(ErrorReportTest, MissingTextsArePlaceholdersBesideTheCode) {
   EXPECT_EQ(error.description(), "The operation failed without a description.");
 }
 
+TEST(ErrorReportTest, AnErrorCaughtAsAnyExceptionSaysItsDescription) {
+  const auto error = errorOf(ErrorReport{.domain = "D", .code = 3, .description = "Not today"});
+  const std::exception& caught = error;
+  EXPECT_STREQ(caught.what(), "Not today");
+}
+
 }  // namespace
 }  // namespace tamo::platform

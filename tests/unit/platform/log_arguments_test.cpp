@@ -85,6 +85,8 @@ TEST(LogArgumentsDeathTest, AnIntThatWouldBeCutStopsTheProcess) {
   const LogLine line{.format = LogFormat::hardStop, .arguments = {std::int64_t{1} << 31U}};
   EXPECT_EQ(logLong(line, 0), std::int64_t{1} << 31U);
   EXPECT_DEATH(static_cast<void>(logInt(line, 0)), "fatal: a log argument does not fit its placeholder");
+  const LogLine low{.format = LogFormat::hardStop, .arguments = {-(std::int64_t{1} << 31U) - 1}};
+  EXPECT_DEATH(static_cast<void>(logInt(low, 0)), "fatal: a log argument does not fit its placeholder");
 }
 
 }  // namespace

@@ -62,6 +62,8 @@ TEST(LogDeathTest, ArgumentsThatDoNotFitStopTheProcess) {
   EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {"one"}})), "too few arguments");
   EXPECT_DEATH(static_cast<void>(shownText({LogFormat::receiptFailed, {"one"}})), "too many arguments");
   EXPECT_DEATH(static_cast<void>(shownText({LogFormat::hardStop, {"12", "text"}})), "does not fit");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {std::int64_t{1}, "why"}})), "does not fit");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {true, "why"}})), "does not fit");
 }
 
 }  // namespace

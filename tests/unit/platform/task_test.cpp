@@ -114,6 +114,14 @@ TEST_F(TaskTest, AMovedTaskBelongsToItsNewOwner) {
   EXPECT_EQ(second.take(), 4);
 }
 
+TEST_F(TaskTest, ATaskMovedOntoItselfIsKept) {
+  auto task = answer(3);
+  auto& same = task;
+  task = std::move(same);
+  task.start();
+  EXPECT_EQ(task.take(), 3);
+}
+
 TEST_F(TaskTest, ADeliveryAfterTheWaitResumesInALaterTurn) {
   const Completion<int> completion(queue);
   auto task = awaits(completion);

@@ -1,9 +1,11 @@
 #include "platform/stage/running_programs.hpp"
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 
+#include "platform/posix/posix_processes.hpp"
 #include "platform/stage/background_program.hpp"
 #include "temporary_stage.hpp"
 
@@ -45,6 +47,22 @@ TEST_F(RunningProgramsTest, AFileThatNoSystemCanRunIsNotStarted) {
   stage.write(program, "\x01 no program");
   fs::permissions(stage.root.host(program), fs::perms::owner_all);
   EXPECT_FALSE(start());
+}
+
+/// It runs the bundle's own executable, but says itself that it was started as something else.
+TEST_F(RunningProgramsTest, AProgramThatWasNotStartedFromInsideABundleIsNotListed) {
+  layIdleProgram();
+  ::setenv("TAMO_STAGE", stage.path.c_str(), 1);
+  platform::PosixProcesses processes;
+  for (const auto& startedAs : {std::string("/usr/bin/idle"), stage.root.host("/Applications/Idle.app/Idle"),
+                                stage.root.host("/usr/bin/idle")}) {
+    const auto idle = processes.start({.path = startedAs, .arguments = {}}, stage.root.host(program));
+    ASSERT_NE(idle, nullptr);
+    EXPECT_TRUE(idle->running());
+    EXPECT_TRUE(runningPrograms(stage.root).empty()) << startedAs;
+    idle->terminate();
+    static_cast<void>(idle->wait());
+  }
 }
 
 }  // namespace
