@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/core_main.hpp"
+#include "simulation/director.hpp"
 #include "simulation/referee.hpp"
 #include "simulation/simulated_platform.hpp"
 
@@ -85,13 +86,16 @@ void Companion::die() {
   killed_ = true;
   world.copiesDisturbed = world.copiesDisturbed || record.copies > 0;
   leave();
+  if (world.planted == Plant::ScarredData) world.files.write(dataDirectory() + "core.db.revert.pending", "");
+  if (world.director != nullptr) world.director->died(*this);
 }
 
 void Companion::leave() {
   dead_ = true;
   world.lastEnd = world.timeline.now();
   world.processes.remove(pid_);
-  if (world.lockHolder == this) world.lockHolder = nullptr;
+  const bool stale = killed_ && world.planted == Plant::StaleLock;
+  if (world.lockHolder == this && !stale) world.lockHolder = nullptr;
   std::erase_if(world.lockDescriptors, [this](const auto& entry) { return entry.second == this; });
   record.lockHeld = false;
   for (auto* strand : watchers_)
@@ -99,8 +103,21 @@ void Companion::leave() {
   if (main_ != nullptr && !onMain()) world.timeline.wake(*main_);
 }
 
-bool Companion::enterQuietly(Call call) {
+bool Companion::entered(Call call, Way way) {
+  way_ = way;
+  if (way == Way::None) return false;
+  record.struck.set(static_cast<std::size_t>(call));
+  note(nameOf(call), " fails", way == Way::Fails ? "" : ": ", way == Way::Fails ? "" : nameOf(way));
+  return true;
+}
+
+bool Companion::enterQuietly(Call call, std::string_view subject) {
+  way_ = Way::Fails;
   if (dead_ || std::uncaught_exceptions() > 0) return true;
+  if (world.director != nullptr) {
+    const auto way = world.director->called(*this, call, subject);
+    return dead_ || entered(call, way);
+  }
   if (++calls_ == plan.diesAtCall.value_or(0)) {
     die();
     return true;
@@ -113,15 +130,11 @@ bool Companion::enterQuietly(Call call) {
     if (dead_) return true;
   }
   const bool fails = mayFail(call) && world.faults.strikes(call);
-  if (fails) {
-    record.struck.set(static_cast<std::size_t>(call));
-    note(nameOf(call), " fails");
-  }
-  return fails;
+  return entered(call, fails ? Way::Fails : Way::None);
 }
 
-bool Companion::enter(Call call) {
-  const bool fails = enterQuietly(call);
+bool Companion::enter(Call call, std::string_view subject) {
+  const bool fails = enterQuietly(call, subject);
   stillThere();
   return fails;
 }

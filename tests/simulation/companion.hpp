@@ -66,9 +66,11 @@ class Companion {
   /// Entry of every call to the platform: may take time, may be where the process ends. Gives whether the
   /// call is to fail. Raises Gone for a process that has ended, except while an exception is on its way: the
   /// call then fails.
-  [[nodiscard]] bool enter(Call call);
+  [[nodiscard]] bool enter(Call call, std::string_view subject = {});
   /// The same for calls that destructors make, which must not raise.
-  [[nodiscard]] bool enterQuietly(Call call);
+  [[nodiscard]] bool enterQuietly(Call call, std::string_view subject = {});
+  /// In which way the call that was just entered fails.
+  [[nodiscard]] Way way() const { return way_; }
   /// Raises Gone when the process ended while it waited.
   void stillThere() const;
 
@@ -103,6 +105,7 @@ class Companion {
 
  private:
   void mainThread();
+  bool entered(Call call, Way way);
   void watch(std::size_t stop, const std::function<void()>& work);
   void finishLaunching(platform::ApplicationDelegate& delegate);
   void deliver(const UrlDelivery& delivery);
@@ -121,6 +124,7 @@ class Companion {
   bool dead_ = false;
   bool killed_ = false;
   std::uint64_t calls_ = 0;
+  Way way_ = Way::None;
 };
 
 }  // namespace tamo::simulation

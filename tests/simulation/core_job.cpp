@@ -34,6 +34,7 @@ CoreJob::Nature CoreJob::drawNature() {
     nature.stopsAfter = dice.between(milliseconds(2100), seconds(8));
   }
   if (dice.chance(100)) nature.diesAfterKill = dice.between(milliseconds(100), seconds(5));
+  if (coresIgnoreStops) nature.stopsAfter.reset();
   return nature;
 }
 

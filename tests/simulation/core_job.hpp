@@ -33,6 +33,8 @@ class CoreJob {
   std::size_t definition = 0;
   /// Whether a registration waits for the user's approval.
   bool approvalWithheld = false;
+  /// Whether no Core stops by itself when it is asked to.
+  bool coresIgnoreStops = false;
 
   using Reply = std::function<void(std::int32_t status)>;
   using Unregistered = std::function<void(std::optional<platform::Error>)>;

@@ -6,11 +6,18 @@ namespace {
 #define TAMO_CALL_TEXT(name) #name,
 constexpr std::array<std::string_view, callCount> names{TAMO_SIMULATED_CALLS(TAMO_CALL_TEXT)};
 #undef TAMO_CALL_TEXT
+#define TAMO_WAY_TEXT(name) #name,
+constexpr std::array wayNames{TAMO_WAYS(TAMO_WAY_TEXT)};
+#undef TAMO_WAY_TEXT
 
 }  // namespace
 
 std::string_view nameOf(Call call) {
   return names[static_cast<std::size_t>(call)];
+}
+
+std::string_view nameOf(Way way) {
+  return wayNames.at(static_cast<std::size_t>(way));
 }
 
 Faults::Faults(Dice& dice) : dice_(dice) {
@@ -22,7 +29,7 @@ Faults::Faults(Dice& dice) : dice_(dice) {
   toolsInThousand_ = dice.oneOf(toolRates);
   oversleeps_ = dice.chance(250);
   picks_ = dice.chance(200);
-  if (picks_) picked_ = static_cast<Call>(dice.below(callCount));
+  if (picks_) picked_ = static_cast<Call>(dice.below(drawnCalls));
 }
 
 bool Faults::strikes(Call call) {
@@ -39,10 +46,9 @@ Time Faults::oversleep() {
   return oversleeps_ ? dice_.between(Time(0), std::chrono::milliseconds(2)) : Time(0);
 }
 
-ToolTrouble Faults::toolTrouble() {
-  if (toolsInThousand_ == 0 || !dice_.chance(toolsInThousand_)) return ToolTrouble::None;
-  constexpr std::array troubles{ToolTrouble::Slow,    ToolTrouble::Hangs,     ToolTrouble::Fails,
-                                ToolTrouble::Garbage, ToolTrouble::Signalled, ToolTrouble::Fails};
+Way Faults::toolTrouble() {
+  if (toolsInThousand_ == 0 || !dice_.chance(toolsInThousand_)) return Way::None;
+  constexpr std::array troubles{Way::Slow, Way::Hangs, Way::Exits, Way::Garbage, Way::Signalled, Way::Exits};
   return dice_.oneOf(troubles);
 }
 

@@ -44,7 +44,8 @@ namespace tamo::simulation {
   CALL(passwordEntry)              \
   CALL(sleep)                      \
   CALL(accepts)                    \
-  CALL(log)
+  CALL(log)                        \
+  CALL(temporaryDirectory)
 
 #define TAMO_CALL_NAME(name) name,
 enum class Call : std::size_t { TAMO_SIMULATED_CALLS(TAMO_CALL_NAME) };
@@ -52,9 +53,38 @@ enum class Call : std::size_t { TAMO_SIMULATED_CALLS(TAMO_CALL_NAME) };
 #define TAMO_CALL_ONE(name) +1
 inline constexpr std::size_t callCount = 0 TAMO_SIMULATED_CALLS(TAMO_CALL_ONE);
 #undef TAMO_CALL_ONE
+/// The calls that chance makes fail: all but the last, whose failure stops the process when the lock asks.
+inline constexpr std::size_t drawnCalls = callCount - 1;
 [[nodiscard]] std::string_view nameOf(Call call);
 
-enum class ToolTrouble { None, Slow, Hangs, Fails, Garbage, Signalled };
+/// In which way a call fails, or a tool misbehaves.
+#define TAMO_WAYS(WAY)                                              \
+  WAY(None)                                                         \
+  WAY(Fails)   /* plainly: false, absent, an error, not started */  \
+  WAY(Late)    /* with an error after more than the grace period */ \
+  WAY(Empty)   /* bytes are missing, all of them */                 \
+  WAY(Torn)    /* the second half is missing */                     \
+  WAY(Garbage) /* other bytes */                                    \
+  WAY(Binary)  /* bytes that are no text */                         \
+  WAY(Zero)    /* a status: not registered */                       \
+  WAY(Two)     /* a status: requires approval */                    \
+  WAY(Three)   /* a status: not found */                            \
+  WAY(Slow)                                                         \
+  WAY(Hangs)                                                        \
+  WAY(Exits)     /* with 1, having done nothing */                  \
+  WAY(NotLoaded) /* exits with 113 */                               \
+  WAY(Signalled)                                                    \
+  WAY(Idle) /* exits with 0, having done nothing */                 \
+  WAY(Part) /* leaves a part of a copy */                           \
+  WAY(Cancelled)
+
+#define TAMO_WAY_NAME(name) name,
+enum class Way : std::size_t { TAMO_WAYS(TAMO_WAY_NAME) };
+#undef TAMO_WAY_NAME
+#define TAMO_WAY_ONE(name) +1
+inline constexpr std::size_t wayCount = 0 TAMO_WAYS(TAMO_WAY_ONE);
+#undef TAMO_WAY_ONE
+[[nodiscard]] std::string_view nameOf(Way way);
 
 /// What goes wrong in a run, and how often. Most runs have no faults or few: a run in which everything fails
 /// gets nowhere.
@@ -68,7 +98,7 @@ class Faults {
   [[nodiscard]] Time slowness();
   /// How much longer than asked a sleep takes; 0 in most runs.
   [[nodiscard]] Time oversleep();
-  [[nodiscard]] ToolTrouble toolTrouble();
+  [[nodiscard]] Way toolTrouble();
 
  private:
   Dice& dice_;

@@ -40,6 +40,10 @@ enum class Plant {
   LostUrl,
   PrintFileLeft,
   Unrepeatable,
+  StaleLock,
+  TornWrites,
+  StrayFiles,
+  ScarredData,
 };
 
 }  // namespace tamo::simulation

@@ -91,6 +91,7 @@ struct Record {
   // The lock.
   bool lockAsked = false;
   std::optional<Time> lockFirstTried;
+  int lockTries = 0;
   Time lockSlowBefore{0};
   bool lockHeld = false;
   bool lockHeldOnce = false;

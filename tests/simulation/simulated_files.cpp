@@ -43,6 +43,15 @@ void noteMarker(Record& record, const Companion& companion) {
   if (!companion.onMain() && !record.stops.empty()) record.stops.back().markerTold = true;
 }
 
+/// What a reader gets of a file that is not read as it is. No property list survives any of it.
+std::optional<std::string> damaged(const std::string& bytes, Way way) {
+  if (way == Way::Empty) return "";
+  if (way == Way::Torn) return bytes.substr(0, bytes.size() / 2);
+  if (way == Way::Garbage) return "{\n}\n";
+  if (way == Way::Binary) return "\xff\xfe\x80";
+  return std::nullopt;
+}
+
 std::string planted(Plant plant, std::string bytes) {
   const auto replaced = [&bytes](std::string_view from, std::string_view to) {
     const auto at = bytes.find(from);
@@ -53,10 +62,16 @@ std::string planted(Plant plant, std::string bytes) {
   return bytes;
 }
 
+/// A write that is in two steps, so that a death between them shows.
+void plantBeforeWriting(World& world, const std::string& path, const std::string& bytes) {
+  if (world.planted == Plant::TornWrites) world.files.write(path, bytes.substr(0, bytes.size() / 2));
+  if (world.planted == Plant::StrayFiles) world.files.write(path + ".part", bytes);
+}
+
 }  // namespace
 
 bool SimulatedFiles::exists(const std::string& path) const {
-  const bool fails = companion_.enter(Call::exists);
+  const bool fails = companion_.enter(Call::exists, path);
   const bool there = !fails && companion_.world.files.exists(path);
   if (path == Places::installed) companion_.record.destinationExists = there;
   if (isMarker(path) && companion_.world.planted == Plant::DeafToMarkers) return false;
@@ -66,16 +81,19 @@ bool SimulatedFiles::exists(const std::string& path) const {
 }
 
 std::optional<std::string> SimulatedFiles::readWhole(const std::string& path) const {
-  const bool fails = companion_.enter(Call::readWhole);
-  const auto* bytes = fails ? nullptr : companion_.world.files.read(path);
+  const bool fails = companion_.enter(Call::readWhole, path);
+  const auto way = companion_.way();
+  const auto* there = companion_.world.files.read(path);
+  const auto* bytes = fails ? nullptr : there;
   tellInfo(companion_, path, bytes);
   companion_.note("reads ", path, ": ", bytes != nullptr);
+  if (there != nullptr && fails) return damaged(*there, way);
   if (bytes == nullptr) return std::nullopt;
   return *bytes;
 }
 
 std::string SimulatedFiles::resolvedPath(const std::string& path) const {
-  if (companion_.enter(Call::resolvedPath)) return path;
+  if (companion_.enter(Call::resolvedPath, path)) return path;
   return companion_.world.files.resolved(path);
 }
 
@@ -86,16 +104,18 @@ bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view b
   const auto written = planted(companion_.world.planted, std::string(bytes));
   if (receipt) Referee::writesReceipt(companion_, path, written);
   if (path.ends_with("/move-to-applications.json")) Referee::recordsMove(companion_, written);
-  const bool fails = companion_.enter(Call::writeAtomically);
+  plantBeforeWriting(companion_.world, path, written);
+  const bool fails = companion_.enter(Call::writeAtomically, path);
   if (receipt) companion_.record.receiptDenied = record.receiptDenied || fails;
   companion_.note("writes ", path, ": ", !fails);
   if (path.contains("tamo-core-print-")) companion_.record.printed = true;
   if (!fails) companion_.world.files.write(path, written);
+  if (companion_.world.planted == Plant::StrayFiles) companion_.world.files.remove(path + ".part");
   return !fails;
 }
 
 bool SimulatedFiles::createDirectories(const std::string& path) {
-  const bool fails = companion_.enter(Call::createDirectories);
+  const bool fails = companion_.enter(Call::createDirectories, path);
   if (fails && path.contains("/TamoPKG1/")) companion_.record.receiptDenied = true;
   if (!fails) companion_.world.files.createFolder(path);
   return !fails;
@@ -105,7 +125,7 @@ bool SimulatedFiles::remove(const std::string& path) {
   auto& world = companion_.world;
   const bool print = path.contains("tamo-core-print-");
   if (print && world.planted == Plant::PrintFileLeft) return true;
-  if (companion_.enterQuietly(Call::remove)) {
+  if (companion_.enterQuietly(Call::remove, path)) {
     if (!print) world.copiesDisturbed = true;
     return false;
   }
@@ -118,25 +138,26 @@ bool SimulatedFiles::remove(const std::string& path) {
 
 std::unique_ptr<platform::OutputFile> SimulatedFiles::openForWriting(const std::string& path) {
   auto& world = companion_.world;
-  if (companion_.enter(Call::openForWriting) || world.files.read(path) == nullptr) return nullptr;
+  if (companion_.enter(Call::openForWriting, path) || world.files.read(path) == nullptr) return nullptr;
   const int descriptor = world.nextDescriptor++;
   world.descriptors[descriptor] = path;
   return std::make_unique<Output>(world, descriptor);
 }
 
 std::optional<std::string> SimulatedFiles::temporaryDirectory() const {
+  if (companion_.world.director != nullptr && companion_.enter(Call::temporaryDirectory)) return std::nullopt;
   return std::string(Places::temporary);
 }
 
 bool SimulatedUserFiles::isWritable(const std::string& path) const {
-  if (companion_.enter(Call::isWritable)) return false;
+  if (companion_.enter(Call::isWritable, path)) return false;
   return path == "/Applications" ? companion_.world.applicationsWritable
                                  : companion_.world.files.exists(path);
 }
 
 bool SimulatedUserFiles::moveToTrash(const std::string& path) {
   auto& world = companion_.world;
-  if (companion_.enter(Call::moveToTrash)) return false;
+  if (companion_.enter(Call::moveToTrash, path)) return false;
   Referee::acts(companion_, "trash");
   if (!world.files.exists(path)) return false;
   const auto place = std::string(Places::trash) + std::to_string(++world.trashedItems) + ".app";
@@ -168,6 +189,7 @@ bool SimulatedLockFiles::tryLock(int descriptor) {
   auto& world = companion_.world;
   auto& record = companion_.record;
   const bool fails = companion_.enter(Call::tryLock);
+  ++record.lockTries;
   if (!record.lockFirstTried) {
     record.lockFirstTried = world.timeline.now();
     record.lockSlowBefore = record.slow;
@@ -210,7 +232,7 @@ std::optional<platform::PasswordEntry> SimulatedUser::passwordEntry() const {
 }
 
 bool SimulatedLocalSockets::accepts(const std::string& path) {
-  if (companion_.enter(Call::accepts)) return false;
+  if (companion_.enter(Call::accepts, path)) return false;
   const bool right = path.starts_with(companion_.dataDirectory());
   return right && companion_.world.job.coreListens();
 }

@@ -19,6 +19,13 @@ bool kills(const platform::ToolLaunch& kickstart) {
   return kickstart.arguments[1] == "-k";
 }
 
+/// What is asked of a tool, in a word.
+std::string_view workOf(const platform::ToolLaunch& launch) {
+  const std::string_view path(launch.path);
+  const auto name = path.substr(path.rfind('/') + 1);
+  return name == "launchctl" ? std::string_view(launch.arguments.front()) : name;
+}
+
 /// A tool as the companion that started it holds it.
 class HeldTool final : public platform::Tool {
  public:
@@ -44,9 +51,9 @@ class HeldTool final : public platform::Tool {
   }
 
   [[nodiscard]] std::string readErrors(std::size_t limit) override {
-    static_cast<void>(companion_.enter(Call::toolErrors));
+    const bool unread = companion_.enter(Call::toolErrors, workOf(tool_->launch));
     waitForEnd();
-    return tool_->errors.substr(0, limit);
+    return unread ? "" : tool_->errors.substr(0, limit);
   }
 
  private:
@@ -89,7 +96,9 @@ platform::ProcessInfo infoOf(const Process& process) {
 
 std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLaunch& launch) {
   auto& record = companion_.record;
-  const bool fails = companion_.enter(Call::startTool);
+  static_cast<void>(companion_.enter(Call::startTool, workOf(launch)));
+  const auto way = companion_.way();
+  const bool fails = way == Way::Fails;
   companion_.note("starts ", launch.path, " ", launch.arguments.front(), ": ", !fails);
   const bool kickstarts = isKickstart(launch);
   if (kickstarts) Referee::acts(companion_, kills(launch) ? "kickstart -k" : "kickstart");
@@ -100,7 +109,8 @@ std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLa
   if (launch.path == "/bin/launchctl") ++record.launchctls;
   if (kickstarts) ++record.kickstarts;
   if (!fails) {
-    auto tool = ToolBench::start(companion_.world, launch);
+    auto& world = companion_.world;
+    auto tool = ToolBench::start(world, launch, way == Way::None ? world.faults.toolTrouble() : way);
     return std::make_unique<HeldTool>(companion_, std::move(tool));
   }
   if (kickstarts) {
@@ -112,7 +122,7 @@ std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLa
 
 std::optional<platform::ProcessInfo> SimulatedKernelProcesses::info(std::int32_t pid) const {
   auto& world = companion_.world;
-  const bool fails = companion_.enter(Call::processInfo);
+  const bool fails = companion_.enter(Call::processInfo, pid == companion_.pid() ? "own" : "core");
   const auto* process = fails ? nullptr : world.processes.find(pid);
   auto told = process == nullptr ? std::nullopt : std::optional(infoOf(*process));
   Referee::looked(companion_, pid, told);

@@ -12,6 +12,12 @@ using platform::Error;
 using platform::LogFormat;
 using std::chrono::milliseconds;
 
+std::optional<std::int64_t> toldInstead(Way way) {
+  if (way == Way::Zero) return 0;
+  if (way == Way::Two) return 2;
+  return way == Way::Three ? std::optional(std::int64_t{3}) : std::nullopt;
+}
+
 /// The agent as service management shows it to one companion.
 class Agent final : public platform::AgentService {
  public:
@@ -19,7 +25,7 @@ class Agent final : public platform::AgentService {
 
   [[nodiscard]] std::int64_t status() override {
     static_cast<void>(companion_.enter(Call::agentStatus));
-    auto told = companion_.world.job.status;
+    auto told = toldInstead(companion_.way()).value_or(companion_.world.job.status);
     companion_.record.statuses.push_back(told);
     companion_.note("is told status ", told);
     const auto planted = companion_.world.planted;
@@ -45,6 +51,7 @@ class Agent final : public platform::AgentService {
     auto& record = companion_.record;
     if (companion_.world.planted == Plant::LostDeed) return completion(std::nullopt);
     const bool fails = companion_.enter(Call::unregisterAgent);
+    const bool afterGrace = companion_.way() == Way::Late;
     Referee::acts(companion_, "unregister");
     ++record.unregistrations;
     companion_.note("unregisters the agent");
@@ -54,8 +61,9 @@ class Agent final : public platform::AgentService {
     auto& world = companion_.world;
     const auto delay = world.dice.between(Time(0), milliseconds(30));
     if (fails) {
-      const auto late =
-          world.dice.chance(300) ? world.dice.between(milliseconds(1800), milliseconds(2200)) : delay;
+      const auto late = afterGrace               ? milliseconds(2100)
+                        : world.dice.chance(300) ? world.dice.between(milliseconds(1800), milliseconds(2200))
+                                                 : delay;
       world.timeline.after(late,
                            [answers] { answers(Error("SMAppServiceErrorDomain", 2, "Internal failure")); });
     } else {

@@ -59,7 +59,8 @@ void count(Report& report, const Companion& companion) {
   if (record.slow > Time(0)) ++report.met["companions with slow calls"];
 }
 
-/// Ends what still runs, so that every stack is unwound.
+}  // namespace
+
 void endAll(World& world) {
   world.timeline.clear();
   for (const auto& companion : world.companions)
@@ -68,10 +69,8 @@ void endAll(World& world) {
   world.timeline.clear();
 }
 
-}  // namespace
-
 Report Simulator::run(std::uint64_t seed, const RunOptions& options) {
-  World world(timeline_, seed, options.plant, options.traced);
+  World world(timeline_, Dice(seed), options.plant, options.traced);
   timeline_.begin(world.dice);
   furnish(world);
   const bool inTime = timeline_.runUntilIdle(mostEvents);

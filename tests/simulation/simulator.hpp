@@ -11,6 +11,8 @@
 
 namespace tamo::simulation {
 
+struct World;
+
 struct RunOptions {
   Plant plant = Plant::None;
   bool traced = false;
@@ -37,5 +39,8 @@ class Simulator {
  private:
   Timeline timeline_;
 };
+
+/// Ends what still runs, so that every stack is unwound. The last thing that is done with a world.
+void endAll(World& world);
 
 }  // namespace tamo::simulation

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include "platform/fatal.hpp"
 #include "simulation/job_texts.hpp"
 #include "simulation/referee.hpp"
 
@@ -12,6 +13,8 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using Tool = std::shared_ptr<RunningTool>;
+
+constexpr const char* closedPrompt = "execution error: User canceled. (-128)\n";
 
 void end(World& world, const Tool& tool, std::int32_t status) {
   if (tool->done) return;
@@ -44,6 +47,7 @@ void launchctl(World& world, const Tool& tool) {
 
 /// The program's file comes last, so that a copy is whole only at the end.
 void copyWhole(World& world, const Tool& tool, const std::string& from, const std::string& to) {
+  if (tool->done) return;
   const bool whole = world.isWhole(from);
   world.files.copy(from, to);
   if (world.planted == Plant::HalfCopy) world.files.remove(to + "/Contents/MacOS/Tamo");
@@ -56,12 +60,11 @@ void copyPart(World& world, const std::string& from, const std::string& to) {
   if (const auto* bytes = world.files.read(from + list)) world.files.write(to + list, *bytes);
 }
 
-/// The tool either copies in two steps, or fails with or without a part of the copy left behind.
-void copyBundle(World& world, const Tool& tool, const std::string& from, const std::string& to, bool fails) {
+void copyInSteps(World& world, const Tool& tool, const std::string& from, const std::string& to, bool fails) {
   auto& dice = world.dice;
-  if (fails && dice.chance(500)) return end(world, tool, 1);
-  world.timeline.after(dice.between(Time(0), milliseconds(50)),
-                       [&world, from, to] { copyPart(world, from, to); });
+  world.timeline.after(dice.between(Time(0), milliseconds(50)), [&world, tool, from, to] {
+    if (!tool->done) copyPart(world, from, to);
+  });
   world.timeline.after(dice.between(milliseconds(50), seconds(3)), [&world, tool, from, to, fails] {
     if (fails) {
       end(world, tool, 1);
@@ -69,6 +72,12 @@ void copyBundle(World& world, const Tool& tool, const std::string& from, const s
       copyWhole(world, tool, from, to);
     }
   });
+}
+
+/// The tool either copies in two steps, or fails with or without a part of the copy left behind.
+void copyBundle(World& world, const Tool& tool, const std::string& from, const std::string& to, bool fails) {
+  if (fails && world.dice.chance(500)) return end(world, tool, 1);
+  copyInSteps(world, tool, from, to, fails);
 }
 
 void ditto(World& world, const Tool& tool) {
@@ -80,9 +89,9 @@ void ditto(World& world, const Tool& tool) {
 /// The administrator's prompt: closed, refused, or answered and then a copy.
 void osascript(World& world, const Tool& tool) {
   auto& dice = world.dice;
-  const auto answer = dice.below(3);
+  const auto answer = world.administrator ? *world.administrator : dice.below(3);
   world.timeline.after(dice.between(milliseconds(500), seconds(20)), [&world, tool, answer] {
-    if (answer == 0) tool->errors = "execution error: User canceled. (-128)\n";
+    if (answer == 0) tool->errors = closedPrompt;
     if (answer <= 1) return end(world, tool, 1);
     const auto& arguments = tool->launch.arguments;
     copyBundle(world, tool, arguments[arguments.size() - 2], arguments.back(), world.dice.chance(100));
@@ -120,42 +129,83 @@ void printGarbage(World& world, const Tool& tool) {
   failAfter(world, tool, 0);
 }
 
+/// An answer of which only the first half was written.
+void printTorn(World& world, const Tool& tool) {
+  const auto whole = jobPrint(world.job.definition, world.job.corePid());
+  print(world, tool, whole.substr(0, whole.size() / 2));
+  failAfter(world, tool, 0);
+}
+
+/// What only a tool that copies can do wrong.
+void failInPart(World& world, const Tool& tool, Way trouble) {
+  const auto& arguments = tool->launch.arguments;
+  if (trouble == Way::Cancelled) tool->errors = closedPrompt;
+  if (trouble == Way::Cancelled) return failAfter(world, tool, 1);
+  copyInSteps(world, tool, arguments[arguments.size() - 2], arguments.back(), true);
+}
+
 /// Only launchctl has a time limit, so only launchctl may hang. And only it may say that all is well when it
 /// has done nothing: a copy that was not made could not be told from one that was.
-void begin(World& world, const Tool& tool) {
+void begin(World& world, const Tool& tool, Way trouble) {
   constexpr std::array<std::int32_t, 6> codes{1, 3, 5, 37, 112, 113};
   constexpr std::array<std::int32_t, 3> signals{6, 9, 15};
   auto& dice = world.dice;
-  const auto trouble = world.faults.toolTrouble();
-  const bool onlyLaunchctl = trouble == ToolTrouble::Garbage || trouble == ToolTrouble::Hangs;
-  switch (onlyLaunchctl && tool->launch.path != "/bin/launchctl" ? ToolTrouble::None : trouble) {
-    case ToolTrouble::Slow:
+  const bool onlyLaunchctl = trouble == Way::Garbage || trouble == Way::Hangs;
+  switch (onlyLaunchctl && tool->launch.path != "/bin/launchctl" ? Way::None : trouble) {
+    case Way::Slow:
       return workAfter(world, tool, dice.between(milliseconds(100), seconds(7)));
-    case ToolTrouble::Fails:
+    case Way::Exits:
       return failAfter(world, tool, dice.oneOf(codes));
-    case ToolTrouble::Signalled:
+    case Way::Signalled:
       return failAfter(world, tool, dice.oneOf(signals));
-    case ToolTrouble::Garbage:
+    case Way::Garbage:
       return printGarbage(world, tool);
-    case ToolTrouble::Hangs:
+    case Way::Binary:
+      print(world, tool, "\xff\xfe pid = 100 \x80\n");
+      return failAfter(world, tool, 0);
+    case Way::Torn:
+      return printTorn(world, tool);
+    case Way::Empty:
+    case Way::Idle:
+      return failAfter(world, tool, 0);
+    case Way::NotLoaded:
+      return failAfter(world, tool, 113);
+    case Way::Late:
+      tool->deaf = true;
+      return workAfter(world, tool, seconds(7));
+    case Way::Part:
+    case Way::Cancelled:
+      return failInPart(world, tool, trouble);
+    case Way::Hangs:
       return;
-    case ToolTrouble::None:
+    case Way::None:
       return workAfter(world, tool, dice.between(milliseconds(1), milliseconds(30)));
+    default:
+      platform::fatal("no tool fails so");
   }
 }
 
 }  // namespace
 
-std::shared_ptr<RunningTool> start(World& world, const platform::ToolLaunch& launch) {
+std::shared_ptr<RunningTool> start(World& world, const platform::ToolLaunch& launch, Way trouble) {
   auto tool = std::make_shared<RunningTool>();
   tool->launch = launch;
   tool->started = world.timeline.now();
-  begin(world, tool);
+  world.tools.push_back(tool);
+  begin(world, tool, trouble);
   return tool;
 }
 
+void killAll(World& world) {
+  for (const auto& started : world.tools) {
+    const auto tool = started.lock();
+    if (tool) end(world, tool, 9);
+  }
+  world.tools.clear();
+}
+
 void terminate(World& world, const std::shared_ptr<RunningTool>& tool) {
-  if (!world.dice.chance(800)) return;
+  if (tool->deaf || !world.dice.chance(800)) return;
   world.timeline.after(world.dice.between(Time(0), milliseconds(50)),
                        [&world, tool] { end(world, tool, 15); });
 }

@@ -17,10 +17,10 @@ std::string joined(std::string_view left, std::string_view middle, std::string_v
 
 }  // namespace
 
-World::World(Timeline& time, std::uint64_t seed, Plant plant, bool traced)
+World::World(Timeline& time, const Dice& thrown, Plant plant, bool traced)
     : timeline(time),
       planted(plant),
-      dice(seed),
+      dice(thrown),
       trace(traced),
       verdict(trace),
       faults(dice),

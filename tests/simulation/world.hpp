@@ -20,6 +20,8 @@
 namespace tamo::simulation {
 
 class Companion;
+class Director;
+struct RunningTool;
 
 /// Where things are on the played Mac.
 namespace Places {
@@ -46,7 +48,7 @@ struct RunningApp {
 
 /// Everything outside the companions: the played Mac of one run, and what the run is judged by.
 struct World {
-  World(Timeline& time, std::uint64_t seed, Plant plant, bool traced);
+  World(Timeline& time, const Dice& thrown, Plant plant, bool traced);
   World(const World&) = delete;
   World& operator=(const World&) = delete;
   ~World();
@@ -57,6 +59,8 @@ struct World {
   Trace trace;
   Verdict verdict;
   Faults faults;
+  /// Null when chance says what fails.
+  Director* director = nullptr;
   ProcessTable processes;
   CoreJob job;
   FileTree files;
@@ -66,6 +70,10 @@ struct World {
   /// Where a translocated copy comes from; absent when the system cannot tell.
   std::optional<std::string> original;
   bool applicationsWritable = true;
+  /// How the administrator's prompt is answered: 0 closed, 1 refused, 2 allowed. Absent when chance says so.
+  std::optional<std::uint64_t> administrator;
+  /// Every tool that was started.
+  std::vector<std::weak_ptr<RunningTool>> tools;
   /// Files that tools may write to, by descriptor.
   std::map<int, std::string> descriptors;
   int nextDescriptor = 10;

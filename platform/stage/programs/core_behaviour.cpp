@@ -49,8 +49,10 @@ bool readChildren(CoreBehaviour& behaviour, std::string_view value) {
   const auto count = countIn(parts[0]);
   behaviour.children = count.value_or(0);
   behaviour.childrenLeave = parts.size() == 2 && parts[1] == "leave";
+  behaviour.childrenAreOrphans = parts.size() == 2 && parts[1] == "orphan";
+  const bool plain = parts.size() == 1;
   // Enough for any rehearsal, and no slip of the finger fills the machine.
-  return count && *count <= 64 && (parts.size() == 1 || behaviour.childrenLeave);
+  return count && *count <= 64 && (plain || behaviour.childrenLeave || behaviour.childrenAreOrphans);
 }
 
 bool readGroup(CoreBehaviour& behaviour, std::string_view value) {

@@ -12,7 +12,9 @@
 ///   term=ignore            goes on
 ///   term=late:MS           exits that many milliseconds after the first SIGTERM
 ///   term=revert:MS         the same, and keeps the marker of a pending revert in the data directory
-///   meanwhile children=N[:leave]     forks N helpers into its group, or out into groups of their own
+///                          meanwhile
+///   children=N[:leave|forks|:orphan]   forks N helpers into its group, or out into groups of their
+///   own, or into its group as orphans: what forked them is gone, and launchd is their parent
 ///   group=own|parent       leads its group, or joins its parent's
 ///   stops-itself           stops (SIGSTOP) once it is up
 ///   dies-after:MS[:CODE]   exits by itself, with 1 or the code
@@ -30,6 +32,7 @@ struct CoreBehaviour {
   std::chrono::milliseconds termDelay{0};
   int children = 0;
   bool childrenLeave = false;
+  bool childrenAreOrphans = false;
   bool leadsGroup = true;
   bool stopsItself = false;
   std::optional<std::chrono::milliseconds> diesAfter;

@@ -6,6 +6,7 @@
 #include <string>
 #include <sys/signalfd.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -75,10 +76,18 @@ class Core {
   void addHelper() {
     const auto pid = ::fork();
     if (pid < 0) platform::fatal("the Core could not fork");
+    if (pid == 0 && behaviour_.childrenAreOrphans && ::fork() != 0) ::_exit(0);
     if (pid == 0) help(root_, behaviour_);
+    if (behaviour_.childrenAreOrphans) return orphaned(pid);
     // Both sides name the group, so that it is settled whoever runs first.
     if (behaviour_.childrenLeave) ::setpgid(pid, pid);
     say("has the helper " + std::to_string(pid));
+  }
+
+  /// The helper is the child of the child, which goes at once.
+  static void orphaned(pid_t between) {
+    platform::uninterrupted([&] { return ::waitpid(between, nullptr, 0); });
+    say("has an orphan in its group");
   }
 
   void turn() {

@@ -81,13 +81,15 @@ int set(StageArguments& arguments) {
 std::vector<StageCommand> steeringCommands() {
   return {{"core", "R WORD…",
            "how the Core behaves from its next start on: term=obey|ignore|late:MS|revert:MS\n"
-           "children=N[:leave] group=own|parent stops-itself dies-after:MS[:CODE]\n"
+           "children=N[:leave|:orphan] group=own|parent stops-itself dies-after:MS[:CODE]\n"
            "sockets=both|core|talk|none starts-slowly:MS; no word: as usual",
            core},
           {"approval", "R granted|withheld", "the user's word on login items", approval},
           {"order", "R register|unregister|open DOMAIN CODE TEXT", "an error for the next one", order},
           {"tool", "R launchctl|ditto|xattr|osascript [--on VERB] FAULT",
-           "hang | fail N | slow MS | flood BYTES | lie FILE [N] | die SIGNAL | cut BYTES | real", tool},
+           "hang [hard] | hold MS | fail N | slow MS | flood BYTES | lie FILE [N] | die SIGNAL | cut BYTES | "
+           "real",
+           tool},
           {"set", "R NAME [VALUE]", "set a setting, or clear it", set}};
 }
 

@@ -1,5 +1,6 @@
 #include "platform/stage/programs/tool_fault.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -43,20 +44,31 @@ struct Overloaded : Cases... {
   using Cases::operator()...;
 };
 
-void hang(const StageRoot& root) {
+void hang(const StageRoot& root, const Hang& fault) {
+  if (fault.hard) ::signal(SIGTERM, SIG_IGN);
   const StagePresence presence(root.directory());
   while (presence.isThere())
     std::this_thread::sleep_for(std::chrono::seconds(1));
 }
 
+/// The child outlives the tool, and whoever reads to the end of its outputs waits for the child.
+void hold(std::chrono::milliseconds time) {
+  if (::fork() != 0) return;
+  std::this_thread::sleep_for(time);
+  ::_exit(0);
+}
+
+/// In portions, so that the flood takes no memory of its own.
 void flood(int descriptor, std::int32_t bytes) {
-  const std::string line(63, '~');
-  std::string text;
-  while (text.size() < static_cast<std::size_t>(bytes))
-    text += line + "\n";
-  text.resize(static_cast<std::size_t>(bytes));
-  // A reader that goes away is part of what is rehearsed.
-  static_cast<void>(platform::writeAll(descriptor, text));
+  std::string portion;
+  while (portion.size() < 65536)
+    portion += std::string(63, '~') + "\n";
+  for (auto left = static_cast<std::size_t>(bytes); left > 0;) {
+    const auto size = std::min(left, portion.size());
+    // A reader that goes away is part of what is rehearsed.
+    if (!platform::writeAll(descriptor, std::string_view(portion).substr(0, size))) return;
+    left -= size;
+  }
 }
 
 /// Programs that this one turns into are cut as well.
@@ -78,10 +90,11 @@ int lie(const StageRoot& root, const Lie& fault) {
 std::optional<ToolFault> toolFault(std::string_view text) {
   auto rest = text;
   const auto kind = takeWord(rest);
-  if (kind == "hang") return rest.empty() ? std::optional<ToolFault>(Hang{}) : std::nullopt;
+  if (kind == "hang" && (rest.empty() || rest == "hard")) return Hang{.hard = !rest.empty()};
   if (kind == "lie") return lieOf(rest);
   const auto number = platform::decimalInt32(rest);
   if (!number || *number < 0) return std::nullopt;
+  if (kind == "hold") return Hold{.milliseconds = *number};
   if (kind == "fail") return Fail{.status = *number};
   if (kind == "slow") return Slow{.milliseconds = *number};
   if (kind == "flood") return Flood{.bytes = *number};
@@ -120,9 +133,13 @@ std::string actingUser() {
 std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, const std::string& verb) {
   const auto fault = toolFaultFor(root.setting("tool-" + tool, ""), verb);
   if (!fault) return std::nullopt;
-  const Overloaded suffer = {[&](const Hang&) -> std::optional<int> {
-                               hang(root);
+  const Overloaded suffer = {[&](const Hang& ordered) -> std::optional<int> {
+                               hang(root, ordered);
                                return 1;
+                             },
+                             [](const Hold& ordered) -> std::optional<int> {
+                               hold(std::chrono::milliseconds(ordered.milliseconds));
+                               return std::nullopt;
                              },
                              [](const Fail& ordered) -> std::optional<int> { return ordered.status; },
                              [](const Slow& ordered) -> std::optional<int> {

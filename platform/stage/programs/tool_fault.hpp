@@ -11,7 +11,9 @@
 /// Faults that a tool of the stage can be told to have, by the setting "tool-NAME". One line a fault: the
 /// verb it is for, or "*" for any, then
 ///
-///   hang                 never ends by itself
+///   hang [hard]          never ends by itself, and with "hard" minds no SIGTERM either
+///   hold MS              leaves a child that keeps both outputs open for that many milliseconds, then does
+///                        its work
 ///   fail STATUS          does nothing and exits with the status
 ///   slow MS              does its work after that many milliseconds
 ///   flood BYTES          writes that many bytes to both outputs, then does its work
@@ -24,7 +26,12 @@
 /// A line for the verb comes before a line for any. A line that is none of these is no fault.
 namespace tamo::stage {
 
-struct Hang {};
+struct Hang {
+  bool hard = false;
+};
+struct Hold {
+  std::int32_t milliseconds = 0;
+};
 struct Fail {
   std::int32_t status = 0;
 };
@@ -44,7 +51,7 @@ struct Die {
 struct Cut {
   std::int32_t bytes = 0;
 };
-using ToolFault = std::variant<Hang, Fail, Slow, Flood, Lie, Die, Cut>;
+using ToolFault = std::variant<Hang, Hold, Fail, Slow, Flood, Lie, Die, Cut>;
 
 /// One fault without its verb: "slow 200". A file's name may hold spaces; a number at the end is the status.
 [[nodiscard]] std::optional<ToolFault> toolFault(std::string_view text);

@@ -25,10 +25,13 @@ TEST(CoreBehaviourTest, EachWayToMindSigtermIsRead) {
   EXPECT_EQ(coreBehaviour("term=revert:20")->termDelay, 20ms);
 }
 
-TEST(CoreBehaviourTest, HelpersStayOrLeave) {
+TEST(CoreBehaviourTest, HelpersStayLeaveOrAreOrphans) {
   EXPECT_EQ(coreBehaviour("children=2")->children, 2);
   EXPECT_FALSE(coreBehaviour("children=2")->childrenLeave);
   EXPECT_TRUE(coreBehaviour("children=3:leave")->childrenLeave);
+  EXPECT_FALSE(coreBehaviour("children=3:leave")->childrenAreOrphans);
+  EXPECT_TRUE(coreBehaviour("children=2:orphan")->childrenAreOrphans);
+  EXPECT_FALSE(coreBehaviour("children=2:orphan")->childrenLeave);
 }
 
 TEST(CoreBehaviourTest, TheSocketsAreChosen) {

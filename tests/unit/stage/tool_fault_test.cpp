@@ -1,7 +1,10 @@
 #include "platform/stage/programs/tool_fault.hpp"
 
+#include <array>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "temporary_stage.hpp"
 
@@ -10,6 +13,9 @@ namespace {
 
 TEST(ToolFaultTest, EachKindIsRead) {
   EXPECT_TRUE(std::holds_alternative<Hang>(*toolFault("hang")));
+  EXPECT_FALSE(std::get<Hang>(*toolFault("hang")).hard);
+  EXPECT_TRUE(std::get<Hang>(*toolFault("hang hard")).hard);
+  EXPECT_EQ(std::get<Hold>(*toolFault("hold 1500")).milliseconds, 1500);
   EXPECT_EQ(std::get<Fail>(*toolFault("fail 113")).status, 113);
   EXPECT_EQ(std::get<Slow>(*toolFault("slow 250")).milliseconds, 250);
   EXPECT_EQ(std::get<Flood>(*toolFault("flood 100000")).bytes, 100000);
@@ -27,7 +33,8 @@ TEST(ToolFaultTest, ALieHasAFileAndPerhapsAStatus) {
 }
 
 TEST(ToolFaultTest, WhatIsNoFaultIsNone) {
-  for (const auto* text : {"", "hang on", "fail", "fail x", "slow -1", "lie", "die TERM", "cut", "sulk 3"})
+  for (const auto* text :
+       {"", "hang on", "hold", "hold on", "fail", "fail x", "slow -1", "lie", "die TERM", "cut", "sulk 3"})
     EXPECT_FALSE(toolFault(text)) << text;
 }
 
@@ -76,6 +83,25 @@ TEST(ToolFaultTest, AFloodIsAsLongAsOrderedOnBothOutputs) {
   EXPECT_EQ(sufferFault(stage.root, "launchctl", "print"), std::nullopt);
   EXPECT_EQ(::testing::internal::GetCapturedStdout().size(), 70001U);
   EXPECT_EQ(::testing::internal::GetCapturedStderr().size(), 70001U);
+}
+
+TEST(ToolFaultTest, AHoldKeepsTheOutputOpenAfterTheToolWentOn) {
+  const TemporaryStage stage;
+  stage.root.set("tool-launchctl", "* hold 50");
+  std::array<int, 2> ends{};
+  ASSERT_EQ(::pipe(ends.data()), 0);
+  const int kept = ::dup(STDOUT_FILENO);
+  ::dup2(ends[1], STDOUT_FILENO);
+  EXPECT_EQ(sufferFault(stage.root, "launchctl", "print"), std::nullopt);
+  ::dup2(kept, STDOUT_FILENO);
+  ::close(kept);
+  ::close(ends[1]);
+  char byte = 0;
+  pollfd polled{.fd = ends[0], .events = POLLIN, .revents = 0};
+  EXPECT_EQ(::poll(&polled, 1, 0), 0) << "nobody holds the output";
+  EXPECT_EQ(::read(ends[0], &byte, 1), 0) << "the child went away";
+  ::close(ends[0]);
+  ::wait(nullptr);
 }
 
 TEST(ToolFaultTest, ADyingToolEndsByItsSignal) {

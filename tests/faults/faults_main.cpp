@@ -1,0 +1,106 @@
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "faults/outcomes.hpp"
+#include "faults/sweep.hpp"
+
+namespace {
+
+using namespace tamo::faults;
+using Kind = void (Sweep::*)(const Scene&, By);
+
+unsigned long long shown(std::uint64_t number) {
+  return number;
+}
+
+int playOne(const char* words) {
+  const auto take = takeNamed(words);
+  if (!take) {
+    std::fprintf(stderr, "no such take: %s\n", words);
+    return 2;
+  }
+  Player player;
+  const auto played = player.play(*take, {.traced = true});
+  std::fputs(played.trace.c_str(), stdout);
+  std::printf("told: %s\nleft: %s\n", played.told.c_str(), played.left.c_str());
+  for (const auto& wrong : played.wrong)
+    std::printf("WRONG %s\n", wrong.c_str());
+  return played.wrong.empty() ? 0 : 1;
+}
+
+/// What came of one scene, asked for in both ways.
+struct Row {
+  Tally singles;
+  Tally pairs;
+  Tally deaths;
+};
+
+Tally swept(Kind kind, const Scene& scene) {
+  Sweep sweep({});
+  for (const auto by : {By::Switch, By::Url})
+    (sweep.*kind)(scene, by);
+  return sweep.tally();
+}
+
+void show(const char* name, const Row& row) {
+  const auto& [singles, pairs, deaths] = row;
+  std::printf("%-27s %6llu %6llu %6llu %8llu %8llu %8llu %7llu %7llu\n", name, shown(singles.calls),
+              shown(singles.failing), shown(singles.ways), shown(singles.takes), shown(pairs.takes),
+              shown(deaths.takes), shown(singles.missed + pairs.missed + deaths.missed),
+              shown(singles.broken + pairs.broken + deaths.broken));
+  for (const auto* tally : {&singles, &pairs, &deaths}) {
+    for (const auto& wrong : tally->wrong)
+      std::printf("  %s\n", wrong.c_str());
+  }
+}
+
+void show(const Row& sum, double seconds) {
+  show("all", sum);
+  std::printf(
+      "a part of a copy stayed: %llu times after failures, %llu times after deaths, opened %llu times\n",
+      shown(sum.singles.partsLeft + sum.pairs.partsLeft), shown(sum.deaths.partsLeft),
+      shown(sum.singles.partsOpened + sum.pairs.partsOpened + sum.deaths.partsOpened));
+  std::printf("after %llu of the deaths the clean run was compared with one on a fresh Mac\n",
+              shown(sum.deaths.compared));
+  std::printf("%.1f s\n", seconds);
+}
+
+int playAll() {
+  const auto begun = std::chrono::steady_clock::now();
+  std::printf("%-27s %6s %6s %6s %8s %8s %8s %7s %7s\n", "", "calls", "fail", "ways", "singles", "pairs",
+              "deaths", "missed", "broken");
+  Row sum;
+  for (const auto& scene : scenes()) {
+    const Row row{.singles = swept(&Sweep::singles, scene),
+                  .pairs = swept(&Sweep::pairs, scene),
+                  .deaths = swept(&Sweep::deaths, scene)};
+    show(scene.name.c_str(), row);
+    sum.singles.add(row.singles);
+    sum.pairs.add(row.pairs);
+    sum.deaths.add(row.deaths);
+  }
+  show(sum, std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
+  for (const auto* tally : {&sum.singles, &sum.pairs, &sum.deaths}) {
+    if (tally->broken + tally->missed == 0) continue;
+    std::puts("BROKEN; a take is shown by: ./faults play 'TAKE'");
+    return 1;
+  }
+  std::puts("nothing was broken");
+  return 0;
+}
+
+}  // namespace
+
+/// every-fault [play TAKE | outcomes]
+int main(int argc, char** argv) {
+  if (argc == 1) return playAll();
+  if (argc == 3 && std::strcmp(argv[1], "play") == 0) return playOne(argv[2]);
+  if (argc == 2 && std::strcmp(argv[1], "outcomes") == 0) {
+    std::fputs(outcomesOfSingles().c_str(), stdout);
+    return 0;
+  }
+  std::fprintf(stderr, "use: every-fault [play TAKE | outcomes]\n");
+  return 2;
+}

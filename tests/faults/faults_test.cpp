@@ -1,0 +1,116 @@
+#include <fstream>
+#include <gtest/gtest.h>
+#include <set>
+#include <sstream>
+
+#include "faults/outcomes.hpp"
+#include "faults/sweep.hpp"
+
+/// Every call of every action made to fail, and the companion killed at every one. The build says how many of
+/// these its check can bear; `./faults` plays them all.
+namespace tamo::faults {
+namespace {
+
+using Kind = void (Sweep::*)(const Scene&, By);
+
+Tally swept(Kind kind, std::uint64_t stride) {
+  Sweep sweep({.stride = stride, .firsts = TAMO_SINGLES_STRIDE});
+  for (const auto& scene : scenes()) {
+    for (const auto by : {By::Switch, By::Url})
+      (sweep.*kind)(scene, by);
+  }
+  return sweep.tally();
+}
+
+void expectSound(const Tally& tally) {
+  EXPECT_EQ(tally.broken, 0U) << tally.wrong.front() << "\nshown by: ./faults play TAKE";
+  EXPECT_EQ(tally.missed, 0U);
+  EXPECT_GT(tally.takes, 0U);
+}
+
+TEST(FaultsTest, EveryInvariantHoldsWhenACallFails) {
+  expectSound(swept(&Sweep::singles, TAMO_SINGLES_STRIDE));
+}
+
+TEST(FaultsTest, EveryInvariantHoldsWhenTwoCallsFail) {
+  expectSound(swept(&Sweep::pairs, TAMO_PAIRS_STRIDE));
+}
+
+TEST(DeathsTest, ACompanionKilledAnywhereLeavesTheNextACleanRun) {
+  expectSound(swept(&Sweep::deaths, TAMO_DEATHS_STRIDE));
+}
+
+/// A change of the file is a change of how a failure is answered: read it, line by line, before it is kept.
+TEST(OutcomesTest, EverySingleFailureIsAnsweredAsItIsWritten) {
+  std::ifstream file(TAMO_SOURCE_DIR "/tests/faults/expected_outcomes.txt");
+  std::ostringstream expected;
+  expected << file.rdbuf();
+  const auto due = expected.str();
+  std::size_t size = 0;
+  for (std::size_t scene = 0; scene < scenes().size(); scene += TAMO_SINGLES_STRIDE) {
+    for (const auto by : {By::Switch, By::Url}) {
+      const auto found = outcomesOf(scenes()[scene], by, simulation::Plant::None);
+      size += found.size();
+      EXPECT_NE(due.find(found), std::string::npos) << found << "\ncompare: ./faults outcomes";
+    }
+  }
+  EXPECT_EQ(size, TAMO_SINGLES_STRIDE == 1 ? due.size() : size) << "answers of no scene";
+}
+
+/// A call that no scene reaches is never made to fail.
+TEST(ScenesTest, EveryCallThatMayFailIsMet) {
+  std::set<std::string_view> met;
+  Player player;
+  for (const auto& scene : scenes()) {
+    const auto played = player.play({.scene = &scene, .by = By::Url}, {});
+    for (std::size_t call = 0; call < played.calls.size(); ++call) {
+      if (!played.ways[call].empty()) met.insert(nameOf(played.calls[call].call));
+    }
+  }
+  const std::set<std::string_view> due{"accepts",
+                                       "agentStatus",
+                                       "createDirectories",
+                                       "exists",
+                                       "isWritable",
+                                       "kill",
+                                       "moveToTrash",
+                                       "openApplication",
+                                       "openForWriting",
+                                       "openLock",
+                                       "originalLocation",
+                                       "passwordEntry",
+                                       "processInfo",
+                                       "readWhole",
+                                       "registerAgent",
+                                       "remove",
+                                       "resolvedPath",
+                                       "runningApplications",
+                                       "startTool",
+                                       "temporaryDirectory",
+                                       "toolErrors",
+                                       "tryLock",
+                                       "unlock",
+                                       "unregisterAgent",
+                                       "writeAtomically"};
+  EXPECT_EQ(met, due);
+}
+
+TEST(TakeNameTest, ATakeIsReadBackFromItsName) {
+  for (const std::string name :
+       {"restart switch", "sync-changed url 57:Torn 80:Exits!", "reseat switch before 12",
+        "restart url after 3 tools-die again then register", "register url at 250 again"}) {
+    const auto take = takeNamed(name);
+    ASSERT_TRUE(take) << name;
+    EXPECT_EQ(nameOf(*take), name);
+  }
+}
+
+TEST(TakeNameTest, OtherWordsAreNoTake) {
+  for (const auto* name : {"", "restart", "restart fax", "bogus url", "restart url 5", "restart url x:Torn",
+                           "restart url 5:Worn", "restart url before", "restart url before x"}) {
+    EXPECT_FALSE(takeNamed(name)) << name;
+  }
+}
+
+}  // namespace
+}  // namespace tamo::faults

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "soak/tally.hpp"
+
+namespace tamo::soak {
+
+/// Two processes that follow each other under one pid as fast as the machine can, looked at as the product
+/// looks: each must be another one, even where both began in the same tick of the kernel's clock.
+void reusePids(Tally& tally, int times);
+
+}  // namespace tamo::soak
