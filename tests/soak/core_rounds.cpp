@@ -12,9 +12,9 @@ namespace {
 
 using std::chrono::milliseconds;
 
-const std::vector<std::string> kExited = {"exited"};
-const std::vector<std::string> kKilled = {"killedGroup"};
-const std::vector<std::string> kEither = {"exited", "killedGroup"};
+const std::vector<std::string> exited = {"exited"};
+const std::vector<std::string> killed = {"killedGroup"};
+const std::vector<std::string> either = {"exited", "killedGroup"};
 
 /// The words for launchd's process, which the stage's own are found by.
 pid_t launchdOf(const std::string& directory) {
@@ -42,32 +42,32 @@ struct StopRounds::Shape {
 
 const std::vector<StopRounds::Shape>& StopRounds::Shape::all() {
   static const std::vector<Shape> shapes = {
-      {.name = "obeys at once", .words = "term=obey", .outcomes = kExited},
-      {.name = "obeys late", .words = "term=late:", .outcomes = kExited, .least = 1, .most = 1500},
+      {.name = "obeys at once", .words = "term=obey", .outcomes = exited},
+      {.name = "obeys late", .words = "term=late:", .outcomes = exited, .least = 1, .most = 1500},
       {.name = "obeys about the end of the grace",
        .words = "term=late:",
-       .outcomes = kEither,
+       .outcomes = either,
        .least = 1850,
        .most = 2150},
-      {.name = "obeys too late", .words = "term=late:", .outcomes = kKilled, .least = 3500, .most = 5000},
-      {.name = "ignores the request", .words = "term=ignore", .outcomes = kKilled},
-      {.name = "stops itself", .words = "stops-itself", .outcomes = kKilled},
-      {.name = "has children in its group", .words = "term=ignore children=3", .outcomes = kKilled},
+      {.name = "obeys too late", .words = "term=late:", .outcomes = killed, .least = 3500, .most = 5000},
+      {.name = "ignores the request", .words = "term=ignore", .outcomes = killed},
+      {.name = "stops itself", .words = "stops-itself", .outcomes = killed},
+      {.name = "has children in its group", .words = "term=ignore children=3", .outcomes = killed},
       {.name = "has children that left its group",
        .words = "term=ignore children=2:leave",
-       .outcomes = kKilled},
-      {.name = "has orphans in its group", .words = "term=ignore children=2:orphan", .outcomes = kKilled},
+       .outcomes = killed},
+      {.name = "has orphans in its group", .words = "term=ignore children=2:orphan", .outcomes = killed},
       {.name = "is in launchd's group", .words = "term=ignore group=parent", .outcomes = {"killedProcess"}},
       {.name = "dies by itself",
        .words = "term=ignore dies-after:",
-       .outcomes = kEither,
+       .outcomes = either,
        .least = 1200,
        .most = 2300},
       {.name = "is busy with a revert", .words = "term=revert:2700", .outcomes = {"spared"}},
-      {.name = "is not reaped", .words = "term=late:600", .outcomes = kExited, .unreaped = true},
+      {.name = "is not reaped", .words = "term=late:600", .outcomes = exited, .unreaped = true},
       {.name = "is followed by a stranger with its pid",
        .words = "term=late:",
-       .outcomes = kExited,
+       .outcomes = exited,
        .least = 1,
        .most = 1600,
        .reuse = true},
@@ -90,7 +90,8 @@ void StopRounds::takePid(Witness& companion, Strangers& strangers, const Held& c
   tally_.count("pids of a Core that were not free in time");
 }
 
-/// From the request on, which is the last that launchd notes, and from before the Core's end until after the grace, so that only a look at its state tells that it is gone.
+/// From the request on, which is the last that launchd notes, and from before the Core's end until after the
+/// grace, so that only a look at its state tells that it is gone.
 void StopRounds::leaveUnreaped(Witness& companion, const Held& core, pid_t pid) {
   const auto launchd = launchdOf(stage_.root().directory());
   const auto log = stage_.root().control("launchd.log");

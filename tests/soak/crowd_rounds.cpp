@@ -21,9 +21,9 @@ namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 /// The wait for the lock, 60 s, and an action.
-constexpr milliseconds kBound(75'000);
-const std::string kFolder = "/private/var/folders/st/tamo/T";
-const std::string kLock = kFolder + "/studio.pell.tamo.core.job.lock";
+constexpr milliseconds longestCourse(75'000);
+const std::string lockFolder = "/private/var/folders/st/tamo/T";
+const std::string lockFile = lockFolder + "/studio.pell.tamo.core.job.lock";
 
 /// A disturbance of the lock's file or folder; true when two may work at once from then on, because a lock
 /// belongs to the file that was opened, or because without a file nobody waits.
@@ -38,7 +38,7 @@ void replace(const std::string& path) {
   std::ofstream(path).flush();
 }
 
-const std::array<Way, 6> kWays = {{
+const std::array<Way, 6> disturbances = {{
     {"lock file removed and made anew", true,
      [](const std::string& lock, const std::string&) { replace(lock); }},
     {"lock file replaced by a link", true,
@@ -69,7 +69,7 @@ const std::array<Way, 6> kWays = {{
 }  // namespace
 
 std::size_t CrowdRounds::ways() {
-  return kWays.size();
+  return disturbances.size();
 }
 
 CrowdRounds::CrowdRounds(Tally& tally, Chance& chance) : tally_(tally), chance_(chance) {
@@ -95,7 +95,7 @@ void CrowdRounds::see(Crowd& crowd, int killedInHundred, int span) {
   const auto begun = Clock::now();
   for (const auto& companion : crowd.companions) {
     const bool doomed = chance_.between(1, 100) <= killedInHundred;
-    left.push_back({companion.pid, begun + (doomed ? chance_.milliseconds(0, span) : kBound)});
+    left.push_back({companion.pid, begun + (doomed ? chance_.milliseconds(0, span) : longestCourse)});
   }
   while (!left.empty()) {
     std::erase_if(left, [&](const One& one) {
@@ -103,7 +103,7 @@ void CrowdRounds::see(Crowd& crowd, int killedInHundred, int span) {
         crowd.killed.try_emplace(one.pid, Clock::now().time_since_epoch().count());
         ::kill(one.pid, SIGKILL);
       }
-      const bool late = Clock::now() >= begun + kBound;
+      const bool late = Clock::now() >= begun + longestCourse;
       int status = 0;
       if (::waitpid(one.pid, &status, late ? 0 : WNOHANG) == 0) return false;
       const bool hit = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
@@ -148,13 +148,13 @@ void CrowdRounds::killedCrowd() {
 }
 
 void CrowdRounds::disturbedCrowd(std::size_t number) {
-  const auto& way = kWays.at(number % ways());
+  const auto& way = disturbances.at(number % ways());
   const auto& root = stage_.root();
   // The work takes long enough for the disturbance to come in its midst.
   stage_.set("tool-launchctl", "* slow 60");
   auto crowd = gather(8);
   std::this_thread::sleep_for(chance_.milliseconds(380, 700));
-  way.disturb(root.host(kLock), root.host(kFolder));
+  way.disturb(root.host(lockFile), root.host(lockFolder));
   for (int i = 0; i < 8; ++i)
     crowd.companions.push_back(stage_.start({"--core-action", "sync"}));
   see(crowd, 0, 1);
@@ -165,15 +165,15 @@ void CrowdRounds::disturbedCrowd(std::size_t number) {
   if (overlaps > 0 && !way.allowsOverlaps)
     tally_.wrong(way.name + ": " + std::to_string(overlaps) + " overlaps");
   if (stage_.corePid() == 0) tally_.wrong(way.name + ": the Core is gone");
-  fs::remove_all(root.host(kFolder));
-  fs::remove_all(root.host(kFolder) + ".old");
-  fs::create_directories(root.host(kFolder));
+  fs::remove_all(root.host(lockFolder));
+  fs::remove_all(root.host(lockFolder) + ".old");
+  fs::create_directories(root.host(lockFolder));
   stage_.set("tool-launchctl", "");
   runClean(way.name);
 }
 
 void CrowdRounds::canary() {
-  const auto lock = stage_.root().host(kLock);
+  const auto lock = stage_.root().host(lockFile);
   ::unlink(lock.c_str());
   static_cast<void>(!::symlink("/private/tmp/elsewhere", lock.c_str()));
   auto crowd = gather(16);

@@ -7,7 +7,7 @@
 namespace tamo::soak {
 namespace {
 
-constexpr std::uint64_t kTick = 10'000;
+constexpr std::uint64_t tickMicros = 10'000;
 
 }  // namespace
 
@@ -25,7 +25,7 @@ void reusePids(Tally& tally, int times) {
     if (!second || !before) continue;
     const auto after = HardStop::kernel(processes, pid);
     tally.count("pids used again at once");
-    if (after && after->startMicros / kTick == before->startMicros / kTick)
+    if (after && after->startMicros / tickMicros == before->startMicros / tickMicros)
       tally.count("pids used again within one clock tick");
     if (HardStop::alive(*before, after))
       tally.wrong("a stranger with the same pid is taken for the first process");

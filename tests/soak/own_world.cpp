@@ -19,7 +19,7 @@
 namespace tamo::soak {
 namespace {
 
-constexpr int kSkipped = 77;
+constexpr int skipped = 77;
 
 bool writeLine(const char* path, const std::string& line) {
   const platform::Descriptor file(::open(path, O_WRONLY | O_CLOEXEC));
@@ -49,7 +49,7 @@ int beFirst(const std::function<int()>& work) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (!mountOwnProc()) {
     std::fprintf(stderr, "no /proc of its own: %s\n", std::strerror(errno));
-    return kSkipped;
+    return skipped;
   }
   const auto worker = ::fork();
   // A group from outside would have no number here.
@@ -71,7 +71,7 @@ int ended(pid_t child) {
 int leave(const std::function<int()>& work) {
   if (!leaveTheMachine()) {
     std::fprintf(stderr, "no pid namespace: %s\n", std::strerror(errno));
-    return kSkipped;
+    return skipped;
   }
   const auto first = ::fork();
   if (first == 0) ::_exit(beFirst(work));

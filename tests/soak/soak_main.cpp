@@ -28,7 +28,7 @@ struct Order {
   bool canaries = false;
 };
 
-const std::vector<std::string> kParts = {"stops", "crowds", "tools", "moves", "identity"};
+const std::vector<std::string> allParts = {"stops", "crowds", "tools", "moves", "identity"};
 
 bool wanted(const Order& order, const std::string& part) {
   return order.only.empty() || order.only == part;
@@ -148,7 +148,7 @@ std::optional<Order> orderIn(int argc, char** argv) {
       order.canaries = true;
     } else if (word == "--only" && i + 1 < argc) {
       order.only = argv[++i];
-      if (std::ranges::find(kParts, order.only) == kParts.end()) return std::nullopt;
+      if (std::ranges::find(allParts, order.only) == allParts.end()) return std::nullopt;
     } else if (word == "--lanes" && i + 1 < argc) {
       if (!read(argv[++i], order.lanes)) return std::nullopt;
     } else if (++numbers == 1) {

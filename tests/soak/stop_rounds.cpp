@@ -19,12 +19,12 @@ namespace {
 using std::chrono::milliseconds;
 
 /// What a companion may take at most, on a machine that has more to do: 0.4 s, the stop, and the tools.
-constexpr milliseconds kBound(40'000);
+constexpr milliseconds longestCourse(40'000);
 
 #ifdef TAMO_SOAK_WITHOUT_CLOCK
-constexpr bool kClockJumps = false;
+constexpr bool clockJumps = false;
 #else
-constexpr bool kClockJumps = true;
+constexpr bool clockJumps = true;
 #endif
 
 std::string lastLine(const std::vector<std::string>& lines, const std::string& opening) {
@@ -69,7 +69,7 @@ Witness::Program StopRounds::companion(pid_t group) {
                            .arguments = {"--core-action", "restart"},
                            .environment = {"TAMO_STAGE=" + root.directory(), "PATH=/usr/bin:/bin"},
                            .group = group};
-  if (!kClockJumps || chance_.between(0, 3) != 0) return program;
+  if (!clockJumps || chance_.between(0, 3) != 0) return program;
   tally_.count("restarts with a wall clock that jumps an hour at each reading");
   program.environment.push_back("LD_PRELOAD=" TAMO_BINARY_DIR "/bin/libsoak-jumping-clock.so");
   program.environment.push_back("SOAK_CLOCK=" + root.control("clock-readings"));
@@ -107,7 +107,7 @@ void StopRounds::countReadings() {
 
 /// The end of the companion, its log and its signals against what is right. Gives the outcome.
 std::optional<std::string> StopRounds::finish(Witness& companion, const StopExpected& expected) {
-  const auto ended = companion.finish(kBound);
+  const auto ended = companion.finish(longestCourse);
   tally_.count("companions run for a restart");
   countReadings();
   if (!ended) {

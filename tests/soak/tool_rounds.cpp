@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
-constexpr long kSmall = 32 * 1024;
+constexpr long smallPeak = 32 * 1024;
 
 struct Case {
   std::string tool;
@@ -26,7 +26,7 @@ struct Case {
   std::string answer;
   milliseconds bound{8000};
   milliseconds least{0};
-  long kilobytes = kSmall;
+  long kilobytes = smallPeak;
   /// Nothing bounds the wait for it, so the harness ends it after two seconds.
   bool endedByHarness = false;
   /// The user may not write to /Applications.
@@ -35,7 +35,7 @@ struct Case {
   bool keepsCore = false;
 };
 
-const std::string kMove = "move-to-applications";
+const std::string moving = "move-to-applications";
 
 const std::vector<Case>& cases() {
   static const std::vector<Case> all = {
@@ -88,58 +88,58 @@ const std::vector<Case>& cases() {
        .keepsCore = true},
       {.tool = "ditto",
        .fault = "* hang hard",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:copy_failed}",
        .endedByHarness = true},
       {.tool = "ditto",
        .fault = "* flood 100000000",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .bound = milliseconds(15000)},
       {.tool = "ditto",
        .fault = "* hold 1500",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .least = milliseconds(1500)},
-      {.tool = "ditto", .fault = "* die 9", .action = kMove, .answer = "{public:copy_failed}"},
-      {.tool = "ditto", .fault = "* die 11", .action = kMove, .answer = "{public:copy_failed}"},
+      {.tool = "ditto", .fault = "* die 9", .action = moving, .answer = "{public:copy_failed}"},
+      {.tool = "ditto", .fault = "* die 11", .action = moving, .answer = "{public:copy_failed}"},
       {.tool = "xattr",
        .fault = "* hang hard",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .endedByHarness = true},
       {.tool = "xattr",
        .fault = "* flood 100000000",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .bound = milliseconds(15000)},
       {.tool = "xattr",
        .fault = "* hold 1500",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .least = milliseconds(1500)},
-      {.tool = "xattr", .fault = "* die 9", .action = kMove, .answer = "{public:moved}"},
+      {.tool = "xattr", .fault = "* die 9", .action = moving, .answer = "{public:moved}"},
       {.tool = "osascript",
        .fault = "* hang hard",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:not_writable}",
        .endedByHarness = true,
        .closed = true},
       {.tool = "osascript",
        .fault = "* flood 100000000",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .bound = milliseconds(15000),
        .closed = true},
       {.tool = "osascript",
        .fault = "* hold 1500",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:moved}",
        .least = milliseconds(1500),
        .closed = true},
       {.tool = "osascript",
        .fault = "* die 9",
-       .action = kMove,
+       .action = moving,
        .answer = "{public:not_writable}",
        .closed = true},
   };
@@ -147,7 +147,7 @@ const std::vector<Case>& cases() {
 }
 
 Witness::Program companion(const stage::StageRoot& root, const Case& one) {
-  const auto copy = stage::copyPath(root, one.action == kMove ? "downloaded" : "installed");
+  const auto copy = stage::copyPath(root, one.action == moving ? "downloaded" : "installed");
   return {.path = root.host(stage::companionProgram(copy)),
           .arguments = {"--core-action", one.action},
           .environment = {"TAMO_STAGE=" + root.directory(), "PATH=/usr/bin:/bin"},
@@ -179,7 +179,7 @@ std::string astray(const std::vector<Sent>& sent, pid_t companion, pid_t core) {
 void play(Tally& tally, const Case& one, const scenario::Stage& stage) {
   const auto name = one.tool + ", " + one.fault + ", " + one.action;
   const auto& root = stage.root();
-  const auto core = one.action == kMove ? 0 : stage.corePid();
+  const auto core = one.action == moving ? 0 : stage.corePid();
   root.set("tool-" + one.tool, one.fault);
   Witness witness(companion(root, one));
   if (one.endedByHarness && !witness.serveUntil(witness.begun() + milliseconds(2000))) endTools(root);
@@ -212,7 +212,7 @@ std::size_t toolCases() {
 
 void playTool(Tally& tally, std::size_t number) {
   const auto& one = cases().at(number % toolCases());
-  if (one.action != kMove) return play(tally, one, scenario::Stage({.core = "term=obey"}));
+  if (one.action != moving) return play(tally, one, scenario::Stage({.core = "term=obey"}));
   const scenario::MoveStage stage;
   const auto folder = stage.root().host("/Applications");
   if (one.closed) fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);

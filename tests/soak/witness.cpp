@@ -23,7 +23,7 @@ namespace {
 using std::chrono::milliseconds;
 
 /// The listener has this number in the child, which is where the parent fetches it from.
-constexpr int kListener = 100;
+constexpr int listenerNumber = 100;
 
 sock_filter held(int call, unsigned char distance) {
   return BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(call), distance, 0);
@@ -58,7 +58,7 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
   ::setpgid(0, program.group);
   ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
   const int listener = listenToSignals();
-  if (listener < 0 || ::dup3(listener, kListener, O_CLOEXEC) < 0) ::_exit(126);
+  if (listener < 0 || ::dup3(listener, listenerNumber, O_CLOEXEC) < 0) ::_exit(126);
   ::close(listener);
   char byte = 0;
   static_cast<void>(!::write(ready, "x", 1));
@@ -111,7 +111,7 @@ Witness::Witness(Program program) : program_(std::move(program)) {
   const auto got = platform::uninterrupted([&] { return ::read(readyReading.get(), &byte, 1); });
   process_ = platform::Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
   listener_ =
-      platform::Descriptor(static_cast<int>(::syscall(SYS_pidfd_getfd, process_.get(), kListener, 0)));
+      platform::Descriptor(static_cast<int>(::syscall(SYS_pidfd_getfd, process_.get(), listenerNumber, 0)));
   if (got != 1 || !listener_) platform::fatal("the kernel gives no listener");
   static_cast<void>(!::write(goWriting.get(), "x", 1));
 }
