@@ -122,7 +122,8 @@ TEST_F(MoveOrderScenario, TheOldCopyIsTrashedOnlyWhenTheNewOneIsComplete) {
   EXPECT_FALSE(stage.exists(downloadedPath));
 }
 
-TEST_F(MoveOrderScenario, TheWaitEndsWithinOneLookOfTheOldCopysEnd) {
+/// Within one look, which tests on virtual time demand; here the machine may be busy.
+TEST_F(MoveOrderScenario, TheWaitEndsSoonAfterTheOldCopysEnd) {
   const auto tamo = stage.openTamo("downloaded");
   const auto companion = stage.startMove();
   EXPECT_TRUE(eventually([this] { return stage.result() != "none"; }));
@@ -132,7 +133,7 @@ TEST_F(MoveOrderScenario, TheWaitEndsWithinOneLookOfTheOldCopysEnd) {
   MoveStage::quit(tamo);
   const auto quitAt = steady_clock::now();
   Stage::finish(companion);
-  EXPECT_LT(steady_clock::now() - quitAt, milliseconds(750));
+  EXPECT_LT(steady_clock::now() - quitAt, milliseconds(3000));
   EXPECT_EQ(stage.front(), installedPath);
 }
 
