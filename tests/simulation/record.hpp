@@ -69,6 +69,8 @@ struct Record {
   bool judgedHomeKnown = true;
   bool judged = false;
   std::optional<std::string> infoVersion;
+  /// What its own bundle's agent list said when it was read; another's move may change the bundle afterwards.
+  std::optional<std::size_t> bundledDefinition;
   /// What the move was told of the destination.
   std::optional<bool> destinationExists;
   std::optional<std::string> destinationVersion;

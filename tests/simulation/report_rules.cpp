@@ -67,7 +67,7 @@ void judgeOutcome(Companion& companion, const LogLine& line) {
   companion.expect(text(line, 5) == (error ? " " + error->description() : ""), rule, text(line, 5));
 }
 
-/// The line of a comparison has to agree with itself, and its bundled side with the bundle.
+/// The line of a comparison has to agree with itself, and its bundled side with what was read of the bundle.
 void judgeDefinition(Companion& companion, const LogLine& line) {
   const bool known = text(line, 0) != "unknown" && text(line, 2) != "unknown";
   const bool timed = text(line, 1) != "-" && text(line, 3) != "-";
@@ -75,11 +75,8 @@ void judgeDefinition(Companion& companion, const LogLine& line) {
   const bool changed = std::get<bool>(line.arguments[4]);
   companion.expect(changed == (known && differs), Invariant::Truth, "whether the definition changed");
   companion.record.definitionChanged = changed;
-  const auto* list = companion.world.files.read(companion.bundlePath() + std::string(Places::agentList));
-  const auto bundled = list == nullptr ? std::nullopt : definitionOf(*list);
-  const bool sure = bundled && !companion.record.struck.test(static_cast<std::size_t>(Call::readWhole)) &&
-                    !companion.world.copiesDisturbed;
-  if (!sure) return;
+  const auto& bundled = companion.record.bundledDefinition;
+  if (!bundled) return;
   const auto& definition = jobDefinitions()[*bundled];
   const auto timeout = definition.exitTimeout ? std::to_string(*definition.exitTimeout) : "-";
   companion.expect(text(line, 2).starts_with(definition.arguments.front()) && text(line, 3) == timeout,

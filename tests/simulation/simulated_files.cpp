@@ -26,6 +26,11 @@ bool isMarker(std::string_view path) {
 }
 
 /// What the companion learns of the application around it.
+void tellDefinition(Companion& companion, const std::string& path, const std::string* bytes) {
+  if (path != companion.bundlePath() + std::string(Places::agentList)) return;
+  companion.record.bundledDefinition = bytes == nullptr ? std::nullopt : definitionOf(*bytes);
+}
+
 void tellInfo(Companion& companion, const std::string& path, const std::string* bytes) {
   auto& record = companion.record;
   const auto version = bytes == nullptr ? std::nullopt : valueOf("CFBundleVersion", *bytes);
@@ -86,6 +91,7 @@ std::optional<std::string> SimulatedFiles::readWhole(const std::string& path) co
   const auto* there = companion_.world.files.read(path);
   const auto* bytes = fails ? nullptr : there;
   tellInfo(companion_, path, bytes);
+  tellDefinition(companion_, path, bytes);
   companion_.note("reads ", path, ": ", bytes != nullptr);
   if (there != nullptr && fails) return damaged(*there, way);
   if (bytes == nullptr) return std::nullopt;
