@@ -11,10 +11,9 @@
 ///   term=obey              exits on SIGTERM (the default)
 ///   term=ignore            goes on
 ///   term=late:MS           exits that many milliseconds after the first SIGTERM
-///   term=revert:MS         the same, and keeps the marker of a pending revert in the data directory
-///                          meanwhile
-///   children=N[:leave|forks|:orphan]   forks N helpers into its group, or out into groups of their
-///   own, or into its group as orphans: what forked them is gone, and launchd is their parent
+///   term=revert:MS         the same, and keeps the marker of a pending revert in the data directory meanwhile
+///   children=N[:leave|:orphan]   forks N helpers into its group, or out into groups of their own, or into its
+///                          group as orphans: what forked them is gone, and launchd is their parent
 ///   group=own|parent       leads its group, or joins its parent's
 ///   stops-itself           stops (SIGSTOP) once it is up
 ///   dies-after:MS[:CODE]   exits by itself, with 1 or the code
