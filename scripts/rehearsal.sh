@@ -1,13 +1,6 @@
 # Sourced by ./rehearse: what every rehearsal has in common. Sets `root`, the stage's directory, once it is laid; with
 # `keep` = yes the stage is left running at the end.
 
-build() {
-  mkdir -p build
-  cmake --preset gcc >build/gcc.configure.log 2>&1 || { cat build/gcc.configure.log; return 1; }
-  cmake --build build/gcc --target companions stage_programs >build/gcc.build.log 2>&1 ||
-    { tail -n 60 build/gcc.build.log; return 1; }
-}
-
 say() { printf '\n%s\n' "$*"; }
 die() { echo "rehearse: $*" >&2; exit 1; }
 stage() { build/gcc/bin/tamo-stage "$1" "$root" "${@:2}"; }

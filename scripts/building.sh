@@ -1,0 +1,21 @@
+# shellcheck shell=bash
+# Sourced by the commands at the root that build something.
+#
+#   quietly LOG COMMAND…     runs a step with its output in a log; shows the log's end when the step fails
+#   build PRESET [TARGET…]   configures the preset and builds the targets, or everything
+
+quietly() {
+  local log=$1
+  "${@:2}" >"$log" 2>&1 && return 0
+  tail -n 120 "$log"
+  echo "${0##*/}: failed: ${*:2}   (whole log: $log)"
+  return 1
+}
+
+build() {
+  local preset=$1
+  shift
+  mkdir -p build
+  quietly "build/$preset.configure.log" cmake --preset "$preset" || return 1
+  quietly "build/$preset.build.log" cmake --build "build/$preset" ${1:+--target} "$@"
+}
