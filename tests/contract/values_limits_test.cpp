@@ -36,17 +36,22 @@ TEST(ValuesLimitsTest, AnXmlListMayBeNestedFiveHundredAndTwelveTimes) {
 
 TEST(ValuesLimitsTest, ABinaryListMayShareItsObjects) {
   EXPECT_TRUE(readPropertyList(shared(120, 1)));
-  EXPECT_TRUE(readPropertyList(shared(4, 14)));
+  EXPECT_TRUE(readPropertyList(shared(3, 14)));
 }
 
 TEST(ValuesLimitsTest, ABinaryListThatSharingMakesHugeIsUnreadable) {
-  EXPECT_FALSE(readPropertyList(shared(5, 14)));
+  EXPECT_FALSE(readPropertyList(shared(4, 14)));
   EXPECT_FALSE(readPropertyList(shared(100, 14)));
 }
 
 TEST(ValuesLimitsTest, AnIntegerOfMoreThanSixtyFourBitsIsUnreadable) {
   EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\x14\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\5"s).bytes()));
   EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\x15" + std::string(32, '\0')).bytes()));
+}
+
+TEST(ValuesLimitsTest, ASetMakesABinaryListUnreadable) {
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\xC1\1").addText("a").bytes()));
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().addArray("\1").add("\xC1\2").addText("a").bytes()));
 }
 
 TEST(ValuesLimitsTest, AKeyWithAZeroInItMakesABinaryListUnreadable) {

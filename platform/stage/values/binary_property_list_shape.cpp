@@ -29,7 +29,14 @@ class Walk {
 
  private:
   static constexpr std::size_t trailerSize = 32;
-  enum Kind : std::uint64_t { Integer = 0x1, Text = 0x5, WideText = 0x6, Array = 0xA, Dictionary = 0xD };
+  enum Kind : std::uint64_t {
+    Integer = 0x1,
+    Text = 0x5,
+    WideText = 0x6,
+    Array = 0xA,
+    Set = 0xC,
+    Dictionary = 0xD
+  };
 
   /// The big-endian number of `size` bytes at `at`; absent when it is not within the bytes.
   [[nodiscard]] std::optional<std::uint64_t> number(std::uint64_t at, std::uint64_t size) const {
@@ -57,7 +64,7 @@ class Walk {
     if (kind == Integer) return integerIsSound(*at, detail);
     if (kind == Array) return containerIsSound(*at, detail, 1, depth);
     if (kind == Dictionary) return containerIsSound(*at, detail, 2, depth);
-    return true;
+    return kind != Set;
   }
 
   /// The width of an integer is two to the power of `detail`.
