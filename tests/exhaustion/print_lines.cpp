@@ -35,9 +35,15 @@ std::optional<std::int64_t> number(std::string_view text, const Limits& limits) 
   return std::stoll((minus ? "-0" : "0") + std::string(digits));
 }
 
+constexpr bool isVisible(char byte) {
+  return byte > ' ' && byte < '\x7F';
+}
+
 }  // namespace
 
 std::string_view describedStripped(std::string_view text) {
+  // Nearly every line stands between two visible characters: there is nothing to strip, and no need to look for it.
+  if (!text.empty() && isVisible(text.front()) && isVisible(text.back())) return text;
   for (auto before = text.size() + 1; before != text.size();) {
     before = text.size();
     for (const auto blank : blanks) {

@@ -1,6 +1,7 @@
 #include "fuzz/utf8_description.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 
 namespace tamo::fuzz {
@@ -36,10 +37,25 @@ bool isCharacter(std::string_view bytes) {
 
 /// Whether a character begins so. When any bytes complete it, then the lowest or the highest do.
 bool beginsCharacter(std::string_view bytes) {
-  for (std::size_t more = 1; bytes.size() + more <= 4; ++more)
-    for (const char filling : {'\x80', '\xBF'})
-      if (isCharacter(std::string(bytes) + std::string(more, filling))) return true;
+  std::array<char, 4> whole{};
+  const std::string_view filled(whole.data(), whole.size());
+  for (const char filling : {'\x80', '\xBF'}) {
+    whole.fill(filling);
+    std::ranges::copy(bytes, whole.begin());
+    for (std::size_t size = bytes.size() + 1; size <= whole.size(); ++size)
+      if (isCharacter(filled.substr(0, size))) return true;
+  }
   return false;
+}
+
+/// The longest front that is a character or begins one, or a byte that is neither. Nothing longer begins with a
+/// character of one byte.
+std::string_view firstPart(std::string_view bytes) {
+  if (isCharacter(bytes.substr(0, 1))) return bytes.substr(0, 1);
+  auto part = bytes.substr(0, 4);
+  while (part.size() > 1 && !isCharacter(part) && !beginsCharacter(part))
+    part.remove_suffix(1);
+  return part;
 }
 
 }  // namespace
@@ -47,12 +63,9 @@ bool beginsCharacter(std::string_view bytes) {
 std::string describedRepair(std::string_view bytes) {
   std::string repaired;
   while (!bytes.empty()) {
-    std::size_t size = std::min<std::size_t>(bytes.size(), 4);
-    while (size > 1 && !isCharacter(bytes.substr(0, size)) && !beginsCharacter(bytes.substr(0, size)))
-      --size;
-    const auto part = bytes.substr(0, size);
+    const auto part = firstPart(bytes);
     repaired += isCharacter(part) ? part : "\uFFFD";
-    bytes.remove_prefix(size);
+    bytes.remove_prefix(part.size());
   }
   return repaired;
 }

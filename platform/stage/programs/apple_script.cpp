@@ -1,5 +1,7 @@
 #include "platform/stage/programs/apple_script.hpp"
 
+#include <initializer_list>
+
 #include "platform/stage/programs/apple_script_words.hpp"
 #include "platform/text.hpp"
 
@@ -94,7 +96,7 @@ class Reader {
   void lineEnd() {
     if (!take(Kind::LineEnd, "")) fail();
   }
-  void expect(const std::vector<std::string_view>& names) {
+  void expect(std::initializer_list<std::string_view> names) {
     for (const auto& expected : names)
       if (!take(expected)) fail();
   }
@@ -131,7 +133,7 @@ std::expected<ShellRequest, ScriptError> shellRequest(std::string_view script,
                                                       const std::vector<std::string>& arguments) {
   auto words = scriptWords(script);
   try {
-    return Reader(words.value_or(std::vector<ScriptWord>()), arguments).handler();
+    return Reader(std::move(words).value_or(std::vector<ScriptWord>()), arguments).handler();
   } catch (const ScriptError& error) {
     return std::unexpected(error);
   }
