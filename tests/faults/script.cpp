@@ -34,7 +34,7 @@ std::vector<Way> waysOf(const Companion& companion, Call call, std::string_view 
     case Call::log:
       return {};
     case Call::agentStatus:
-      return {Way::Zero, Way::Two, Way::Three};
+      return {Way::Zero, Way::One, Way::Two, Way::Three};
     case Call::unregisterAgent:
       return {Way::Fails, Way::Late};
     case Call::startTool:

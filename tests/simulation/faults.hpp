@@ -67,6 +67,7 @@ inline constexpr std::size_t drawnCalls = callCount - 1;
   WAY(Garbage) /* other bytes */                                    \
   WAY(Binary)  /* bytes that are no text */                         \
   WAY(Zero)    /* a status: not registered */                       \
+  WAY(One)     /* a status: enabled */                              \
   WAY(Two)     /* a status: requires approval */                    \
   WAY(Three)   /* a status: not found */                            \
   WAY(Slow)                                                         \

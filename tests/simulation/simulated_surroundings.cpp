@@ -14,6 +14,7 @@ using std::chrono::milliseconds;
 
 std::optional<std::int64_t> toldInstead(Way way) {
   if (way == Way::Zero) return 0;
+  if (way == Way::One) return 1;
   if (way == Way::Two) return 2;
   return way == Way::Three ? std::optional(std::int64_t{3}) : std::nullopt;
 }
