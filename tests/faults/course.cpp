@@ -140,11 +140,14 @@ void Course::judgeUnkilled(const Companion& first, Played& played) const {
   judgeFiles(world_, played.wrong);
 }
 
-/// Of a copy, a part may be left only by a tool that was killed.
+/// Of a copy, a part may be left only by a tool that was killed, or that failed so, and nobody was there any more to
+/// clear it away.
 void Course::judgeLeft(Played& played) const {
+  const auto leavesPart = [](const Fault& fault) { return fault.way == Way::Part; };
+  const bool mayLeavePart = take_.sequel.toolsDieToo || std::ranges::any_of(take_.faults, leavesPart);
   judgeFiles(world_, played.wrong);
   played.partLeft = copyAt(world_, Places::installed) == "part";
-  if (played.partLeft && !take_.sequel.toolsDieToo) played.wrong.emplace_back("a part of a copy is left");
+  if (played.partLeft && !mayLeavePart) played.wrong.emplace_back("a part of a copy is left");
 }
 
 }  // namespace tamo::faults

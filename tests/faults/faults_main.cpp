@@ -35,6 +35,7 @@ struct Row {
   Tally singles;
   Tally pairs;
   Tally deaths;
+  Tally both;
 };
 
 Tally swept(Kind kind, const Scene& scene) {
@@ -45,12 +46,13 @@ Tally swept(Kind kind, const Scene& scene) {
 }
 
 void show(const char* name, const Row& row) {
-  const auto& [singles, pairs, deaths] = row;
-  std::printf("%-27s %6llu %6llu %6llu %8llu %8llu %8llu %7llu %7llu\n", name, shown(singles.calls),
+  const auto& [singles, pairs, deaths, both] = row;
+  std::printf("%-27s %6llu %6llu %6llu %8llu %8llu %8llu %8llu %7llu %7llu\n", name, shown(singles.calls),
               shown(singles.failing), shown(singles.ways), shown(singles.takes), shown(pairs.takes),
-              shown(deaths.takes), shown(singles.missed + pairs.missed + deaths.missed),
-              shown(singles.broken + pairs.broken + deaths.broken));
-  for (const auto* tally : {&singles, &pairs, &deaths}) {
+              shown(deaths.takes), shown(both.takes),
+              shown(singles.missed + pairs.missed + deaths.missed + both.missed),
+              shown(singles.broken + pairs.broken + deaths.broken + both.broken));
+  for (const auto* tally : {&singles, &pairs, &deaths, &both}) {
     for (const auto& wrong : tally->wrong)
       std::printf("  %s\n", wrong.c_str());
   }
@@ -60,29 +62,31 @@ void show(const Row& sum, double seconds) {
   show("all", sum);
   std::printf(
       "a part of a copy stayed: %llu times after failures, %llu times after deaths, opened %llu times\n",
-      shown(sum.singles.partsLeft + sum.pairs.partsLeft), shown(sum.deaths.partsLeft),
-      shown(sum.singles.partsOpened + sum.pairs.partsOpened + sum.deaths.partsOpened));
+      shown(sum.singles.partsLeft + sum.pairs.partsLeft), shown(sum.deaths.partsLeft + sum.both.partsLeft),
+      shown(sum.singles.partsOpened + sum.pairs.partsOpened + sum.deaths.partsOpened + sum.both.partsOpened));
   std::printf("after %llu of the deaths the clean run was compared with one on a fresh Mac\n",
-              shown(sum.deaths.compared));
+              shown(sum.deaths.compared + sum.both.compared));
   std::printf("%.1f s\n", seconds);
 }
 
 int playAll() {
   const auto begun = std::chrono::steady_clock::now();
-  std::printf("%-27s %6s %6s %6s %8s %8s %8s %7s %7s\n", "", "calls", "fail", "ways", "singles", "pairs",
-              "deaths", "missed", "broken");
+  std::printf("%-27s %6s %6s %6s %8s %8s %8s %8s %7s %7s\n", "", "calls", "fail", "ways", "singles", "pairs",
+              "deaths", "both", "missed", "broken");
   Row sum;
   for (const auto& scene : scenes()) {
     const Row row{.singles = swept(&Sweep::singles, scene),
                   .pairs = swept(&Sweep::pairs, scene),
-                  .deaths = swept(&Sweep::deaths, scene)};
+                  .deaths = swept(&Sweep::deaths, scene),
+                  .both = swept(&Sweep::deathsAfterFaults, scene)};
     show(scene.name.c_str(), row);
     sum.singles.add(row.singles);
     sum.pairs.add(row.pairs);
     sum.deaths.add(row.deaths);
+    sum.both.add(row.both);
   }
   show(sum, std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
-  for (const auto* tally : {&sum.singles, &sum.pairs, &sum.deaths}) {
+  for (const auto* tally : {&sum.singles, &sum.pairs, &sum.deaths, &sum.both}) {
     if (tally->broken + tally->missed == 0) continue;
     std::puts("BROKEN; a take is shown by: ./faults play 'TAKE'");
     return 1;

@@ -40,6 +40,10 @@ TEST(DeathsTest, ACompanionKilledAnywhereLeavesTheNextACleanRun) {
   expectSound(swept(&Sweep::deaths, TAMO_DEATHS_STRIDE));
 }
 
+TEST(DeathsTest, ACompanionKilledAfterAFailureLeavesTheNextACleanRun) {
+  expectSound(swept(&Sweep::deathsAfterFaults, TAMO_PAIRS_STRIDE));
+}
+
 /// A change of the file is a change of how a failure is answered: read it, line by line, before it is kept.
 TEST(OutcomesTest, EverySingleFailureIsAnsweredAsItIsWritten) {
   std::ifstream file(TAMO_SOURCE_DIR "/tests/faults/expected_outcomes.txt");

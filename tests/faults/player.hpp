@@ -22,7 +22,7 @@ struct Sequel {
   /// Whether the same is asked again a millisecond later, while they run.
   bool again = false;
   /// What is asked when all is quiet; empty: the same.
-  std::string_view last;
+  std::string_view last = {};
 };
 
 /// One run, said in full.

@@ -30,6 +30,15 @@ std::vector<std::string_view> askedAfter(const Scene& scene) {
   return {"", "register", "restart", "sync", "unregister"};
 }
 
+std::vector<Sequel> everySequel(const Scene& scene) {
+  std::vector<Sequel> sequels;
+  for (const bool toolsDieToo : {false, true})
+    for (const bool again : {false, true})
+      for (const auto last : askedAfter(scene))
+        sequels.push_back({.toolsDieToo = toolsDieToo, .again = again, .last = last});
+  return sequels;
+}
+
 }  // namespace
 
 void Tally::add(const Tally& other) {
@@ -91,30 +100,44 @@ void Sweep::pairs(const Scene& scene, By by) {
   }
 }
 
-void Sweep::deathsAt(const Take& base, const Death& death) {
+void Sweep::deathsAt(const Take& base, const Death& death, const std::vector<Sequel>& sequels) {
   auto take = base;
   take.death = death;
-  for (const bool toolsDieToo : {false, true}) {
-    for (const bool again : {false, true}) {
-      for (const auto last : askedAfter(*take.scene)) {
-        take.sequel = {.toolsDieToo = toolsDieToo, .again = again, .last = last};
-        maybePlay(take);
-      }
-    }
+  for (const auto& sequel : sequels) {
+    take.sequel = sequel;
+    maybePlay(take);
+  }
+}
+
+void Sweep::deathsFrom(const Take& base, std::size_t from, const Played& run,
+                       const std::vector<Sequel>& sequels) {
+  for (std::size_t call = from; call <= run.calls.size(); ++call) {
+    deathsAt(base, {.when = Death::When::Before, .call = call}, sequels);
+    // After its last call the process ends by itself.
+    if (call < run.calls.size()) deathsAt(base, {.when = Death::When::After, .call = call}, sequels);
   }
 }
 
 void Sweep::deaths(const Scene& scene, By by) {
   const Take base{.scene = &scene, .by = by};
   const auto untouched = player_.play(base, {.plant = how_.plant});
+  const auto sequels = everySequel(scene);
   tally_.calls += untouched.calls.size();
-  for (std::size_t call = 1; call <= untouched.calls.size(); ++call) {
-    deathsAt(base, {.when = Death::When::Before, .call = call});
-    // After its last call the process ends by itself.
-    if (call < untouched.calls.size()) deathsAt(base, {.when = Death::When::After, .call = call});
-  }
+  deathsFrom(base, 1, untouched, sequels);
   for (Time at = step; at < untouched.lasted; at += step)
-    deathsAt(base, {.when = Death::When::At, .call = 0, .at = at});
+    deathsAt(base, {.when = Death::When::At, .call = 0, .at = at}, sequels);
+}
+
+void Sweep::deathsAfterFaults(const Scene& scene, By by) {
+  Take take{.scene = &scene, .by = by};
+  const auto untouched = player_.play(take, {.plant = how_.plant});
+  const std::vector<Sequel> sequels{{.toolsDieToo = false}, {.toolsDieToo = true}};
+  for (const auto& first : faultsOf(untouched, 1)) {
+    if (tally_.firsts++ % how_.firsts != 0) continue;
+    take.faults = {first};
+    const auto single = player_.play(take, {.plant = how_.plant});
+    deathsFrom(take, first.call + 1, single, sequels);
+  }
 }
 
 }  // namespace tamo::faults

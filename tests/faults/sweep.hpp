@@ -10,7 +10,7 @@
 
 #include "faults/player.hpp"
 
-/// Every take of a kind: the single faults, the pairs of them, the deaths. The order is fixed, so that every
+/// Every take of a kind: the single faults, the pairs of them, the deaths, the deaths after a fault. The order is fixed, so that every
 /// so-manieth of them is always the same choice.
 namespace tamo::faults {
 
@@ -22,7 +22,7 @@ struct Tally {
   std::uint64_t takes = 0;
   /// Takes that there are, played or not.
   std::uint64_t all = 0;
-  /// First failures of pairs, taken or not.
+  /// First failures of pairs or before deaths, taken or not.
   std::uint64_t firsts = 0;
   /// Takes in which a fault or the death was not reached, which must not be.
   std::uint64_t missed = 0;
@@ -44,7 +44,7 @@ class Sweep {
   struct How {
     /// One take of so many is played; the first is number 0.
     std::uint64_t stride = 1;
-    /// Of the pairs: one first failure of so many is taken at all.
+    /// Of the pairs, and of the deaths after a failure: one first failure of so many is taken at all.
     std::uint64_t firsts = 1;
     simulation::Plant plant = simulation::Plant::None;
     /// Called with every take and what came of it; may be empty.
@@ -59,13 +59,16 @@ class Sweep {
   void pairs(const Scene& scene, By by);
   /// Each point of a scene's run at which the companion can be killed, with everything that may follow.
   void deaths(const Scene& scene, By by);
+  /// Each death at a call that comes later than a failure.
+  void deathsAfterFaults(const Scene& scene, By by);
 
   [[nodiscard]] const Tally& tally() const { return tally_; }
 
  private:
   Played playAll(const Take& take, bool keepsCalls);
   void maybePlay(const Take& take);
-  void deathsAt(const Take& base, const Death& death);
+  void deathsAt(const Take& base, const Death& death, const std::vector<Sequel>& sequels);
+  void deathsFrom(const Take& base, std::size_t from, const Played& run, const std::vector<Sequel>& sequels);
 
   How how_;
   Tally tally_;

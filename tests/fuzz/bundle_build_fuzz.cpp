@@ -44,8 +44,10 @@ void readInput(std::string_view bytes) {
 
   const OneFile files("/Downloads/Tamo.app/Contents/Info.plist", bytes);
   const auto version = platform::bundleText(files, "/Downloads/Tamo.app", "CFBundleVersion");
-  const auto build = AppMove::build(files, "/Downloads/Tamo.app");
-  insist(build == (version ? describedBuild(*version) : std::nullopt), "the build is that of the version");
+  // To read the list once more would say nothing new where it has no version, which is nearly always.
+  if (!version) return;
+  insist(AppMove::build(files, "/Downloads/Tamo.app") == describedBuild(*version),
+         "the build is that of the version");
   insist(!AppMove::build(files, "/Applications/Tamo.app"), "a missing bundle has no build");
 }
 
