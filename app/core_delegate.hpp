@@ -43,8 +43,8 @@ class CoreDelegate final : public platform::ApplicationDelegate {
   void applicationDidFinishLaunching() override;
   void application(const std::vector<std::string>& open) override;
 
-  /// Carries out one action from the guard to the unlock. Whatever is raised on the way becomes data of the
-  /// outcome.
+  /// Carries out one action from the guard to the unlock. A platform::Error that is raised on the way becomes
+  /// data of the outcome; anything else that is raised stops the process.
   platform::Task<platform::Nothing> perform(std::string action);
 
   /// The action asked for by a URL or by the command line, the last of them; absent while there is none.

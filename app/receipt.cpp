@@ -6,6 +6,7 @@
 #include "app/data_directory.hpp"
 #include "platform/json_text.hpp"
 #include "platform/paths.hpp"
+#include "platform/text.hpp"
 
 namespace tamo {
 namespace {
@@ -47,9 +48,9 @@ void ReceiptWriter::write(OutcomeRecord& record) const {
   const auto directory =
       platform::joinedPath(passwordHome(needs_.user), "Library/Application Support/TamoPKG1/M2");
   const auto name = std::to_string(needs_.kernelProcesses.ownPid()) + "-core.json";
-  const bool written =
-      needs_.files.createDirectories(directory) &&
-      needs_.files.writeAtomically(platform::joinedPath(directory, name), receiptJson(record));
+  const auto json = receiptJson(record);
+  const bool written = needs_.files.createDirectories(directory) && platform::isUtf8(json) &&
+                       needs_.files.writeAtomically(platform::joinedPath(directory, name), json);
   if (!written) needs_.log.write({platform::LogFormat::receiptFailed, {}});
 }
 

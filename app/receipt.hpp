@@ -21,8 +21,8 @@ namespace tamo {
 /// ISO 8601 internet date-time in UTC with whole seconds, any fraction cut off: "2026-11-16T00:05:09Z".
 [[nodiscard]] std::string internetDateTime(std::chrono::system_clock::time_point time);
 
-/// Leaves a receipt of each action for the product's other programs: a file of its own per run, named by the
-/// process id, under the real home. Main thread.
+/// Leaves a receipt of an action (the move and a refused one have none) for the product's other programs: a
+/// file of its own per run, named by the process id, under the real home. Main thread.
 class ReceiptWriter {
  public:
   struct Needs {
@@ -36,8 +36,9 @@ class ReceiptWriter {
 
   explicit ReceiptWriter(Needs needs) : needs_(needs) {}
 
-  /// Adds "bundle", "pid" and "timestamp" to the record and writes it. A failure is one log line and nothing
-  /// more. No password entry, or one without a home, stops the process (fatal).
+  /// Adds "bundle", "pid" and "timestamp" to the record and writes it. A failure, a text that is no UTF-8
+  /// included, is one log line and nothing more. No password entry, or one without a home, stops the process
+  /// (fatal).
   void write(OutcomeRecord& record) const;
 
  private:

@@ -18,7 +18,7 @@ constexpr std::array<std::string_view, 7> acceptedActions{
 std::optional<std::string> actionOfArguments(const std::vector<std::string>& arguments) {
   const auto found = std::find(arguments.begin(), arguments.end(), "--core-action");
   if (found == arguments.end() || found + 1 == arguments.end()) return std::nullopt;
-  return *(found + 1);
+  return platform::repairedUtf8(*(found + 1));
 }
 
 std::optional<std::string> actionOfUrl(std::string_view url, std::string_view scheme) {

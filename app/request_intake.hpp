@@ -9,8 +9,9 @@
 namespace tamo::RequestIntake {
 
 /// The text that follows the first "--core-action" of the process arguments, the program path included,
-/// whatever it says: unknown names are the dispatch's business. Absent without the switch, and when it is the
-/// last argument, also if a later switch would have a value.
+/// whatever it says: unknown names are the dispatch's business. Bytes that are no UTF-8 are repaired, as a Mac
+/// does when it makes arguments texts. Absent without the switch, and when it is the last argument, also if a
+/// later switch would have a value.
 [[nodiscard]] std::optional<std::string> actionOfArguments(const std::vector<std::string>& arguments);
 
 /// The action that a URL's absolute string asks for: the scheme compared with case, then what follows the

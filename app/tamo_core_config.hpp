@@ -15,7 +15,8 @@ struct TamoCoreConfig {
   std::string_view coreBundleID = "studio.pell.Tamo.Core";
   /// The scheme of the URLs that carry an action; compared with case.
   std::string_view urlScheme = "tamo-core";
-  /// Whether each action leaves a receipt file. Nothing else depends on it.
+  /// Whether an action leaves a receipt file; the move and a refused action never do. Nothing else depends on
+  /// it.
   bool writesReceipts = false;
   /// A substitute home for test builds: it replaces the user's home in dataDirectory() and switches off the
   /// refusal of copies that may not open the live data. Nothing else; receipts and the guard keep the real

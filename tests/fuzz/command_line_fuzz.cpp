@@ -1,6 +1,7 @@
 #include "app/request_intake.hpp"
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
+#include "fuzz/utf8_description.hpp"
 
 /// What a command line asks for: any texts, divided by zero bytes.
 namespace tamo::fuzz {
@@ -11,7 +12,7 @@ std::optional<std::string> describedAction(const std::vector<std::string>& argum
   std::optional<std::string> action;
   for (auto at = arguments.size(); at-- > 0;) {
     if (arguments[at] != "--core-action") continue;
-    action = at + 1 == arguments.size() ? std::nullopt : std::optional(arguments[at + 1]);
+    action = at + 1 == arguments.size() ? std::nullopt : std::optional(describedRepair(arguments[at + 1]));
   }
   return action;
 }

@@ -165,6 +165,7 @@ TEST_F(DispatchTest, StatusOfACopyThatMayNotActStillRuns) {
   downloaded();
   companion.act("status");
   EXPECT_EQ(companion.logLines(), Texts{"log: default status -> status 1 ok Optional(true)<private:>"});
+  EXPECT_EQ(companion.fakes.ledger.count("lock: "), 0U);
 }
 
 TEST_F(DispatchTest, AProofHomeSwitchesTheRefusalOff) {
@@ -185,7 +186,8 @@ TEST_F(DispatchTest, TheReceiptComesAfterTheLineAndBeforeTheTerminateRequest) {
 }
 
 TEST_F(DispatchTest, WithReceiptsOffNoActionWritesAnything) {
-  for (const std::string action : {"status", "sync", "unregister", "bogus"}) {
+  for (const std::string action :
+       {"register", "unregister", "reseat", "restart", "sync", "status", "bogus", "move-to-applications"}) {
     Companion silent;
     silent.fakes.agentServices.status = 0;
     silent.act(action);
@@ -240,6 +242,13 @@ TEST_F(DispatchReceiptTest, ARegisterThatAwaitsApprovalSaysSo) {
   companion.fakes.agentServices.statusAfterRegister = 2;
   companion.act("register");
   EXPECT_THAT(receipt(), ::testing::HasSubstr("  \"needsApproval\" : true,\n  \"ok\" : false,\n"));
+}
+
+TEST_F(DispatchReceiptTest, ASyncThatLeavesApprovalPendingSaysNothingOfIt) {
+  companion.fakes.agentServices.status = 2;
+  companion.act("sync");
+  EXPECT_THAT(receipt(), ::testing::Not(::testing::HasSubstr("needsApproval")));
+  EXPECT_THAT(receipt(), ::testing::HasSubstr("  \"status\" : 2,\n"));
 }
 
 TEST_F(DispatchReceiptTest, ARestartUnderAHardStopTellsWhatBecameOfTheCore) {

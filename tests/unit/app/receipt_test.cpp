@@ -83,6 +83,13 @@ TEST_F(ReceiptWriterTest, AFileThatCannotBeWrittenIsOneLogLine) {
   EXPECT_EQ(fakes.ledger.textsOf({"log: "}), Texts{"log: error receipt failed"});
 }
 
+TEST_F(ReceiptWriterTest, ATextThatIsNoUtf8IsOneLogLineAndNoFile) {
+  record["description"] = "\xFF";
+  write();
+  EXPECT_EQ(fakes.ledger.textsOf({"log: "}), Texts{"log: error receipt failed"});
+  EXPECT_TRUE(fakes.files.contents.empty());
+}
+
 TEST_F(ReceiptWriterTest, WithoutAPasswordEntryTheProcessStops) {
   fakes.user.entry.reset();
   EXPECT_DEATH(write(), "fatal: the user has no password entry");

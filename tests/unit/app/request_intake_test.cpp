@@ -24,6 +24,7 @@ TEST(ActionOfArgumentsTest, TheFirstSwitchWithItsFollowerCounts) {
       {"the switch as the program path", {"--core-action", "reseat"}, "reseat"},
       {"a name that no route knows", {"/p", "--core-action", "audit-install"}, "audit-install"},
       {"an empty name", {"/p", "--core-action", ""}, ""},
+      {"bytes that are no text", {"/p", "--core-action", "s\xFFync"}, "s\uFFFDync"},
       {"other arguments before it", {"/p", "-x", "--core-action", "restart", "y"}, "restart"},
       {"the value joined with a sign", {"/p", "--core-action=sync"}, std::nullopt},
       {"other letter case", {"/p", "--Core-Action", "sync"}, std::nullopt},
