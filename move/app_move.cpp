@@ -6,6 +6,7 @@
 #include "platform/bundle_info.hpp"
 #include "platform/json_text.hpp"
 #include "platform/paths.hpp"
+#include "platform/private_prefix.hpp"
 #include "platform/text.hpp"
 #include "platform/unicode.hpp"
 
@@ -40,9 +41,15 @@ bool isTranslocated(std::string_view path) {
   return path.contains("/AppTranslocation/");
 }
 
-/// A name with accents has two spellings, and the places that paths come from do not agree on one.
+std::string spelling(std::string_view path) {
+  const auto leadToOneItem = [](const std::string&, const std::string&) { return true; };
+  return platform::withoutPrivatePrefix(platform::standardisedPath(path), leadToOneItem);
+}
+
+/// A name with accents has two spellings, and so has a path below /private; the places that paths come from do
+/// not agree on one.
 bool samePath(std::string_view left, std::string_view right) {
-  return platform::canonicallyEqual(platform::standardisedPath(left), platform::standardisedPath(right));
+  return platform::canonicallyEqual(spelling(left), spelling(right));
 }
 
 }  // namespace

@@ -23,9 +23,10 @@ class BundleCopy {
 
   explicit BundleCopy(Needs needs) : needs_(std::move(needs)) {}
 
-  /// Both paths are absolute and standardised. Blocks without limit while the tools run, the time at the administrator prompt among it. Gives "moved",
-  /// "copy_failed", "cancelled" or "not_writable"; never raises. After a failure nothing is left at `to`, so
-  /// whoever wants to keep what lies there takes it away first.
+  /// Both paths are absolute and standardised. Blocks without limit while the tools run, the time at the
+  /// administrator prompt among it. Gives "moved", "copy_failed", "cancelled" or "not_writable"; never raises.
+  /// After a failure what lies at `to` is removed, as far as the user may, so whoever wants to keep it takes it
+  /// away first.
   ///
   /// The mark of a download is cleared from the copy. In the plain copy a failure of that is ignored; with
   /// the administrator's rights it fails the whole, because one command does both.

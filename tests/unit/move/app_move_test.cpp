@@ -207,7 +207,7 @@ TEST_F(MoveOnFilesTest, ABundleThatTellsNoVersionHasNoBuild) {
   EXPECT_EQ(build(files, "/A.app"), std::nullopt);
   placeInfo("/A.app", "<key>CFBundleShortVersionString</key><string>42</string>");
   EXPECT_EQ(build(files, "/A.app"), std::nullopt);
-  files.contents["/A.app/Contents/Info.plist"] = "{ CFBundleVersion = 42; }";
+  files.contents["/A.app/Contents/Info.plist"] = "<dict>no list";
   EXPECT_EQ(build(files, "/A.app"), std::nullopt);
 }
 

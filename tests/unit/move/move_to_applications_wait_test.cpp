@@ -134,6 +134,15 @@ TEST_F(MoveWaitTest, ATranslocatedCopyIsWaitedForWhereItRuns) {
   EXPECT_EQ(opened(), 750ms);
 }
 
+TEST_F(MoveWaitTest, ACopyBelowPrivateIsTheSameHoweverThatIsSpelt) {
+  const std::string prefix = "/private";
+  ASSERT_TRUE(MoveRig::translocated.starts_with(prefix + "/"));
+  rig.runsFrom(MoveRig::translocated);
+  rig.runs(MoveRig::translocated.substr(prefix.size()));
+  rig.quitsAt(700ms);
+  EXPECT_EQ(opened(), 750ms);
+}
+
 TEST_F(MoveWaitTest, TheInstalledCopyIsWaitedForWhenItIsTheOneThatRuns) {
   rig.runsFrom(MoveRig::installed);
   rig.files.resolved[MoveRig::installed] = "/Volumes/X/Tamo.app";
@@ -147,6 +156,12 @@ TEST_F(MoveWaitTest, AnOnlyOpenedCopyIsWaitedForAsWell) {
   rig.runs(MoveRig::downloads);
   rig.quitsAt(700ms);
   EXPECT_EQ(opened(), 750ms);
+}
+
+TEST_F(MoveWaitTest, AnOnlyOpenedCopyIsWaitedForThirtySecondsAtMost) {
+  rig.place(MoveRig::installed, "42");
+  rig.runs(MoveRig::downloads);
+  EXPECT_EQ(opened(), 30s);
 }
 
 TEST_F(MoveWaitTest, TheMoveEndsOnlyWhenTheOpeningReports) {
