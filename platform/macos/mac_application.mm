@@ -7,6 +7,24 @@
 #include "platform/fatal.hpp"
 #include "platform/macos/foundation_values.hpp"
 
+namespace {
+
+using tamo::platform::ApplicationDelegate;
+
+// Nothing may be thrown into the system's frames.
+void launched(ApplicationDelegate& delegate) noexcept {
+  delegate.applicationDidFinishLaunching();
+}
+
+void opened(ApplicationDelegate& delegate, NSArray<NSURL*>* urls) noexcept {
+  std::vector<std::string> open;
+  for (NSURL* url in urls)
+    open.push_back(tamo::macos::textOf(url.absoluteString).value_or(""));
+  delegate.application(open);
+}
+
+}  // namespace
+
 /// Passes what the application object tells on to the platform's delegate.
 @interface TamoApplicationDelegate : NSObject <NSApplicationDelegate>
 - (instancetype)initWithDelegate:(tamo::platform::ApplicationDelegate&)delegate;
@@ -23,14 +41,11 @@
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)__unused notification {
-  _delegate->applicationDidFinishLaunching();
+  launched(*_delegate);
 }
 
 - (void)application:(NSApplication*)__unused application openURLs:(NSArray<NSURL*>*)urls {
-  std::vector<std::string> open;
-  for (NSURL* url in urls)
-    open.push_back(tamo::macos::textOf(url.absoluteString).value_or(""));
-  _delegate->application(open);
+  opened(*_delegate, urls);
 }
 
 @end

@@ -2,9 +2,9 @@
 
 #if defined(__APPLE__)
 #include <crt_externs.h>
-#else
-#include <unistd.h>
+#include <fcntl.h>
 #endif
+#include <unistd.h>
 
 namespace tamo::platform {
 
@@ -23,7 +23,11 @@ short inheritanceFlag() {
 }
 
 bool inheritOnlyStreams(posix_spawn_file_actions_t& actions) {
-  return ::posix_spawn_file_actions_addinherit_np(&actions, 0) == 0;
+  // To inherit a descriptor that is not open fails the whole spawn (EBADF in exec_handle_file_actions, XNU
+  // kern_exec.c), and to inherit one that closes on exec, a lock it may be, would keep it open in the tool.
+  const int flags = ::fcntl(STDIN_FILENO, F_GETFD);
+  if (flags == -1 || (flags & FD_CLOEXEC) != 0) return true;
+  return ::posix_spawn_file_actions_addinherit_np(&actions, STDIN_FILENO) == 0;
 }
 
 #else

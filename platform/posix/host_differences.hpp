@@ -18,7 +18,8 @@ namespace tamo::platform {
 [[nodiscard]] short inheritanceFlag();
 
 /// Lets a started tool keep standard input and whatever `actions` make of the other two streams, and nothing
-/// else. The last of the actions. False when there is no memory for them.
+/// else; a standard input that is closed, or closes on exec, is closed in the tool. The last of the actions.
+/// False when there is no memory for them.
 [[nodiscard]] bool inheritOnlyStreams(posix_spawn_file_actions_t& actions);
 
 }  // namespace tamo::platform

@@ -16,8 +16,8 @@ namespace tamo::platform {
 /// A new stream socket, closed in every tool. Owns nothing when the host gives none.
 [[nodiscard]] Descriptor localStreamSocket();
 
-/// A connection to the listener at `path`; owns nothing when there is none. Blocks while the listener's
-/// backlog is full.
+/// A connection to the listener at `path`; owns nothing when there is none. On Linux it
+/// blocks while the listener's backlog is full.
 [[nodiscard]] Descriptor connectedTo(const std::string& path);
 
 /// Sockets on the host's own paths.

@@ -101,6 +101,25 @@ TEST_P(ProcessesContract, StandardInputIsInherited) {
   ::dup2(saved.get(), 0);
 }
 
+TEST_P(ProcessesContract, AStandardInputThatIsClosedStaysClosedInATool) {
+  Child child([this] {
+    ::close(0);
+    const auto tool = shell("test -e /dev/fd/0 && exit 1; exit 7");
+    ::_exit(tool == nullptr ? 2 : tool->wait());
+  });
+  EXPECT_EQ(WEXITSTATUS(child.reap()), 7);
+}
+
+TEST_P(ProcessesContract, AFileThatTookThePlaceOfStandardInputIsClosedInATool) {
+  Child child([this] {
+    ::close(0);
+    if (outputFile().release() != 0) ::_exit(3);
+    const auto tool = shell("test -e /dev/fd/0 && exit 1; exit 7");
+    ::_exit(tool == nullptr ? 2 : tool->wait());
+  });
+  EXPECT_EQ(WEXITSTATUS(child.reap()), 7);
+}
+
 TEST_P(ProcessesContract, EveryOtherDescriptorIsClosed) {
   const Descriptor stray(::fcntl(0, F_DUPFD, 40));
   ASSERT_EQ(::fcntl(stray.get(), F_GETFD) & FD_CLOEXEC, 0);
