@@ -31,10 +31,10 @@ struct PropertyList {
 /// boolean is another kind, not a number.
 [[nodiscard]] std::optional<std::int64_t> exactInt64(const PropertyList& list);
 
-/// Reads an XML or binary property list. Absent for anything else, lists of the old ASCII form among them:
-/// one wrong number or stray byte makes the whole list unreadable, as on macOS. A key that a dictionary has
-/// twice keeps its last value. Each backend brings its own reader; one suite holds them to the same answers.
-/// Any thread.
+/// Reads an XML or binary property list; a Mac reads the old ASCII form too. Absent for anything else, and past
+/// the limits of property_list_limits.hpp: one wrong number or stray byte makes the whole list unreadable, as
+/// on macOS. A key that a dictionary has twice keeps its last value. Each backend brings its own reader; one
+/// suite holds them to the same answers, another says where the stage's gives up. Any thread.
 [[nodiscard]] std::optional<PropertyList> readPropertyList(std::string_view bytes);
 
 }  // namespace tamo::platform

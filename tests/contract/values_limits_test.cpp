@@ -3,8 +3,8 @@
 #include "contract/binary_list_builder.hpp"
 #include "platform/property_list.hpp"
 
-// Where the stage's reader gives up although macOS might read on. None of this occurs in a list that the
-// system meets.
+// Where the stage's reader gives up although macOS would read on. The bounds of nesting and of values are those of
+// the Mac's reader too. None of this occurs in a list that the system meets.
 namespace tamo::platform {
 namespace {
 
@@ -28,10 +28,26 @@ std::string shared(std::size_t depth, std::size_t width) {
   return builder.addText("a").bytes();
 }
 
+TEST(ValuesLimitsTest, TheOldAsciiFormIsUnreadable) {
+  EXPECT_FALSE(readPropertyList("{ ProgramArguments = (\"/bin/sh\", \"-c\"); ExitTimeOut = 20; }"));
+  EXPECT_FALSE(readPropertyList("\"a\""));
+}
+
 TEST(ValuesLimitsTest, AnXmlListMayBeNestedFiveHundredAndTwelveTimes) {
   EXPECT_TRUE(readPropertyList(nested(512)));
   EXPECT_FALSE(readPropertyList(nested(513)));
   EXPECT_FALSE(readPropertyList(nested(100'000)));
+}
+
+TEST(ValuesLimitsTest, AnXmlListMayHaveTenThousandValues) {
+  const auto list = [](std::size_t texts) {
+    std::string items;
+    for (std::size_t item = 0; item < texts; ++item)
+      items += "<string/>";
+    return "<plist><array>" + items + "</array></plist>";
+  };
+  EXPECT_TRUE(readPropertyList(list(9'999)));
+  EXPECT_FALSE(readPropertyList(list(10'000)));
 }
 
 TEST(ValuesLimitsTest, ABinaryListMayShareItsObjects) {

@@ -204,11 +204,6 @@ TEST(ValuesXmlListTest, EntitiesOfItsOwnMakeADocumentUnreadable) {
   EXPECT_TRUE(isUnreadable("<!DOCTYPE plist SYSTEM \"x\"><plist><string>&a;</string></plist>"));
 }
 
-TEST(ValuesXmlListTest, TheOldAsciiFormIsUnreadable) {
-  EXPECT_TRUE(isUnreadable("{ ProgramArguments = (\"/bin/sh\", \"-c\"); ExitTimeOut = 20; }"));
-  EXPECT_TRUE(isUnreadable("\"a\""));
-}
-
 TEST(ValuesBinaryListTest, ADictionaryHoldsWhatItsReferencesName) {
   const auto list = readPropertyList(BinaryListBuilder()
                                          .addDictionary("\1\2\3", "\4\5\6")

@@ -77,13 +77,9 @@ std::optional<PropertyList> readPropertyList(std::string_view bytes) {
     const auto* start = static_cast<const UInt8*>(static_cast<const void*>(bytes.data()));
     const Owned<CFDataRef> data(CFDataCreate(nullptr, start, static_cast<CFIndex>(bytes.size())));
     if (!data) return std::nullopt;
-    CFPropertyListFormat format{};
     const Owned<CFPropertyListRef> list(
-        CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, &format, nullptr));
-    // The system would also read the old ASCII form, in which almost any text is a list.
-    const bool isKnown =
-        format == kCFPropertyListXMLFormat_v1_0 || format == kCFPropertyListBinaryFormat_v1_0;
-    if (!list || !isKnown) return std::nullopt;
+        CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    if (!list) return std::nullopt;
     return Conversion().valueOf(list.get());
   }
 }

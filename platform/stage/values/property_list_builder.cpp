@@ -14,6 +14,8 @@ using platform::PropertyList;
 bool PropertyListBuilder::begin(std::string_view name) {
   const auto element = elementNamed(name);
   if (!element || open_.size() > platform::deepestNesting || !mayBegin(*element)) return false;
+  const bool isValue = *element != Element::Plist && *element != Element::Key;
+  if (isValue && ++values_ > platform::mostValues) return false;
   Open opened{.element = *element};
   if (*element == Element::Dict) opened.list = PropertyList{PropertyList::Dictionary()};
   if (*element == Element::Array) opened.list = PropertyList{PropertyList::Array()};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,6 +45,8 @@ class PropertyListBuilder {
   void put(platform::PropertyList value);
 
   std::vector<Open> open_;
+  /// How many values have begun.
+  std::size_t values_ = 0;
   std::optional<platform::PropertyList> result_;
 };
 

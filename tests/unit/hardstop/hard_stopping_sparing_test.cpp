@@ -73,6 +73,12 @@ TEST_F(SparingTest, WithoutADataDirectoryTheAgeStillCounts) {
   EXPECT_EQ(outcome(), "spared(\"young_core\", gone: false)");
 }
 
+TEST_F(SparingTest, WithoutADataDirectoryTheBuildStillCounts) {
+  dataDirectory.reset();
+  info(installed, "<key>CFBundleVersion</key><string>1.4.2</string>");
+  EXPECT_EQ(outcome(), "spared(\"revert_release\", gone: false)");
+}
+
 TEST_F(SparingTest, ACoreOfTheSameMicrosecondIsKilled) {
   fake.kernelProcesses.processes[4242].startSeconds = 20;
   EXPECT_EQ(outcome(), killed);
@@ -114,7 +120,8 @@ TEST_F(SparingTest, AMissingBuildIsAbsent) {
 }
 
 TEST_F(SparingTest, AnUnreadableInfoIsAbsent) {
-  fake.files.contents[installed + "/Contents/Info.plist"] = "CFBundleVersion = 1.4.2";
+  fake.files.contents[installed + "/Contents/Info.plist"] =
+      "<key>CFBundleVersion</key><string>1.4.2</string>";
   EXPECT_EQ(outcome(), killed);
 }
 
