@@ -22,7 +22,7 @@ struct ToolLaunch {
 };
 
 /// A tool that was started. Destroying it neither ends nor waits for the tool; a tool left running is reaped
-/// later, so that none of ours stays a zombie. One thread.
+/// when the next one is started, at the latest by the end of this process. One thread.
 class Tool {
  public:
   virtual ~Tool() = default;

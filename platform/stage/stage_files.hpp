@@ -11,7 +11,7 @@ namespace tamo::stage {
 ///
 /// Known differences from a Mac: names are bytes, so letter case and the form of accents always count, and a
 /// path is never given back in another case; nothing is read-only, protected or on another volume unless the
-/// host makes it so; a companion that runs as root may write everywhere.
+/// host makes it so.
 class StageFiles final : public platform::Files {
  public:
   explicit StageFiles(const StageRoot& root) : root_(root) {}

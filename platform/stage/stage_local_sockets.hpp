@@ -8,8 +8,9 @@ namespace tamo::stage {
 /// Sockets of the stage: real listeners. The length that counts is the stage path's, which the caller looks
 /// at; the host path may be as long as it likes.
 ///
-/// Known difference from a Mac: a process that listens is found by any path that leads to its socket, also
-/// through a link that is absolute on the stage.
+/// Known differences from a Mac: a process that listens is found by any path that leads to its socket, also
+/// through a link that is absolute on the stage; and a listener with a full backlog makes the caller wait, where a
+/// Mac refuses.
 class StageLocalSockets final : public platform::LocalSockets {
  public:
   explicit StageLocalSockets(const StageRoot& root) : root_(root) {}
