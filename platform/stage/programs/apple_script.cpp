@@ -1,6 +1,8 @@
 #include "platform/stage/programs/apple_script.hpp"
 
+#include <cstddef>
 #include <initializer_list>
+#include <utility>
 
 #include "platform/stage/programs/apple_script_words.hpp"
 #include "platform/text.hpp"
@@ -12,6 +14,9 @@ using Kind = ScriptWord::Kind;
 
 constexpr int noScript = -2741;
 constexpr int noSuchItem = -1728;
+/// What the kernel takes as one argument of the shell. The quoted form of a quoted form is up to four times as
+/// long.
+constexpr std::size_t longestText = std::size_t{128} << 10U;
 
 /// Reads the words from left to right. What doesn't fit ends the reading by a raised ScriptError, which never
 /// leaves this file.
@@ -65,7 +70,9 @@ class Reader {
     }
     if (take("quoted")) {
       expect({"form", "of"});
-      return {{.text = quotedForm(joined(term())), .written = false}};
+      auto quoted = quotedForm(joined(term()));
+      if (quoted.size() > longestText) fail();
+      return {{.text = std::move(quoted), .written = false}};
     }
     if (take("item")) return {{.text = item(), .written = false}};
     if (peek().kind != Kind::Literal) fail();
@@ -114,10 +121,15 @@ class Reader {
   std::size_t next_ = 0;
 };
 
-std::string replaced(std::string text, std::string_view what, const std::string& by) {
-  for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size()))
-    text.replace(at, what.size(), by);
-  return text;
+std::string replaced(std::string_view text, std::string_view what, std::string_view by) {
+  std::string whole;
+  std::size_t start = 0;
+  for (auto at = text.find(what); at != std::string_view::npos; at = text.find(what, start)) {
+    whole.append(text.substr(start, at - start)).append(by);
+    start = at + what.size();
+  }
+  whole += text.substr(start);
+  return whole;
 }
 
 }  // namespace
@@ -141,7 +153,7 @@ std::expected<ShellRequest, ScriptError> shellRequest(std::string_view script,
 
 std::string quotedForm(std::string_view text) {
   std::string quoted("'");
-  return quoted.append(replaced(std::string(text), "'", R"('\'')")).append("'");
+  return quoted.append(replaced(text, "'", R"('\'')")).append("'");
 }
 
 std::string commandOnStage(const ScriptText& command, const std::string& stageDirectory) {

@@ -78,6 +78,22 @@ TEST(AppleScriptTest, QuotedFormHoldsForTheNextTermAlone) {
   EXPECT_EQ(joined(requestFor(R"(do shell script quoted form of ("a" & "b"))")->command), "'ab'");
 }
 
+/// Each of them is up to four times as long as the one before.
+TEST(AppleScriptTest, AQuotedTextThatNoShellTakesIsASyntaxError) {
+  const auto nested = [](int depth) {
+    std::string text = "item 1 of argv";
+    while (depth-- > 0)
+      text.insert(0, "quoted form of ");
+    return shellRequest("on run argv\ndo shell script " + text + "\nend run\n", {"a"});
+  };
+  ASSERT_TRUE(nested(8));
+  EXPECT_LT(joined(nested(8)->command).size(), std::size_t{128} << 10U);
+  for (const int depth : {20, 40, 400}) {
+    ASSERT_FALSE(nested(depth)) << depth;
+    EXPECT_EQ(nested(depth).error().number, -2741);
+  }
+}
+
 TEST(AppleScriptTest, ThePromptAndThePrivilegesStandBehindInAnyOrder) {
   const auto usual = requestFor(R"(do shell script "x" with prompt "May I?" with administrator privileges)");
   const auto turned = requestFor(R"(do shell script "x" with administrator privileges with prompt "May I?")");
