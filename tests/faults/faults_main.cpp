@@ -1,3 +1,4 @@
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -36,6 +37,14 @@ struct Row {
   Tally pairs;
   Tally deaths;
   Tally both;
+
+  [[nodiscard]] std::array<const Tally*, 4> kinds() const { return {&singles, &pairs, &deaths, &both}; }
+  [[nodiscard]] Tally whole() const {
+    Tally sum;
+    for (const auto* tally : kinds())
+      sum.add(*tally);
+    return sum;
+  }
 };
 
 Tally swept(Kind kind, const Scene& scene) {
@@ -46,13 +55,12 @@ Tally swept(Kind kind, const Scene& scene) {
 }
 
 void show(const char* name, const Row& row) {
-  const auto& [singles, pairs, deaths, both] = row;
-  std::printf("%-27s %6llu %6llu %6llu %8llu %8llu %8llu %8llu %7llu %7llu\n", name, shown(singles.calls),
-              shown(singles.failing), shown(singles.ways), shown(singles.takes), shown(pairs.takes),
-              shown(deaths.takes), shown(both.takes),
-              shown(singles.missed + pairs.missed + deaths.missed + both.missed),
-              shown(singles.broken + pairs.broken + deaths.broken + both.broken));
-  for (const auto* tally : {&singles, &pairs, &deaths, &both}) {
+  const auto whole = row.whole();
+  std::printf("%-27s %6llu %6llu %6llu %8llu %8llu %8llu %8llu %7llu %7llu\n", name, shown(row.singles.calls),
+              shown(row.singles.failing), shown(row.singles.ways), shown(row.singles.takes),
+              shown(row.pairs.takes), shown(row.deaths.takes), shown(row.both.takes), shown(whole.missed),
+              shown(whole.broken));
+  for (const auto* tally : row.kinds()) {
     for (const auto& wrong : tally->wrong)
       std::printf("  %s\n", wrong.c_str());
   }
@@ -63,9 +71,9 @@ void show(const Row& sum, double seconds) {
   std::printf(
       "a part of a copy stayed: %llu times after failures, %llu times after deaths, opened %llu times\n",
       shown(sum.singles.partsLeft + sum.pairs.partsLeft), shown(sum.deaths.partsLeft + sum.both.partsLeft),
-      shown(sum.singles.partsOpened + sum.pairs.partsOpened + sum.deaths.partsOpened + sum.both.partsOpened));
+      shown(sum.whole().partsOpened));
   std::printf("after %llu of the deaths the clean run was compared with one on a fresh Mac\n",
-              shown(sum.deaths.compared + sum.both.compared));
+              shown(sum.whole().compared));
   std::printf("%.1f s\n", seconds);
 }
 
@@ -86,13 +94,9 @@ int playAll() {
     sum.both.add(row.both);
   }
   show(sum, std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
-  for (const auto* tally : {&sum.singles, &sum.pairs, &sum.deaths, &sum.both}) {
-    if (tally->broken + tally->missed == 0) continue;
-    std::puts("BROKEN; a take is shown by: ./faults play 'TAKE'");
-    return 1;
-  }
-  std::puts("nothing was broken");
-  return 0;
+  const bool sound = sum.whole().broken + sum.whole().missed == 0;
+  std::puts(sound ? "nothing was broken" : "BROKEN; a take is shown by: ./faults play 'TAKE'");
+  return sound ? 0 : 1;
 }
 
 }  // namespace

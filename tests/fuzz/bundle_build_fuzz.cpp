@@ -43,12 +43,12 @@ void readInput(std::string_view bytes) {
   insist(AppMove::buildNumber(bytes) == describedBuild(bytes), "the build number is the one described");
 
   const OneFile files("/Downloads/Tamo.app/Contents/Info.plist", bytes);
+  insist(!AppMove::build(files, "/Applications/Tamo.app"), "a missing bundle has no build");
   const auto version = platform::bundleText(files, "/Downloads/Tamo.app", "CFBundleVersion");
   // To read the list once more would say nothing new where it has no version, which is nearly always.
   if (!version) return;
   insist(AppMove::build(files, "/Downloads/Tamo.app") == describedBuild(*version),
          "the build is that of the version");
-  insist(!AppMove::build(files, "/Applications/Tamo.app"), "a missing bundle has no build");
 }
 
 }  // namespace tamo::fuzz
