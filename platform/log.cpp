@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <optional>
-#include <utility>
 
 #include "platform/fatal.hpp"
+#include "platform/log_arguments.hpp"
 
 namespace tamo::platform {
 namespace {
@@ -14,9 +13,10 @@ namespace {
 struct Format {
   LogLevel level;
   std::string_view text;
+  LogPlaceholders placeholders;
 };
 
-#define TAMO_LOG_FORMAT(name, level, format) Format{LogLevel::level, format},
+#define TAMO_LOG_FORMAT(name, level, format) Format{LogLevel::level, format, logPlaceholders(format)},
 constexpr std::array formats{TAMO_LOG_LINES(TAMO_LOG_FORMAT)};
 #undef TAMO_LOG_FORMAT
 
@@ -24,46 +24,20 @@ const Format& entry(LogFormat format) {
   return formats.at(static_cast<std::size_t>(format));
 }
 
-struct Placeholder {
-  std::string_view text;
-  LogPiece::Kind kind;
-  enum class Takes { Text, Integer, Truth } takes;
-};
-
-constexpr std::array placeholders{
-    Placeholder{"%{public}s", LogPiece::Kind::Public, Placeholder::Takes::Text},
-    Placeholder{"%{private}s", LogPiece::Kind::Private, Placeholder::Takes::Text},
-    Placeholder{"%{public}ld", LogPiece::Kind::Public, Placeholder::Takes::Integer},
-    Placeholder{"%{public}d", LogPiece::Kind::Public, Placeholder::Takes::Integer},
-    Placeholder{"%{bool,public}d", LogPiece::Kind::Public, Placeholder::Takes::Truth},
-};
-
-constexpr auto findPlaceholder(std::string_view rest) {
-  return std::ranges::find_if(placeholders, [rest](const auto& one) { return rest.starts_with(one.text); });
+/// The placeholder that the rest of a format begins with.
+const LogPlaceholder& placeholderOf(std::string_view rest) {
+  return *std::ranges::find_if(knownPlaceholders,
+                               [rest](const auto& known) { return rest.starts_with(known.text); });
 }
 
-consteval bool allPlaceholdersAreKnown() {
-  for (const auto& [level, format] : formats) {
-    for (auto at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
-      if (findPlaceholder(format.substr(at)) == placeholders.end()) return false;
-    }
-  }
-  return true;
-}
-
-static_assert(allPlaceholdersAreKnown());
-
-std::string shown(const LogArgument& argument, Placeholder::Takes takes) {
-  using Takes = Placeholder::Takes;
-  if (const auto* text = std::get_if<std::string>(&argument); text != nullptr && takes == Takes::Text)
+std::string shown(const LogArgument& argument, LogTakes takes) {
+  if (const auto* text = std::get_if<std::string>(&argument); text != nullptr && takes == LogTakes::Text)
     return *text;
   if (const auto* number = std::get_if<std::int64_t>(&argument);
-      number != nullptr && takes == Takes::Integer) {
+      number != nullptr && (takes == LogTakes::Int || takes == LogTakes::Long))
     return std::to_string(*number);
-  }
-  if (const auto* truth = std::get_if<bool>(&argument); truth != nullptr && takes == Takes::Truth) {
+  if (const auto* truth = std::get_if<bool>(&argument); truth != nullptr && takes == LogTakes::Truth)
     return *truth ? "true" : "false";
-  }
   fatal("a log argument does not fit its format");
 }
 
@@ -78,17 +52,17 @@ std::string_view formatText(LogFormat format) {
 }
 
 std::vector<LogPiece> pieces(const LogLine& line) {
+  const auto& format = entry(line.format);
+  if (line.arguments.size() != format.placeholders.count) fatal("a log line does not fit its format");
   std::vector<LogPiece> result;
-  std::string_view rest = formatText(line.format);
+  auto rest = format.text;
   for (const auto& argument : line.arguments) {
     const auto start = rest.find('%');
-    if (start == std::string_view::npos) fatal("a log line has too many arguments");
-    if (start > 0) result.push_back({LogPiece::Kind::Fixed, std::string(rest.substr(0, start))});
-    const auto& placeholder = *findPlaceholder(rest.substr(start));
+    if (start != 0) result.push_back({LogPiece::Kind::Fixed, std::string(rest.substr(0, start))});
+    const auto& placeholder = placeholderOf(rest.substr(start));
     result.push_back({placeholder.kind, shown(argument, placeholder.takes)});
     rest.remove_prefix(start + placeholder.text.size());
   }
-  if (rest.contains('%')) fatal("a log line has too few arguments");
   if (!rest.empty()) result.push_back({LogPiece::Kind::Fixed, std::string(rest)});
   return result;
 }

@@ -15,6 +15,22 @@ namespace tamo::platform {
 /// The type that a placeholder takes: const char*, int, long, and int for a truth value.
 enum class LogTakes { Text, Int, Long, Truth };
 
+/// How a placeholder is spelt, who may see its argument in the log, and the type that it takes.
+struct LogPlaceholder {
+  std::string_view text;
+  LogPiece::Kind kind;
+  LogTakes takes;
+};
+
+/// All that a format may hold.
+inline constexpr std::array knownPlaceholders{
+    LogPlaceholder{"%{public}s", LogPiece::Kind::Public, LogTakes::Text},
+    LogPlaceholder{"%{private}s", LogPiece::Kind::Private, LogTakes::Text},
+    LogPlaceholder{"%{public}d", LogPiece::Kind::Public, LogTakes::Int},
+    LogPlaceholder{"%{public}ld", LogPiece::Kind::Public, LogTakes::Long},
+    LogPlaceholder{"%{bool,public}d", LogPiece::Kind::Public, LogTakes::Truth},
+};
+
 /// What the placeholders of a format take, in order.
 struct LogPlaceholders {
   std::array<LogTakes, 8> takes{};
@@ -23,18 +39,11 @@ struct LogPlaceholders {
 
 /// Compile time only. A placeholder that is not in the list does not compile, nor do more than eight.
 consteval LogPlaceholders logPlaceholders(std::string_view format) {
-  constexpr std::array known{
-      std::pair<std::string_view, LogTakes>{"%{public}s", LogTakes::Text},
-      std::pair<std::string_view, LogTakes>{"%{private}s", LogTakes::Text},
-      std::pair<std::string_view, LogTakes>{"%{public}d", LogTakes::Int},
-      std::pair<std::string_view, LogTakes>{"%{public}ld", LogTakes::Long},
-      std::pair<std::string_view, LogTakes>{"%{bool,public}d", LogTakes::Truth},
-  };
   LogPlaceholders found;
   for (auto at = format.find('%'); at != std::string_view::npos; at = format.find('%', at + 1)) {
     const auto before = found.count;
-    for (const auto& [text, takes] : known)
-      if (format.substr(at).starts_with(text)) found.takes.at(found.count++) = takes;
+    for (const auto& known : knownPlaceholders)
+      if (format.substr(at).starts_with(known.text)) found.takes.at(found.count++) = known.takes;
     if (found.count == before) throw "a log format has an unknown placeholder";
   }
   return found;

@@ -8,10 +8,9 @@ namespace tamo::platform {
 namespace {
 
 /// The space separators beyond ASCII, in UTF-8. U+200B is none of them today, although older tables list it.
-constexpr std::array<std::string_view, 16> wideSpaces{
-    "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005",
-    "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000",
-};
+constexpr auto wideSpaces = std::to_array<std::string_view>(
+    {"\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007",
+     "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"});
 
 bool isBlank(char character) {
   return character == ' ' || character == '\t';
@@ -58,7 +57,7 @@ struct Sequence {
 };
 
 std::optional<Sequence> sequenceOf(unsigned char lead) {
-  if (lead < 0x80) return Sequence{0, 0, 0};
+  if (lead < 0x80) return Sequence{};
   if (lead >= 0xC2 && lead <= 0xDF) return Sequence{1, 0x80, 0xBF};
   if (lead == 0xE0) return Sequence{2, 0xA0, 0xBF};
   if (lead == 0xED) return Sequence{2, 0x80, 0x9F};

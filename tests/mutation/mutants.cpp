@@ -79,7 +79,15 @@ class Maker {
 
   [[nodiscard]] bool isOfOperator(std::size_t at) const { return at > 0 && tokens_[at - 1].is("operator"); }
 
+  /// The `= 0` of a function without a body is no number.
+  [[nodiscard]] bool isPure(std::size_t at) const {
+    if (at < 2 || !tokens_[at].is("0") || !tokens_[at - 1].is("=")) return false;
+    const auto& before = tokens_[at - 2];
+    return before.is(")") || before.is("const") || before.is("noexcept");
+  }
+
   void changeNumber(std::size_t at) {
+    if (isPure(at)) return;
     std::string digits(tokens_[at].text);
     const auto suffix = std::min(digits.find_first_not_of("0123456789'"), digits.size());
     const auto rest = digits.substr(suffix);

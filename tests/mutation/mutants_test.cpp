@@ -104,6 +104,11 @@ TEST(MutantsTest, WhatAnIncludeOrACommentSaysStays) {
   EXPECT_THAT(changed("#include \"a.hpp\"\n// 5 < 6\n"), IsEmpty());
 }
 
+TEST(MutantsTest, AFunctionWithoutABodyHasNoNumber) {
+  EXPECT_THAT(changed("struct A { virtual int f(int a) const = 0; virtual void g() = 0; };"), IsEmpty());
+  EXPECT_THAT(changed("struct A { int a = 0; };"), ElementsAre("number: struct A { int a = 1 ; };"));
+}
+
 TEST(MutantsTest, TheBodyOfALambdaIsChangedLikeAnyOther) {
   EXPECT_THAT(changedBody("statement dropped", "run([] { a(); });"), IsSupersetOf({"run([] { ; });", ";"}));
 }

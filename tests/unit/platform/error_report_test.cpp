@@ -34,6 +34,10 @@ TEST(ErrorReportTest, MissingTextsArePlaceholdersBesideTheCode) {
   EXPECT_EQ(error.description(), "The operation failed without a description.");
 }
 
+TEST(ErrorReportTest, AReportOfNothingHasTheCodeNought) {
+  EXPECT_EQ(errorOf(ErrorReport{}).code(), 0);
+}
+
 TEST(ErrorReportTest, AnErrorCaughtAsAnyExceptionSaysItsDescription) {
   const auto error = errorOf(ErrorReport{.domain = "D", .code = 3, .description = "Not today"});
   const std::exception& caught = error;

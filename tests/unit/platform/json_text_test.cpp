@@ -22,7 +22,7 @@ TEST(JsonTextTest, FiveControlCharactersHaveALetter) {
 }
 
 TEST(JsonTextTest, OtherControlCharactersAreHexadecimalInLowerCase) {
-  EXPECT_EQ(jsonString("\0\x01\v\x1B\x1F"sv), R"("\u0000\u0001\u000b\u001b\u001f")");
+  EXPECT_EQ(jsonString("\0\x01\v\x0F\x10\x1B\x1F"sv), R"("\u0000\u0001\u000b\u000f\u0010\u001b\u001f")");
 }
 
 TEST(JsonTextTest, TheRestStaysAsItIs) {

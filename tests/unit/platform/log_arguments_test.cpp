@@ -1,6 +1,9 @@
 #include "platform/log_arguments.hpp"
 
+#include <algorithm>
+#include <array>
 #include <gtest/gtest.h>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -19,6 +22,32 @@ TEST(LogArgumentsTest, EachPlaceholderTakesItsType) {
   EXPECT_EQ(listed(logPlaceholders("%{private}s")), std::vector<LogTakes>{Text});
   EXPECT_EQ(listed(logPlaceholders("%{public}s -> status %{public}ld ok %{public}d%{bool,public}d!")),
             (std::vector<LogTakes>{Text, Long, Int, Truth}));
+}
+
+/// A format as an argument of a template.
+template <std::size_t size>
+struct Literal {
+  consteval Literal(const char (&text)[size]) { std::ranges::copy(text, characters.begin()); }
+  std::array<char, size> characters{};
+};
+
+template <Literal text>
+concept Compiles = requires {
+  std::bool_constant<(logPlaceholders(text.characters.data()), true)>();
+};
+
+TEST(LogArgumentsTest, AFormatThatIsNotUnderstoodDoesNotCompile) {
+  EXPECT_TRUE(Compiles<"%{public}s">);
+  EXPECT_FALSE(Compiles<"%s">);
+  EXPECT_FALSE(Compiles<"%{public}s 100%">);
+  EXPECT_FALSE(Compiles<"%{public}s%{public}lu">);
+}
+
+TEST(LogArgumentsTest, AFormatOfMoreThanEightPlaceholdersDoesNotCompile) {
+  EXPECT_TRUE(Compiles<"%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d">);
+  EXPECT_FALSE(
+      (Compiles<
+          "%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d%{public}d">));
 }
 
 LogLine fitting(LogFormat format, const LogPlaceholders& placeholders) {
@@ -69,6 +98,20 @@ TEST(LogArgumentsTest, ALineWithoutArgumentsStillCalls) {
                                         ++calls;
                                       });
   EXPECT_EQ(calls, 1);
+}
+
+TEST(LogArgumentsTest, ATruthIsOneOrNought) {
+  const LogLine line{.format = LogFormat::receiptFailed, .arguments = {true, false}};
+  EXPECT_EQ(logTruth(line, 0), 1);
+  EXPECT_EQ(logTruth(line, 1), 0);
+}
+
+TEST(LogArgumentsTest, TheOutermostIntsFit) {
+  using Limits = std::numeric_limits<int>;
+  const LogLine line{.format = LogFormat::receiptFailed,
+                     .arguments = {std::int64_t{Limits::min()}, std::int64_t{Limits::max()}}};
+  EXPECT_EQ(logInt(line, 0), Limits::min());
+  EXPECT_EQ(logInt(line, 1), Limits::max());
 }
 
 TEST(LogArgumentsDeathTest, ALineThatDoesNotFitStopsTheProcess) {

@@ -1,6 +1,8 @@
 #include "platform/log.hpp"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 namespace tamo::platform {
 namespace {
@@ -21,6 +23,14 @@ LogLine outcome(std::string description) {
 
 TEST(LogTest, ALineIsCutAtItsPlaceholders) {
   EXPECT_EQ(marked(outcome("secret")), "{restart} -> status {1} ok {false}{ a}{ b}[secret]");
+}
+
+TEST(LogTest, NoPieceIsEmptyButAnArgumentThatIs) {
+  const auto cut = pieces({LogFormat::outcome, {"sync", std::int64_t{1}, "true", "", " b", "c"}});
+  std::vector<std::string> texts;
+  for (const auto& piece : cut)
+    texts.push_back(piece.text);
+  EXPECT_EQ(texts, (std::vector<std::string>{"sync", " -> status ", "1", " ok ", "true", "", " b", "c"}));
 }
 
 TEST(LogTest, APrivateArgumentIsNotShown) {
@@ -59,11 +69,16 @@ TEST(LogTest, TheMoveTellsItsCodeToEverybody) {
 }
 
 TEST(LogDeathTest, ArgumentsThatDoNotFitStopTheProcess) {
-  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {"one"}})), "too few arguments");
-  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::receiptFailed, {"one"}})), "too many arguments");
-  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::hardStop, {"12", "text"}})), "does not fit");
-  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {std::int64_t{1}, "why"}})), "does not fit");
-  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {true, "why"}})), "does not fit");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {"one"}})),
+               "fatal: a log line does not fit its format");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::receiptFailed, {"one"}})),
+               "fatal: a log line does not fit its format");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::hardStop, {"12", "text"}})),
+               "fatal: a log argument does not fit its format");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {std::int64_t{1}, "why"}})),
+               "fatal: a log argument does not fit its format");
+  EXPECT_DEATH(static_cast<void>(shownText({LogFormat::refused, {true, "why"}})),
+               "fatal: a log argument does not fit its format");
 }
 
 }  // namespace

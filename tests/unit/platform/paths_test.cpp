@@ -35,6 +35,7 @@ TEST(PathsTest, StandardisingIsAMatterOfText) {
 }
 
 TEST(PathsTest, ARelativePathIsTakenFromTheRoot) {
+  EXPECT_EQ(standardisedPath("a/b"), "/a/b");
   EXPECT_EQ(standardisedPath("a/../b"), "/b");
   EXPECT_EQ(standardisedPath(""), "/");
 }

@@ -144,6 +144,12 @@ TEST_F(TaskTest, ADeliveryBeforeTheWaitIsNotLost) {
   EXPECT_EQ(task.take(), 9);
 }
 
+TEST_F(TaskTest, ADeliveryThatNobodyWaitsForPostsNothing) {
+  const Completion<int> completion(queue);
+  completion.deliver(9);
+  EXPECT_TRUE(queue.idle());
+}
+
 TEST_F(TaskTest, ADeliveryFromAnotherThreadResumesOnTheMainThread) {
   const Completion<int> completion(queue);
   auto task = awaits(completion);
@@ -190,6 +196,15 @@ TEST_F(TaskTest, ASecondDeliveryIsFatal) {
   const Completion<int> completion(queue);
   completion.deliver(1);
   EXPECT_DEATH(completion.deliver(2), "fatal: a completion was delivered twice");
+}
+
+TEST_F(TaskTest, AResumptionOffTheMainThreadIsFatal) {
+  const Completion<int> completion(queue);
+  auto task = awaits(completion);
+  task.start();
+  completion.deliver(1);
+  EXPECT_DEATH(std::thread([this] { queue.runPosted(); }).join(),
+               "fatal: a resumed operation entered off the main thread");
 }
 
 TEST_F(TaskTest, AwaitingOffTheMainThreadIsFatal) {

@@ -131,7 +131,8 @@ TEST(TextTest, TheUtf8PrefixEndsBeforeTheFirstByteThatBeginsNoCharacter) {
 
 TEST(TextTest, WellFormedUtf8IsKept) {
   for (const auto text :
-       {""sv, "a\0b"sv, "\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U00040000\U000FFFFF\U0010FFFF"sv,
+       {""sv, "a\0b"sv,
+        "\u0080\u07FF\u0800\u1000\uCFFF\uD7FF\uE000\uFFFF\U00010000\U00040000\U000FFFFF\U0010FFFF"sv,
         "\uFEFFa\uFFFD"sv}) {
     EXPECT_TRUE(isUtf8(text)) << text;
     EXPECT_EQ(repairedUtf8(text), text);
