@@ -118,7 +118,7 @@ Tree snapshot(const fs::path& project, const fs::path& work) {
 }
 
 std::vector<std::string> decisionFolders() {
-  return {"guard", "hardstop", "launch", "move", "app"};
+  return {"platform", "guard", "hardstop", "launch", "move", "app"};
 }
 
 std::vector<std::string> sourcesOf(const fs::path& project, const std::vector<std::string>& named) {
