@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/posix/posix_files.hpp"
+#include "soak/clock_hand.hpp"
 #include "soak/crowd_rounds.hpp"
 #include "soak/identity.hpp"
 #include "soak/lanes.hpp"
@@ -26,6 +27,7 @@ struct Order {
   int lanes = 8;
   std::string only;
   bool canaries = false;
+  bool setClock = false;
 };
 
 const std::vector<std::string> allParts = {"stops", "crowds", "tools", "moves", "identity"};
@@ -110,7 +112,7 @@ int playCanaries(const Order& order, const std::string& file) {
   return missed == 0 ? 0 : 1;
 }
 
-int soak(const Order& order) {
+int soak(const Order& order, const ClockHand* hand) {
   std::string file = "/tmp/tamo-soak-XXXXXX";
   ::close(::mkstemp(file.data()));
   if (order.canaries) {
@@ -123,6 +125,7 @@ int soak(const Order& order) {
   std::fflush(stdout);
   const auto begun = Clock::now();
   playAll(order, file);
+  if (hand != nullptr) Tally(file).count("settings of the machine's clock", hand->settings());
   auto account = accountOf(platform::posix::readWhole(file).value_or(""));
   ::unlink(file.c_str());
   if (account.counts.empty()) account.wrongs.push_back("nothing was done");
@@ -146,6 +149,8 @@ std::optional<Order> orderIn(int argc, char** argv) {
     const std::string word = argv[i];
     if (word == "--canaries") {
       order.canaries = true;
+    } else if (word == "--set-clock") {
+      order.setClock = true;
     } else if (word == "--only" && i + 1 < argc) {
       order.only = argv[++i];
       if (std::ranges::find(allParts, order.only) == allParts.end()) return std::nullopt;
@@ -160,16 +165,25 @@ std::optional<Order> orderIn(int argc, char** argv) {
   return order;
 }
 
+int play(const Order& order) {
+  const auto hand = order.setClock ? ClockHand::start(order.seed) : std::nullopt;
+  if (order.setClock && !hand) {
+    std::fprintf(stderr, "the machine's clock may not be set here\n");
+    return 77;
+  }
+  return inOwnWorld([&] { return soak(order, hand ? &*hand : nullptr); });
+}
+
 }  // namespace
 }  // namespace tamo::soak
 
-/// soak [ROUNDS] [SEED] [--lanes N] [--only PART] | --canaries
+/// soak [ROUNDS] [SEED] [--lanes N] [--only PART] [--set-clock] | --canaries
 int main(int argc, char** argv) {
   const auto order = tamo::soak::orderIn(argc, argv);
   if (!order) {
-    std::fprintf(stderr, "use: soak [ROUNDS] [SEED] [--lanes N] [--only PART] | --canaries\n");
+    std::fprintf(stderr, "use: soak [ROUNDS] [SEED] [--lanes N] [--only PART] [--set-clock] | --canaries\n");
     return 2;
   }
   ::testing::InitGoogleTest();
-  return tamo::soak::inOwnWorld([&] { return tamo::soak::soak(*order); });
+  return tamo::soak::play(*order);
 }

@@ -12,6 +12,7 @@
 
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/programs/stage_census.hpp"
+#include "soak/clock_hand.hpp"
 
 namespace tamo::soak {
 namespace {
@@ -65,6 +66,7 @@ std::string wrongInSignals(const std::string& outcome, pid_t core, const std::ve
 
 Witness::Program StopRounds::companion(pid_t group) {
   const auto& root = stage_.root();
+  clockBefore_ = wallClockAhead();
   Witness::Program program{.path = root.host(stage::companionProgram(stage::copyPath(root, "installed"))),
                            .arguments = {"--core-action", "restart"},
                            .environment = {"TAMO_STAGE=" + root.directory(), "PATH=/usr/bin:/bin"},
@@ -109,6 +111,8 @@ void StopRounds::countReadings() {
 std::optional<std::string> StopRounds::finish(Witness& companion, const StopExpected& expected) {
   const auto ended = companion.finish(longestCourse);
   tally_.count("companions run for a restart");
+  if (std::chrono::abs(wallClockAhead() - clockBefore_) > milliseconds(100))
+    tally_.count("restarts during which the machine's clock was set");
   countReadings();
   if (!ended) {
     tally_.wrong(expected.round + ": the companion hung");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -82,6 +83,7 @@ class StopRounds {
 
   Tally& tally_;
   Chance& chance_;
+  std::chrono::nanoseconds clockBefore_{0};
   const scenario::Stage stage_{{.core = "term=obey"}};
 };
 
