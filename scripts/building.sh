@@ -3,6 +3,7 @@
 #
 #   quietly LOG COMMAND…     runs a step with its output in a log; shows the log's end when the step fails
 #   build PRESET [TARGET…]   configures the preset and builds the targets, or everything
+#   run_tests PRESET [ARGUMENT…]   runs the preset's tests, the arguments being ctest's, and shows what ctest closes with
 
 quietly() {
   local log=$1
@@ -18,4 +19,12 @@ build() {
   mkdir -p build
   quietly "build/$preset.configure.log" cmake --preset "$preset" || return 1
   quietly "build/$preset.build.log" cmake --build "build/$preset" ${1:+--target} "$@"
+}
+
+# Many of the tests that take long only wait, so there are twice as many at once as there are processors.
+run_tests() {
+  local preset=$1 log=build/$1.test.log
+  shift
+  quietly "$log" ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "$((2 * $(nproc)))" "$@" || return 1
+  grep -E 'tests passed|Total Test time' "$log"
 }
