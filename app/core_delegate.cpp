@@ -108,8 +108,8 @@ platform::Task<platform::Nothing> CoreDelegate::performRequested(std::string def
 
 std::optional<std::string> CoreDelegate::printedJob() {
   auto printed = launchctl_.printJob();
-  if (!printed) return std::nullopt;
-  return std::move(printed->text);
+  if (!printed || !printed->text) return std::nullopt;
+  return withoutQuotedBlocks(*std::move(printed->text));
 }
 
 }  // namespace tamo

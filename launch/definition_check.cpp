@@ -19,7 +19,7 @@ Side bundledDefinition(const platform::FileReader& files, const std::string& pat
 /// Only a print that succeeded is read: what launchctl prints beside a failure describes no job.
 Side loadedDefinition(const std::optional<PrintResult>& print) {
   if (!print || print->code != 0 || !print->text) return std::nullopt;
-  return LaunchJob::loaded(*print->text);
+  return LaunchJob::loaded(withoutQuotedBlocks(*print->text));
 }
 
 /// A definition that was read has one argument at least.

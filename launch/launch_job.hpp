@@ -9,9 +9,8 @@
 /// The Core's launchd job as it is defined: what launchd has loaded, what the bundle ships, and whether the
 /// difference calls for launchd to take the job up anew. Pure functions of their arguments; any thread.
 ///
-/// A known limit of the reading of prints: only a line that ends in "= {" opens a block. Newer systems print
-/// some inner blocks with "=> {" and close them with "}", which ends the block around them too early; an exit
-/// timeout after such a block is not seen.
+/// The reading of prints counts a block as opened only by a line that ends in "= {". Newer systems print inner
+/// blocks that open with "=> {" as well; withoutQuotedBlocks leaves these out of a print first.
 namespace tamo::LaunchJob {
 
 /// What a definition says, as far as it is compared.

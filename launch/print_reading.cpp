@@ -1,5 +1,6 @@
 #include "launch/print_reading.hpp"
 
+#include <cstddef>
 #include <string_view>
 
 #include "platform/text.hpp"
@@ -16,12 +17,37 @@ bool hasPidLine(std::string_view text) {
   return false;
 }
 
+constexpr std::string_view quotedOpener = "\" => {";
+
+/// How many blocks are open behind a line, of a quoted block and those within it; none outside of one.
+std::size_t openBehind(std::string_view line, std::size_t open) {
+  if (open == 0) return line.starts_with('"') && line.ends_with(quotedOpener) ? 1 : 0;
+  if (line == "}") return open - 1;
+  return line.ends_with('{') ? open + 1 : open;
+}
+
 }  // namespace
 
 bool jobRunning(const std::optional<PrintResult>& print) {
   if (!print) return true;
   if (print->code != 0) return print->code != jobNotFound;
   return !print->text || hasPidLine(*print->text);
+}
+
+std::string withoutQuotedBlocks(std::string text) {
+  if (!text.contains(quotedOpener)) return text;
+  std::string kept;
+  std::size_t open = 0;
+  std::optional<std::string_view> rest(text);
+  while (rest) {
+    const auto line = platform::takeLine(rest);
+    const bool within = open > 0;
+    open = openBehind(platform::trimmed(line), open);
+    if (within || open > 0) continue;
+    kept.append(line);
+    if (rest) kept += '\n';
+  }
+  return kept;
 }
 
 }  // namespace tamo

@@ -14,6 +14,8 @@ struct RecordedPrint {
   /// "001" and so on.
   std::string name;
   std::string text;
+  /// The job's own pid in decimal, or "-".
+  std::string pid;
   /// A JSON list of texts, with ", " between them, or "-" for none.
   std::string arguments;
   /// In decimal, or "-".
@@ -63,6 +65,7 @@ inline std::vector<RecordedPrint> recordedPrints() {
     const auto field = recorded::fields(row);
     prints.push_back({.name = field.at(0).substr(0, field.at(0).find('.')),
                       .text = recorded::wholeFile(field.at(0)),
+                      .pid = field.at(3),
                       .arguments = field.at(4),
                       .exitTimeout = field.at(5),
                       .anyPidLine = field.at(6) == "yes"});

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <set>
 
+#include "hardstop/process_snapshot.hpp"
 #include "launch/launch_job.hpp"
+#include "launch/print_reading.hpp"
 #include "unit/launch/print_corpus.hpp"
 
 namespace tamo {
@@ -14,9 +16,10 @@ std::string asList(const std::vector<std::string>& texts) {
   return list + "]";
 }
 
-/// Prints in which the line rule sees something else than a careful reader does; each has a test of its own.
-bool readOtherwise(const std::string& name) {
-  return std::set<std::string>{"037"}.contains(name);
+/// A number, if there is one, as the table writes it.
+template <class Number>
+std::string asField(const std::optional<Number>& number) {
+  return number ? std::to_string(*number) : "-";
 }
 
 std::optional<LaunchJob::Definition> loadedFrom(const std::string& name) {
@@ -28,14 +31,26 @@ class RecordedDefinitions : public ::testing::TestWithParam<RecordedPrint> {};
 TEST_P(RecordedDefinitions, AreReadAsListed) {
   const auto& print = GetParam();
   ASSERT_FALSE(print.text.empty());
-  const auto definition = LaunchJob::loaded(print.text);
+  const auto definition = LaunchJob::loaded(withoutQuotedBlocks(print.text));
   ASSERT_EQ(definition.has_value(), print.arguments != "-");
   if (!definition) return;
   EXPECT_EQ(asList(definition->arguments), print.arguments);
-  const auto& timeout = definition->exitTimeout;
-  if (!readOtherwise(print.name)) {
-    EXPECT_EQ(timeout ? std::to_string(*timeout) : "-", print.exitTimeout);
-  }
+  EXPECT_EQ(asField(definition->exitTimeout), print.exitTimeout);
+}
+
+/// A print without arguments defines nothing, so its timeout is read with arguments that are given to it.
+TEST_P(RecordedDefinitions, HaveTheirTimeoutAsListedWhateverTheirArguments) {
+  auto print = withoutQuotedBlocks(GetParam().text);
+  const auto header = print.find("= {\n");
+  if (header == std::string::npos || GetParam().arguments != "-") return;
+  print.insert(header + 4, "arguments = {\n/core\n}\n");
+  const auto definition = LaunchJob::loaded(print);
+  ASSERT_TRUE(definition.has_value());
+  EXPECT_EQ(asField(definition->exitTimeout), GetParam().exitTimeout);
+}
+
+TEST_P(RecordedDefinitions, HaveTheirPidAsListed) {
+  EXPECT_EQ(asField(HardStop::pid(withoutQuotedBlocks(GetParam().text))), GetParam().pid);
 }
 
 INSTANTIATE_TEST_SUITE_P(LaunchJob, RecordedDefinitions, ::testing::ValuesIn(recordedPrints()),
@@ -45,7 +60,7 @@ TEST(RecordedPrintsTest, TheTableListsThemAll) {
   EXPECT_EQ(recordedPrints().size(), 32U);
 }
 
-TEST(RecordedPrintsTest, ArrowedBlocksHideTheExitTimeoutBehindThem) {
+TEST(RecordedPrintsTest, QuotedBlocksThatAreLeftInHideTheExitTimeoutBehindThem) {
   const auto definition = loadedFrom("037");
   EXPECT_EQ(asList(definition.value().arguments), R"(["/Users/sglavoie/.local/bin/ddc-brightnessd"])");
   EXPECT_EQ(definition.value().exitTimeout, std::nullopt);
