@@ -159,17 +159,5 @@ TEST(RestartScenario, AChangedDefinitionReseatsInstead) {
   EXPECT_THAT(stage.launchctl({"print", stage.target()}), ::testing::HasSubstr("\texit timeout = 7\n"));
 }
 
-/// The newest systems print a block that closes the job's own too early for the line rules: no pid is seen.
-TEST(RestartScenario, APrintOfTheNewestSystemsMeansNoHardStop) {
-  const Stage stage({.core = "term=obey"});
-  stage.set("print-style", "managed");
-  const auto before = stage.launchctl({"print", stage.target()});
-  EXPECT_THAT(before, ::testing::HasSubstr("\tpid = "));
-  stage.act("restart");
-  const auto lines = stage.lines();
-  ASSERT_EQ(lines.size(), 2U);
-  EXPECT_EQ(lines.at(1), restartLine("0"));
-}
-
 }  // namespace
 }  // namespace tamo::scenario

@@ -10,7 +10,6 @@
 #include <thread>
 #include <unistd.h>
 
-#include "hardstop/process_snapshot.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/programs/stage_layout.hpp"
 #include "platform/stage/stage_kernel_processes.hpp"
@@ -129,7 +128,11 @@ std::string Stage::launchctl(const std::vector<std::string>& arguments) const {
 }
 
 pid_t Stage::corePidNow() const {
-  return HardStop::pid(launchctl({"print", target()})).value_or(0);
+  // By the line alone, so that no test sees its Core with the eyes of what it tests.
+  constexpr std::string_view line = "\n\tpid = ";
+  const auto print = launchctl({"print", target()});
+  const auto found = print.find(line);
+  return found == std::string::npos ? 0 : std::atoi(print.c_str() + found + line.size());
 }
 
 pid_t Stage::corePid() const {

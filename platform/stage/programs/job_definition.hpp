@@ -34,6 +34,8 @@ struct JobDefinition {
   std::string path;
   /// The program as named relative to its bundle; absent when the list names it otherwise.
   std::optional<std::string> bundleProgram;
+  /// Whether service management handed it to launchd, and no launchctl.
+  bool submitted = false;
 };
 
 /// The definition in `list`, which lies at the stage path `path`. Absent when it has no label or no program,

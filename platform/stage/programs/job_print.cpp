@@ -35,8 +35,23 @@ std::string exitText(const Ending& ending) {
   return ending.number == 78 ? number + ": EX_CONFIG" : number;
 }
 
-void printProgram(Printer& printer, const JobDefinition& definition) {
-  printer.line("program", definition.program);
+/// A job of service management is known by what handed it in, not by a file, and by the program's place in the
+/// bundle that it was handed in from.
+void printOrigin(Printer& printer, const Job& job, PrintStyle style) {
+  const bool submitted = job.definition.submitted && style == PrintStyle::Newest;
+  printer.line("path", submitted ? "(submitted by smd.1)" : job.definition.path);
+  printer.line("type", submitted ? "Submitted" : "LaunchAgent");
+  if (submitted) printer.line("managed_by", "com.apple.xpc.ServiceManagement");
+  printer.line("state", stateText(job));
+  printer.gap();
+}
+
+void printProgram(Printer& printer, const JobDefinition& definition, PrintStyle style) {
+  if (style == PrintStyle::Newest && definition.submitted && definition.bundleProgram) {
+    printer.line("program identifier", *definition.bundleProgram + " (mode: 2)");
+  } else {
+    printer.line("program", definition.program);
+  }
   printer.open("arguments");
   for (const auto& argument : definition.arguments)
     printer.inner(argument);
@@ -54,14 +69,26 @@ void printEnvironment(Printer& printer, const JobDefinition& definition) {
   printer.close();
 }
 
-void printConstraint(Printer& printer) {
-  printer.raw(
-      "\tLWCR = {\n"
-      "\t\t\"reqs\" => {\n"
-      "\t\t\t\"team-identifier\" => \"STAGE00000\"\n"
-      "\t\t}\n"
-      "\t\t\"vers\" => 1\n"
-      "\t}\n\n");
+/// Signed code of service management is held to who signed it; any other to the code itself, with an array that
+/// launchd closes on the line of its last element.
+void printConstraint(Printer& printer, const JobDefinition& definition) {
+  printer.open("LWCR");
+  printer.inner("\"reqs\" => {");
+  if (definition.submitted) {
+    printer.inner("\t\"signing-identifier\" => \"" + definition.label + "\"");
+    printer.inner("\t\"validation-category\" => 6");
+    printer.inner("\t\"team-identifier\" => \"STAGE00000\"");
+  } else {
+    printer.inner("\t\"cdhash\" => {");
+    printer.inner("\t\t\"$in\" => [");
+    printer.inner("\t\t\t0 = \t\t\t\t]");
+    printer.inner("\t}");
+  }
+  printer.inner("}");
+  printer.inner("\"vers\" => 1");
+  printer.inner("\"comp\" => 1");
+  printer.inner("\"ccat\" => 0");
+  printer.close();
 }
 
 void printRun(Printer& printer, const Job& job, const std::string& domain) {
@@ -89,7 +116,7 @@ std::string propertiesText(const JobDefinition& definition, PrintStyle style) {
   if (definition.runAtLoad) text += "runatload | ";
   if (definition.abandonProcessGroup) text += "abandon process group | ";
   text += "inferred program";
-  if (style == PrintStyle::Managed) text += " | managed LWCR | has LWCR";
+  if (style == PrintStyle::Newest) text += " | managed LWCR | has LWCR";
   return text;
 }
 
@@ -100,13 +127,10 @@ std::string printedJob(const Job& job, std::uint32_t userID, PrintStyle style) {
   Printer printer;
   printer.raw(domain + "/" + job.definition.label + " = {\n");
   printer.line("active count", job.pid ? "1" : "0");
-  printer.line("path", job.definition.path);
-  printer.line("type", "LaunchAgent");
-  printer.line("state", stateText(job));
-  printer.gap();
-  printProgram(printer, job.definition);
+  printOrigin(printer, job, style);
+  printProgram(printer, job.definition, style);
   printEnvironment(printer, job.definition);
-  if (style == PrintStyle::Managed) printConstraint(printer);
+  if (style == PrintStyle::Newest) printConstraint(printer, job.definition);
   printRun(printer, job, domain);
   printer.line("spawn type", "daemon (3)");
   printer.gap();

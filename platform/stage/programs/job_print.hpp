@@ -7,12 +7,17 @@
 
 /// What launchctl prints for a job, in the form that a Mac's launchd gives it. Pure.
 ///
-/// Only what the stage has is printed: no ports, no coalitions, no memory limits. "Managed" is how the newest
-/// systems print a job with a launch constraint: a block with "=> {" lines stands before the exit timeout and
-/// the pid.
+/// Only what the stage has is printed: no ports, no coalitions, no memory limits, and of service management
+/// neither the bundle around a job nor its record.
 namespace tamo::stage {
 
-enum class PrintStyle { Plain, Managed };
+enum class PrintStyle {
+  /// As macOS 26 and 27 print a job: with a launch constraint before the exit timeout and the pid, whose
+  /// dictionaries open with "=> {". A job that service management handed in has no path and no program there.
+  Newest,
+  /// As the systems before print it, without the constraint.
+  Older,
+};
 
 [[nodiscard]] std::string printedJob(const Job& job, std::uint32_t userID, PrintStyle style);
 

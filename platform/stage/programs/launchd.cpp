@@ -46,7 +46,7 @@ void Launchd::print(const Question& question) {
     return question.reply({.output = printedDomain(jobs_, root_.userID())});
   const auto job = known(question, text, true);
   if (!job) return;
-  const auto style = root_.setting("print-style") == "managed" ? PrintStyle::Managed : PrintStyle::Plain;
+  const auto style = root_.setting("print-style") == "older" ? PrintStyle::Older : PrintStyle::Newest;
   question.reply({.output = printedJob(*jobs_.find(job->label), root_.userID(), style)});
 }
 

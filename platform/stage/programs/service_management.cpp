@@ -101,8 +101,9 @@ std::optional<ServiceManagement::Time> ServiceManagement::nextDeadline() const {
 }
 
 LaunchdAnswer ServiceManagement::load(const std::string& plistName, const ServiceRecord& record, Time now) {
-  const auto definition = jobDefinitionAt(root_, listPath(record.bundle, plistName));
+  auto definition = jobDefinitionAt(root_, listPath(record.bundle, plistName));
   if (!definition) return faultAnswer(definition.error());
+  definition->submitted = true;
   // A job that is loaded already refuses, and keeps the definition that it was loaded with.
   jobs_.bootstrap(*definition, now, [](const LaunchdAnswer&) {});
   return {};

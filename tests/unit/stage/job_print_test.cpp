@@ -27,12 +27,16 @@ Job runningJob() {
   return job;
 }
 
-std::string plain(const Job& job) {
-  return printedJob(job, 501, PrintStyle::Plain);
+std::string older(const Job& job) {
+  return printedJob(job, 501, PrintStyle::Older);
+}
+
+std::string newest(const Job& job) {
+  return printedJob(job, 501, PrintStyle::Newest);
 }
 
 TEST(JobPrintTest, ARunningJobIsPrintedAsLaunchdDoes) {
-  EXPECT_EQ(plain(runningJob()),
+  EXPECT_EQ(older(runningJob()),
             "gui/501/a.b = {\n"
             "\tactive count = 1\n"
             "\tpath = /x.plist\n"
@@ -73,35 +77,69 @@ TEST(JobPrintTest, AJobWithoutAProcessHasNoPid) {
   auto job = runningJob();
   job.pid.reset();
   job.state = Job::State::Waiting;
-  EXPECT_THAT(plain(job), HasSubstr("\tstate = not running\n"));
-  EXPECT_THAT(plain(job), Not(HasSubstr("pid = ")));
+  EXPECT_THAT(older(job), HasSubstr("\tstate = not running\n"));
+  EXPECT_THAT(older(job), Not(HasSubstr("pid = ")));
   job.state = Job::State::Scheduled;
-  EXPECT_THAT(plain(job), HasSubstr("\tstate = spawn scheduled\n"));
+  EXPECT_THAT(older(job), HasSubstr("\tstate = spawn scheduled\n"));
 }
 
 TEST(JobPrintTest, AJobThatIsBeingStoppedStillRuns) {
   auto job = runningJob();
   job.state = Job::State::Stopping;
-  EXPECT_THAT(plain(job), HasSubstr("\tstate = running\n"));
+  EXPECT_THAT(older(job), HasSubstr("\tstate = running\n"));
 }
 
 TEST(JobPrintTest, TheLastEndIsToldByItsKind) {
   auto job = runningJob();
   job.lastEnding = Ending{.signalled = true, .number = 15};
-  EXPECT_THAT(plain(job), HasSubstr("\tlast terminating signal = Terminated: 15\n"));
+  EXPECT_THAT(older(job), HasSubstr("\tlast terminating signal = Terminated: 15\n"));
   job.lastEnding = Ending{.number = 3};
-  EXPECT_THAT(plain(job), HasSubstr("\tlast exit code = 3\n"));
+  EXPECT_THAT(older(job), HasSubstr("\tlast exit code = 3\n"));
   job.lastEnding = Ending{.number = 78};
-  EXPECT_THAT(plain(job), HasSubstr("\tlast exit code = 78: EX_CONFIG\n"));
+  EXPECT_THAT(older(job), HasSubstr("\tlast exit code = 78: EX_CONFIG\n"));
 }
 
-TEST(JobPrintTest, TheManagedStyleHasAConstraintBeforeTheTimeoutAndThePid) {
-  const auto text = printedJob(runningJob(), 501, PrintStyle::Managed);
-  const auto constraint = text.find("\t\t\"reqs\" => {\n");
-  ASSERT_NE(constraint, std::string::npos);
-  EXPECT_LT(constraint, text.find("\texit timeout = "));
-  EXPECT_LT(constraint, text.find("\tpid = "));
-  EXPECT_THAT(text, EndsWith(" | managed LWCR | has LWCR\n}\n"));
+TEST(JobPrintTest, TheNewestStyleHasAConstraintBeforeTheTimeoutAndThePid) {
+  EXPECT_THAT(newest(runningJob()), HasSubstr("\t}\n"
+                                              "\n"
+                                              "\tLWCR = {\n"
+                                              "\t\t\"reqs\" => {\n"
+                                              "\t\t\t\"cdhash\" => {\n"
+                                              "\t\t\t\t\"$in\" => [\n"
+                                              "\t\t\t\t\t0 = \t\t\t\t]\n"
+                                              "\t\t\t}\n"
+                                              "\t\t}\n"
+                                              "\t\t\"vers\" => 1\n"
+                                              "\t\t\"comp\" => 1\n"
+                                              "\t\t\"ccat\" => 0\n"
+                                              "\t}\n"
+                                              "\n"
+                                              "\tdomain = gui/501 [100000]\n"));
+  EXPECT_THAT(newest(runningJob()), EndsWith(" | managed LWCR | has LWCR\n}\n"));
+}
+
+TEST(JobPrintTest, AJobOfServiceManagementIsPrintedAsHandedIn) {
+  auto job = runningJob();
+  job.definition.submitted = true;
+  job.definition.bundleProgram = "Contents/MacOS/core";
+  const auto text = newest(job);
+  EXPECT_THAT(text, StartsWith("gui/501/a.b = {\n"
+                               "\tactive count = 1\n"
+                               "\tpath = (submitted by smd.1)\n"
+                               "\ttype = Submitted\n"
+                               "\tmanaged_by = com.apple.xpc.ServiceManagement\n"
+                               "\tstate = running\n"
+                               "\n"
+                               "\tprogram identifier = Contents/MacOS/core (mode: 2)\n"
+                               "\targuments = {\n"));
+  EXPECT_THAT(text, HasSubstr("\t\t\"reqs\" => {\n"
+                              "\t\t\t\"signing-identifier\" => \"a.b\"\n"
+                              "\t\t\t\"validation-category\" => 6\n"
+                              "\t\t\t\"team-identifier\" => \"STAGE00000\"\n"
+                              "\t\t}\n"));
+  EXPECT_THAT(older(job), Not(HasSubstr("Submitted")));
+  job.definition.bundleProgram.reset();
+  EXPECT_THAT(newest(job), HasSubstr("\tprogram = /bin/core\n"));
 }
 
 TEST(JobPrintTest, TheDomainListsItsJobs) {

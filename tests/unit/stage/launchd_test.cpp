@@ -72,10 +72,11 @@ TEST_F(LaunchdTest, ABootstrappedJobCanBePrinted) {
 
 TEST_F(LaunchdTest, ThePrintStyleIsReadAtEachPrint) {
   static_cast<void>(asked({"bootstrap", "gui/501", "/core.plist"}));
-  stage.root.set("print-style", "managed");
   EXPECT_THAT(asked({"print", "gui/501/core"}).output, HasSubstr("LWCR = {"));
-  stage.root.set("print-style", std::nullopt);
+  stage.root.set("print-style", "older");
   EXPECT_THAT(asked({"print", "gui/501/core"}).output, ::testing::Not(HasSubstr("LWCR = {")));
+  stage.root.set("print-style", std::nullopt);
+  EXPECT_THAT(asked({"print", "gui/501/core"}).output, HasSubstr("LWCR = {"));
 }
 
 TEST_F(LaunchdTest, ABootstrapOfWhatIsNoJobFails) {

@@ -71,16 +71,16 @@ TEST_F(TamoStageTest, OrdersBecomeSettings) {
   EXPECT_EQ(run({"core", stage.path, "term=ignore", "children=2"}), 0);
   EXPECT_EQ(run({"approval", stage.path, "withheld"}), 0);
   EXPECT_EQ(run({"order", stage.path, "unregister", "D", "-5", "not now"}), 0);
-  EXPECT_EQ(run({"set", stage.path, "print-style", "managed"}), 0);
+  EXPECT_EQ(run({"set", stage.path, "print-style", "older"}), 0);
   EXPECT_EQ(stage.root.setting("core"), "term=ignore children=2");
   EXPECT_EQ(stage.root.setting("approval"), "withheld");
   EXPECT_EQ(stage.root.setting("next-unregister-error"), "D\t-5\tnot now");
-  EXPECT_EQ(stage.root.setting("print-style"), "managed");
+  EXPECT_EQ(stage.root.setting("print-style"), "older");
 }
 
 TEST_F(TamoStageTest, WithoutAWordASettingIsCleared) {
   stage.root.set("core", "term=ignore");
-  stage.root.set("print-style", "managed");
+  stage.root.set("print-style", "older");
   EXPECT_EQ(run({"core", stage.path}), 0);
   EXPECT_EQ(run({"set", stage.path, "print-style"}), 0);
   EXPECT_EQ(stage.root.setting("core"), std::nullopt);
