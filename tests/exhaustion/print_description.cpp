@@ -46,7 +46,28 @@ std::optional<std::int64_t> timeout(Print print) {
   return std::nullopt;
 }
 
+/// The line behind the block that a line opens, blocks within it taken as wholes; the end of the print for a block
+/// that is not closed.
+std::size_t behindBlock(Print print, std::size_t opener) {
+  auto at = opener + 1;
+  while (at < print.size() && !print[at].closes)
+    at = print[at].opensAnything ? behindBlock(print, at) : at + 1;
+  return std::min(at + 1, print.size());
+}
+
 }  // namespace
+
+std::vector<std::size_t> describedKept(Print print) {
+  std::vector<std::size_t> kept;
+  for (std::size_t at = 0; at < print.size();) {
+    if (print[at].opensQuoted) {
+      at = behindBlock(print, at);
+    } else {
+      kept.push_back(at++);
+    }
+  }
+  return kept;
+}
 
 bool describedRunning(Print print) {
   return std::any_of(print.begin(), print.end(), [](const Line& line) { return line.namesPid; });

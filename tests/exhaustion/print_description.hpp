@@ -1,14 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
 #include <vector>
 
-/// The three readings of a launchctl print a second time, as descriptions of what is meant: they know what
-/// each line is and look at the whole print at once, where the readers go through a text with a state. They
-/// are slow and simple on purpose.
+/// The three readings of a launchctl print a second time, and what is left out of one before, as descriptions
+/// of what is meant: they know what each line is and look at the whole print at once, where the readers go
+/// through a text with a state. They are slow and simple on purpose.
 namespace tamo::exhaustion {
 
 /// What a line of a print is. A line can be several of these at once.
@@ -19,6 +20,10 @@ struct Line {
   bool opens = false;
   /// It is nothing but "}".
   bool closes = false;
+  /// It begins with a double quote and ends in `" => {`.
+  bool opensQuoted = false;
+  /// It ends in "{".
+  bool opensAnything = false;
   /// It is nothing but "arguments = {".
   bool beginsArguments = false;
   /// It begins with "pid = ".
@@ -31,6 +36,9 @@ struct Line {
   std::optional<std::int64_t> timeout = std::nullopt;
 };
 using Print = std::span<const Line>;
+
+/// The lines that remain without the quoted blocks, by their places in the print.
+[[nodiscard]] std::vector<std::size_t> describedKept(Print print);
 
 [[nodiscard]] bool describedRunning(Print print);
 [[nodiscard]] std::optional<std::int32_t> describedPid(Print print);

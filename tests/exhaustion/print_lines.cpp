@@ -85,6 +85,8 @@ Line lineOf(std::string_view text) {
   Line line{.stripped = describedStripped(text)};
   line.opens = endsWith(line.stripped, "= {");
   line.closes = line.stripped == "}";
+  line.opensQuoted = beginsWith(line.stripped, "\"") && endsWith(line.stripped, "\" => {");
+  line.opensAnything = endsWith(line.stripped, "{");
   line.beginsArguments = line.stripped == "arguments = {";
   line.namesPid = beginsWith(line.stripped, pidKey);
   line.namesTimeout = beginsWith(line.stripped, timeoutKey);

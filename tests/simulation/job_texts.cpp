@@ -72,6 +72,14 @@ std::optional<std::string> valueOf(std::string_view key, std::string_view infoPl
   return std::string(value.substr(0, value.find('<')));
 }
 
+namespace {
+
+/// The newest systems print a launch constraint between the environment and what the readers look for.
+constexpr std::string_view constraint =
+    "\tLWCR = {\n\t\t\"reqs\" => {\n\t\t\t\"team-identifier\" => \"A\"\n\t\t}\n\t\t\"vers\" => 1\n\t}\n\n";
+
+}  // namespace
+
 std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid) {
   const auto& job = jobDefinitions()[definition];
   std::string print = "gui/501/studio.pell.tamo.core = {\n\tactive count = 1\n\ttype = LaunchAgent\n";
@@ -79,7 +87,10 @@ std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid) {
   print += "\targuments = {\n";
   for (const auto& argument : job.arguments)
     print += "\t\t" + argument + "\n";
-  print += "\t}\n\n\tdefault environment = {\n\t\tPATH => /usr/bin:/bin\n\t}\n\n\tminimum runtime = 10\n";
+  print += "\t}\n\n\tdefault environment = {\n\t\tPATH => /usr/bin:/bin\n\t}\n\n";
+  // Every other definition is printed as older systems do.
+  if (definition % 2 == 0) print += constraint;
+  print += "\tminimum runtime = 10\n";
   if (job.exitTimeout) print += "\texit timeout = " + std::to_string(*job.exitTimeout) + "\n";
   if (pid) print += "\tpid = " + std::to_string(*pid) + "\n";
   return print + "\tendpoints = {\n\t\t\"studio.pell.tamo.core\" = {\n\t\t\tport = 0x907\n\t\t}\n\t}\n}\n";

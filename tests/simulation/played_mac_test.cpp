@@ -2,6 +2,7 @@
 #include <string>
 
 #include "launch/launch_job.hpp"
+#include "launch/print_reading.hpp"
 #include "simulation/file_tree.hpp"
 #include "simulation/job_texts.hpp"
 #include "simulation/process_table.hpp"
@@ -69,7 +70,7 @@ TEST(ProcessTableTest, APidIsUsedAgainButNotWhileAGroupHasItsName) {
 TEST(JobTextsTest, TheTextsAreReadAsTheDefinitionsThatTheyTell) {
   const auto count = jobDefinitions().size();
   for (std::size_t loaded = 0; loaded < count; ++loaded) {
-    const auto read = LaunchJob::loaded(jobPrint(loaded, 100));
+    const auto read = LaunchJob::loaded(withoutQuotedBlocks(jobPrint(loaded, 100)));
     ASSERT_TRUE(read);
     EXPECT_EQ(read->arguments, jobDefinitions()[loaded].arguments);
     EXPECT_EQ(read->exitTimeout, jobDefinitions()[loaded].exitTimeout);

@@ -59,6 +59,17 @@ TEST_F(DefinitionCheckTest, OtherArgumentsAreAChange) {
             "log: default definition: loaded /a/core --serve exit - · bundled /a/core exit 9 · changed true");
 }
 
+TEST_F(DefinitionCheckTest, ATimeoutBehindALaunchConstraintIsCompared) {
+  bundle(bundledTwoAnd5);
+  rig.printTextOnce(
+      printOf("\targuments = {\n\t\t/a/core\n\t\t--serve\n\t}\n"
+              "\tLWCR = {\n\t\t\"reqs\" => {\n\t\t}\n\t}\n\texit timeout = 7\n"));
+  EXPECT_TRUE(changed());
+  EXPECT_EQ(logged(),
+            "log: default definition: loaded /a/core --serve exit 7 · bundled /a/core --serve exit 5 "
+            "· changed true");
+}
+
 TEST_F(DefinitionCheckTest, ATimeoutThatOneSideLacksIsNoChange) {
   bundle(bundledTwo);
   rig.printTextOnce(loadedTwoAnd5);
