@@ -33,8 +33,8 @@ class HardStopping {
     platform::Clock& clock;
     platform::MainQueue& mainQueue;
     platform::Logger& log;
-    /// The text of `launchctl print` for the Core's job, asked afresh; absent without a print or a text. Any
-    /// text counts, whatever launchctl's exit code was.
+    /// The text of `launchctl print` for the Core's job, asked afresh, without what hides the pid from
+    /// HardStop::pid; absent without a print or a text. Any text counts, whatever launchctl's exit code was.
     std::function<std::optional<std::string>()> printedJob;
     /// The product's data directory with a "/" at its end; absent when there is none.
     std::function<std::optional<std::string>()> dataDirectory;

@@ -36,9 +36,9 @@ struct Seen {
 /// acceptable line "pid = N" directly inside the outermost block. Absent without one. Never less than 2, so
 /// that neither the kernel nor launchd can come to be signalled, whatever the text says.
 ///
-/// A block opens with a line that ends in "= {" and closes with a line "}". A block that opens with "=> {",
-/// as newer systems print some, is not seen to open, while its "}" is seen to close: a pid that is printed
-/// after such a block, outside it, may be missed.
+/// A block opens with a line that ends in "= {" and closes with a line "}". A block that opens with "=> {" is
+/// not seen to open, while its "}" is seen to close, so a pid behind it would be missed: whoever has a print
+/// leaves the blocks of that kind out first that newer systems print before the pid.
 [[nodiscard]] std::optional<std::int32_t> pid(std::string_view fromPrint);
 
 }  // namespace tamo::HardStop

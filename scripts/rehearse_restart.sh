@@ -31,7 +31,9 @@ before=$(core_pid)
 [[ -n $before ]] || die "the Core did not start"
 sleep 0.2
 members=$(pgrep -c -g "$before")
-echo "    The Core runs as pid $before and leads a process group of $members."
+echo "    The Core runs as pid $before and leads a process group of $members. launchctl prints it as the newest systems do:"
+stage launchctl print "gui/$(stage_user)/studio.pell.tamo.core" |
+  sed -n '/LWCR = {/,/^\t}/p; /exit timeout = /p; /^\tpid = /p' | sed 's/^\t/        /; s/\t/  /g'
 # Only this Core misbehaves: the next one would otherwise keep the unregister waiting for launchd's exit timeout.
 stage core term=obey
 
