@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/checked_sum.hpp"
+
 namespace tamo::HardStop {
 namespace {
 
@@ -11,7 +13,7 @@ bool lookFindsAlive(const Seen& first, const Operations& with) {
 
 /// Absent when the grace period ended with the process alive and the stop still wanted.
 std::optional<Outcome> graceWatch(const Seen& first, const Operations& with) {
-  const auto deadline = with.now() + with.grace;
+  const auto deadline = platform::deadlineAfter(with.now(), with.grace);
   while (with.now() < deadline) {
     if (!lookFindsAlive(first, with)) return Exited();
     if (with.cancelled()) return Cancelled();
@@ -23,7 +25,7 @@ std::optional<Outcome> graceWatch(const Seen& first, const Operations& with) {
 /// Watches until the process is gone, for `limit` at most, and tells what one further look finds. Calling off
 /// is not asked about: once the decision is taken it has no effect.
 bool goneWithin(std::chrono::nanoseconds limit, const Seen& first, const Operations& with) {
-  const auto deadline = with.now() + limit;
+  const auto deadline = platform::deadlineAfter(with.now(), limit);
   while (with.now() < deadline && lookFindsAlive(first, with)) {
     with.sleep(with.poll);
   }

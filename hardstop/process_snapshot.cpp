@@ -1,5 +1,6 @@
 #include "hardstop/process_snapshot.hpp"
 
+#include "platform/checked_sum.hpp"
 #include "platform/fatal.hpp"
 #include "platform/text.hpp"
 
@@ -10,20 +11,16 @@ constexpr std::uint64_t microsPerSecond = 1'000'000;
 constexpr std::int32_t lowestJobPid = 2;
 constexpr std::string_view pidKey = "pid = ";
 
-/// A wrapped sum would give a process another's identity, or a line another's depth.
-template <class Integer>
-Integer checkedSum(Integer left, Integer right) {
-  Integer sum{};
-  if (__builtin_add_overflow(left, right, &sum)) platform::fatal("a sum in a process snapshot overflows");
-  return sum;
-}
-
 std::uint64_t microsOf(const platform::ProcessInfo& info) {
   std::uint64_t micros = 0;
   if (__builtin_mul_overflow(info.startSeconds, microsPerSecond, &micros)) {
     platform::fatal("the seconds of a start time overflow as microseconds");
   }
-  return checkedSum(micros, info.startMicroseconds);
+  return platform::checkedSum(micros, info.startMicroseconds, "a start time overflows");
+}
+
+std::int64_t deeper(std::int64_t depth, std::int64_t by) {
+  return platform::checkedSum(depth, by, "the depth of a print overflows");
 }
 
 std::optional<std::int32_t> pidOfLine(std::string_view line) {
@@ -50,9 +47,9 @@ std::optional<std::int32_t> pid(std::string_view fromPrint) {
   while (rest) {
     const auto line = platform::trimmed(platform::takeLine(rest));
     if (line.ends_with("= {")) {
-      depth = checkedSum<std::int64_t>(depth, 1);
+      depth = deeper(depth, 1);
     } else if (line == "}") {
-      depth = checkedSum<std::int64_t>(depth, -1);
+      depth = deeper(depth, -1);
     } else if (depth == 1) {
       if (const auto found = pidOfLine(line)) return found;
     }

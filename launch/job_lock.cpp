@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "platform/checked_sum.hpp"
 #include "platform/fatal.hpp"
 #include "platform/paths.hpp"
 
@@ -23,7 +24,7 @@ std::string JobLock::path() const {
 /// The time is asked after a try, never before, so that a lock released at the last moment is still gained.
 /// The clock is the monotonic one, because the wall clock can be set during the wait.
 bool JobLock::waitForLock(std::int32_t descriptor) {
-  const auto deadline = needs_.clock.monotonicNow() + lockDeadline;
+  const auto deadline = platform::deadlineAfter(needs_.clock.monotonicNow(), lockDeadline);
   while (!needs_.lockFiles.tryLock(descriptor)) {
     if (needs_.clock.monotonicNow() >= deadline) return false;
     needs_.clock.sleep(lockPoll);

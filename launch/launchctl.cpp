@@ -3,6 +3,7 @@
 #include <chrono>
 #include <utility>
 
+#include "platform/checked_sum.hpp"
 #include "platform/paths.hpp"
 #include "platform/text.hpp"
 
@@ -32,7 +33,7 @@ class RemovedAtEnd {
 /// Waits for a tool until the deadline. The clock is the monotonic one: the wall clock can be set meanwhile,
 /// which would end the wait at once or stretch it without limit.
 void waitInSteps(platform::Tool& tool, platform::Clock& clock) {
-  const auto deadline = clock.monotonicNow() + launchctlDeadline;
+  const auto deadline = platform::deadlineAfter(clock.monotonicNow(), launchctlDeadline);
   while (tool.running() && clock.monotonicNow() < deadline)
     clock.sleep(launchctlPoll);
 }

@@ -6,6 +6,7 @@
 
 #include "guard/live_data_guard.hpp"
 #include "platform/bundle_info.hpp"
+#include "platform/checked_sum.hpp"
 #include "platform/completion.hpp"
 #include "platform/paths.hpp"
 
@@ -109,7 +110,7 @@ bool MoveToApplications::runs(const AppMove::RunningCopy& copy) {
 
 /// Every look comes from a turn of the main loop of its own, because only then does the list change.
 Task<Nothing> MoveToApplications::waitForQuit(AppMove::RunningCopy copy) {
-  const auto deadline = needs_.clock.wallNow() + quitLimit;
+  const auto deadline = platform::deadlineAfter(needs_.clock.wallNow(), quitLimit);
   while (needs_.clock.wallNow() < deadline && runs(copy)) {
     auto pausing = pause();
     co_await pausing;

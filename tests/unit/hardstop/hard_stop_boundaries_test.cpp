@@ -52,10 +52,60 @@ TEST_P(DeadlineTest, OfTheSpareWatchIsStrict) {
   EXPECT_EQ(count("look 4242"), 1 + GetParam().looks + 1);
 }
 
+class PollTest : public HardStopRig {};
+
+TEST_F(PollTest, IsNotShortenedForADeadlineThatIsNearer) {
+  operations.grace = 120ms;
+  operations.reap = 70ms;
+  EXPECT_EQ(run(first, operations), Outcome(KilledGroup{4242, false}));
+  EXPECT_EQ(time, 150ms + 100ms);
+  EXPECT_EQ(count("sleep 50 ms"), 3 + 2);
+}
+
+TEST_F(PollTest, IsWhatTheCallerSays) {
+  operations.poll = 30ms;
+  operations.grace = operations.reap = 60ms;
+  EXPECT_EQ(run(first, operations), Outcome(KilledGroup{4242, false}));
+  EXPECT_EQ(count("sleep 30 ms"), 2 + 2);
+  EXPECT_EQ(time, 120ms);
+}
+
 INSTANTIATE_TEST_SUITE_P(Sleeps, DeadlineTest,
                          ::testing::Values(Boundary{"JustBefore", 100ms - 1ns, 2}, Boundary{"At", 100ms, 1},
                                            Boundary{"JustAfter", 100ms + 1ns, 1}),
                          [](const auto& one) { return one.param.name; });
+
+/// A deadline that wrapped would lie in the past, and the process would be killed without its grace period.
+class FarDeadlineDeathTest : public HardStopRig {
+ protected:
+  void SetUp() override { operations.grace = operations.reap = operations.spareWait = 0ns; }
+};
+
+TEST_F(FarDeadlineDeathTest, OfTheGraceWatchIsFatal) {
+  operations.grace = 2s;
+  time = nanoseconds::max() - 2s + 1ns;
+  EXPECT_DEATH(static_cast<void>(run(first, operations)), "fatal: a deadline overflows");
+}
+
+TEST_F(FarDeadlineDeathTest, OfTheReapWatchIsFatal) {
+  operations.reap = 2s;
+  time = nanoseconds::max() - 2s + 1ns;
+  EXPECT_DEATH(static_cast<void>(run(first, operations)), "fatal: a deadline overflows");
+}
+
+TEST_F(FarDeadlineDeathTest, OfTheSpareWatchIsFatal) {
+  operations.spareWait = 20s;
+  reason = "young_core";
+  time = nanoseconds::max() - 20s + 1ns;
+  EXPECT_DEATH(static_cast<void>(run(first, operations)), "fatal: a deadline overflows");
+}
+
+TEST_F(FarDeadlineDeathTest, ThatJustFitsIsWaitedFor) {
+  operations.grace = 2s;
+  time = nanoseconds::max() - 2s;
+  goneAt(time + 1s);
+  EXPECT_EQ(run(first, operations), Outcome(Exited()));
+}
 
 /// What the look after the grace period shows, this program's own group, and who is signalled then.
 struct TargetCase {

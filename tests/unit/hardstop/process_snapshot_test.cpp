@@ -52,7 +52,7 @@ TEST_F(KernelTest, TheLargestStartTimeThatFitsIsKept) {
 
 TEST_F(KernelTest, OneMicrosecondMoreThanFitsIsFatal) {
   coreStartedAt(largest / 1'000'000, largest % 1'000'000 + 1);
-  EXPECT_DEATH(static_cast<void>(kernel(processes, 4242)), "fatal: a sum in a process snapshot overflows");
+  EXPECT_DEATH(static_cast<void>(kernel(processes, 4242)), "fatal: a start time overflows");
 }
 
 TEST_F(KernelTest, SecondsThatOverflowAsMicrosecondsAreFatal) {

@@ -68,6 +68,11 @@ TEST_F(MoveWaitTest, TheThirtySecondsBeginWhenTheResultIsWritten) {
   EXPECT_EQ(opened(), 50s);
 }
 
+TEST_F(MoveWaitTest, ALimitThatNoClockReachesIsFatal) {
+  rig.clock.wallAtZero = std::chrono::system_clock::time_point::max() - 29s;
+  EXPECT_DEATH(rig.move(), "fatal: a deadline overflows");
+}
+
 TEST_F(MoveWaitTest, JustBeforeTheLimitOneMoreLookIsTaken) {
   clockIsSet(1s, -1ns);
   rig.runs(MoveRig::downloads);
