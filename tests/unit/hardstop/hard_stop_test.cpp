@@ -152,6 +152,13 @@ TEST_F(HardStopTest, AReasonIsJudgedAfterTheGracePeriodAndOnce) {
   EXPECT_EQ(count("spare?"), 1);
 }
 
+TEST_F(HardStopTest, AReasonOfNoWordsSparesLikeAnyOther) {
+  waits100Milliseconds();
+  reason = "";
+  EXPECT_EQ(run(first, operations), Outcome(Spared{"", false}));
+  EXPECT_EQ(trace, graceOf100Milliseconds + aliveAtTheDecision + fullLaterWatch);
+}
+
 TEST_F(HardStopTest, TheKilledProcessThatTurnsZombieHasVanished) {
   onSignal = [this] { process->zombie = true; };
   EXPECT_EQ(run(first, operations), Outcome(KilledGroup{4242, true}));

@@ -29,7 +29,7 @@ class Asked {
 };
 
 /// A hard stop on fakes. The Core is process 4242, leads its group, was started before this program, process
-/// 900, and dies of the kill. Detached watchers run in finished(), on virtual time.
+/// 900 of group 500, and dies of the kill. Detached watchers run in finished(), on virtual time.
 class HardStoppingRig : public ::testing::Test {
  protected:
   using Texts = std::vector<std::string>;
@@ -37,7 +37,8 @@ class HardStoppingRig : public ::testing::Test {
   using Predicate = std::function<bool(const std::int32_t&)>;
 
   HardStoppingRig() {
-    fake.kernelProcesses.processes[900] = {.startSeconds = 20, .startMicroseconds = 0, .group = 900};
+    fake.kernelProcesses.group = 500;
+    fake.kernelProcesses.processes[900] = {.startSeconds = 20, .startMicroseconds = 0, .group = 500};
     fake.kernelProcesses.processes[4242] = {.startSeconds = 10, .startMicroseconds = 0, .group = 4242};
     fake.kernelProcesses.onKillGroup = [this](std::int32_t) { coreGone(); };
     fake.kernelProcesses.onKill = [this](std::int32_t) { coreGone(); };

@@ -12,6 +12,8 @@ TEST(OutcomeTest, TheTextOfEveryCaseIsFixed) {
   EXPECT_EQ(text(KilledGroup{4242, false}), "killedGroup(4242, gone: false)");
   EXPECT_EQ(text(KilledProcess{17, true}), "killedProcess(17, gone: true)");
   EXPECT_EQ(text(KilledProcess{-17, false}), "killedProcess(-17, gone: false)");
+  EXPECT_EQ(text(KilledGroup{2147483647, true}), "killedGroup(2147483647, gone: true)");
+  EXPECT_EQ(text(Spared{"", true}), "spared(\"\", gone: true)");
   EXPECT_EQ(text(Exited()), "exited");
   EXPECT_EQ(text(Cancelled()), "cancelled");
 }
