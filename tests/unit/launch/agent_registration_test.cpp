@@ -85,6 +85,22 @@ TEST_F(UnregisterTest, NothingHappensBeforeTheTaskIsStarted) {
   EXPECT_EQ(rig.ledger.count("service: unregister"), 0U);
 }
 
+TEST_F(UnregisterTest, ItIsAskedForOnceWhateverTheStatusAndNothingElseIs) {
+  for (const std::int64_t status : {0, 1, 2, 3, 4}) {
+    rig.ledger.clear();
+    services.status = status;
+    EXPECT_EQ(raised(registration.unregister(*service)), "none");
+    EXPECT_THAT(rig.ledger.texts(), ElementsAre("service: unregister"));
+  }
+}
+
+TEST_F(UnregisterTest, AFailureIsNotTriedAgain) {
+  services.unregisterError = Error("Domain", 1, "text");
+  EXPECT_EQ(raised(registration.unregister(*service)), "Domain 1 text");
+  EXPECT_THAT(rig.ledger.textsOf({"service: ", "queue: ", "clock: "}),
+              ElementsAre("service: agent studio.pell.tamo.core.plist", "service: unregister"));
+}
+
 TEST_F(UnregisterTest, ItIsSuspendedUntilTheCompletion) {
   std::function<void()> later;
   services.unregisterDelivery = [&later](auto deliver) { later = deliver; };
@@ -137,6 +153,66 @@ TEST_F(ReseatTest, AnAgentOfAnotherStatusIsOnlyRegistered) {
     EXPECT_THAT(deeds(), ElementsAre("service: status -> " + std::to_string(status), "service: register"));
     EXPECT_EQ(hardStopping.hardStop(), std::nullopt);
   }
+}
+
+TEST_F(ReseatTest, AStatusThatNobodyKnowsIsNotEnabled) {
+  runCore();
+  for (const std::int64_t status : {std::int64_t{4}, std::int64_t{-1}, std::int64_t{257}, std::int64_t{65537},
+                                    std::int64_t{4'294'967'297}}) {
+    rig.ledger.clear();
+    services.status = status;
+    EXPECT_EQ(raised(registration.reseat(*service)), "none");
+    EXPECT_THAT(deeds(), ElementsAre("service: status -> " + std::to_string(status), "service: register"));
+  }
+}
+
+TEST_F(ReseatTest, TheStatusIsReadAfreshForEachReseat) {
+  services.status = AgentStatus::enabled;
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  services.status = AgentStatus::requiresApproval;
+  rig.ledger.clear();
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_THAT(deeds(), ElementsAre("service: status -> 2", "service: register"));
+  services.status = AgentStatus::enabled;
+  rig.ledger.clear();
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_THAT(deeds(), ElementsAre("service: status -> 1", "service: unregister", "service: register"));
+}
+
+TEST_F(ReseatTest, TheStatusIsReadOnceAndNotBetweenTheTwoSteps) {
+  rig.ledger.clear();
+  services.nextStatuses = {AgentStatus::enabled, AgentStatus::notFound};
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_THAT(deeds(), ElementsAre("service: status -> 1", "service: unregister", "service: register"));
+}
+
+TEST_F(ReseatTest, AStatusThatBecomesEnabledMeanwhileChangesNothing) {
+  rig.ledger.clear();
+  services.nextStatuses = {AgentStatus::requiresApproval, AgentStatus::enabled};
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_THAT(deeds(), ElementsAre("service: status -> 2", "service: register"));
+}
+
+// launchd is known to refuse a register that follows an unregister at once.
+TEST_F(ReseatTest, AFailingRegisterIsNotTriedAgainNorWaitedFor) {
+  services.status = AgentStatus::enabled;
+  services.registerError = Error("SMAppServiceErrorDomain", 1, "Operation not permitted");
+  EXPECT_EQ(raised(registration.reseat(*service)), "SMAppServiceErrorDomain 1 Operation not permitted");
+  EXPECT_EQ(rig.ledger.count("service: register"), 1U);
+  EXPECT_THAT(rig.ledger.textsOf({"queue: ", "clock: "}), ::testing::IsEmpty());
+}
+
+TEST_F(ReseatTest, NothingIsWaitedForBetweenTheUnregisterAndTheRegister) {
+  services.status = AgentStatus::enabled;
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_THAT(rig.ledger.textsOf({"queue: ", "clock: "}), ::testing::IsEmpty());
+}
+
+TEST_F(ReseatTest, ARegisterThatLeavesTheAgentUnapprovedIsASuccess) {
+  services.status = AgentStatus::enabled;
+  services.statusAfterRegister = AgentStatus::requiresApproval;
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_EQ(rig.ledger.count("service: settings"), 0U);
 }
 
 TEST_F(ReseatTest, AFailingRegisterOfAnAgentNotFoundIsRaised) {
@@ -195,6 +271,24 @@ TEST_F(ReseatTest, ACompletedUnregisterCountsAsAskedSoThatACoreThatStaysIsKilled
   EXPECT_EQ(raised(registration.reseat(*service)), "none");
   EXPECT_EQ(rig.ledger.count("kernel: kill group 812"), 1U);
   EXPECT_THAT(hardStopping.hardStop().value_or("none"), ::testing::Not(::testing::HasSubstr("stopFailed")));
+}
+
+TEST_F(ReseatTest, ACoreThatOutlivesEverythingIsRegisteredOverAllTheSame) {
+  runCore();
+  services.status = AgentStatus::enabled;
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_EQ(hardStopping.hardStop(), "killedGroup(812, gone: false)");
+  EXPECT_EQ(rig.ledger.count("service: register"), 1U);
+}
+
+TEST_F(ReseatTest, ASparedCoreThatStaysIsRegisteredOverAfterItsWait) {
+  runCore();
+  rig.kernelProcesses.processes[rig.kernelProcesses.pid] = {.startSeconds = 99, .group = 77};
+  services.status = AgentStatus::enabled;
+  EXPECT_EQ(raised(registration.reseat(*service)), "none");
+  EXPECT_EQ(hardStopping.hardStop(), "spared(\"young_core\", gone: false)");
+  EXPECT_EQ(rig.now(), 22s);
+  EXPECT_EQ(rig.ledger.count("service: register"), 1U);
 }
 
 TEST_F(ReseatTest, AFailingUnregisterCallsTheHardStopOff) {

@@ -153,13 +153,95 @@ TEST_F(DefinitionCheckTest, TheBundleIsReadBeforeLaunchdIsAskedAndThenItIsLogged
                           ::testing::StartsWith("log: default definition: ")));
 }
 
-TEST_F(DefinitionCheckTest, EveryCallReadsBothSidesAfresh) {
+TEST_F(DefinitionCheckTest, EveryCallReadsTheBundleAfresh) {
   bundle(bundledTwo);
   rig.printTextOnce(loadedTwo);
   EXPECT_FALSE(changed());
   bundle(bundledOneAnd9);
   rig.printTextOnce(loadedTwo);
   EXPECT_TRUE(changed());
+  rig.files.contents.clear();
+  rig.printTextOnce(loadedTwo);
+  EXPECT_FALSE(changed());
+}
+
+TEST_F(DefinitionCheckTest, EveryCallAsksLaunchdAfresh) {
+  bundle(bundledTwo);
+  rig.printTextOnce(printOf("\targuments = {\n\t\t/old/core\n\t}\n"));
+  EXPECT_TRUE(changed());
+  rig.printTextOnce(loadedTwo);
+  EXPECT_FALSE(changed());
+  rig.printOnce({.status = 113, .output = loadedTwo});
+  rig.ledger.clear();
+  EXPECT_FALSE(changed());
+  EXPECT_EQ(
+      logged(),
+      "log: default definition: loaded unknown exit - · bundled /a/core --serve exit - · changed false");
+}
+
+TEST_F(DefinitionCheckTest, LaunchdIsAskedOnceAndNothingIsRepeatedOrChanged) {
+  rig.files.contents["/tmp/of-the-user/other"] = "of somebody else";
+  bundle(bundledTwo);
+  rig.printTextOnce(loadedTwo);
+  changed();
+  EXPECT_EQ(rig.ledger.count("tool: /"), 1U);
+  EXPECT_EQ(rig.ledger.count("files: read " + plist), 1U);
+  EXPECT_EQ(rig.files.contents.size(), 2U);
+  EXPECT_EQ(rig.now(), std::chrono::nanoseconds(0));
+}
+
+TEST_F(DefinitionCheckTest, TheListIsNamedAfterTheLabel) {
+  DefinitionCheck other{{.files = rig.files,
+                         .bundles = rig.bundles,
+                         .launchctl = rig.launchctl,
+                         .log = *log,
+                         .label = "another.label"}};
+  bundle(bundledTwo);
+  rig.files.contents[rig.bundles.mainBundle + "/Contents/Library/LaunchAgents/another.label.plist"] =
+      bundledOneAnd9;
+  rig.printTextOnce(loadedTwo);
+  EXPECT_TRUE(other.definitionChanged());
+}
+
+TEST_F(DefinitionCheckTest, AnotherTimeoutAloneIsAChange) {
+  bundle(plistOf(twoWords + "<key>ExitTimeOut</key><integer>0</integer>"));
+  rig.printTextOnce(loadedTwoAnd5);
+  EXPECT_TRUE(changed());
+  EXPECT_EQ(logged(),
+            "log: default definition: loaded /a/core --serve exit 5 · bundled /a/core --serve exit 0 "
+            "· changed true");
+}
+
+TEST_F(DefinitionCheckTest, TimeoutsAreLoggedInDecimalWhateverTheirSize) {
+  bundle(plistOf(twoWords + "<key>ExitTimeOut</key><integer>9007199254740993</integer>"));
+  rig.printTextOnce(printOf("\targuments = {\n\t\t/a/core\n\t\t--serve\n\t}\n\texit timeout = -5\n"));
+  EXPECT_TRUE(changed());
+  EXPECT_EQ(logged(),
+            "log: default definition: loaded /a/core --serve exit -5 · bundled /a/core --serve exit "
+            "9007199254740993 · changed true");
+}
+
+TEST_F(DefinitionCheckTest, ArgumentsAreLoggedWithNothingButSpacesBetweenThem) {
+  bundle(bundledTwo);
+  rig.printTextOnce(printOf("\targuments = {\n\t\t/a b/core\n\t\t\"c\", d\n\t\te\n\t}\n"));
+  EXPECT_TRUE(changed());
+  EXPECT_EQ(logged(),
+            "log: default definition: loaded /a b/core \"c\", d e exit - · bundled /a/core --serve exit - "
+            "· changed true");
+}
+
+TEST_F(DefinitionCheckTest, AnotherCompositionIsNoChange) {
+  bundle(plistOf("<key>ProgramArguments</key><array><string>/Zo\u00EB</string></array>"));
+  rig.printTextOnce(printOf("\targuments = {\n\t\t/Zoe\u0308\n\t}\n"));
+  EXPECT_FALSE(changed());
+}
+
+TEST_F(DefinitionCheckTest, APrintWhoseFileDoesNotOpenIsUnknown) {
+  bundle(bundledOneAnd9);
+  rig.files.failsToOpen = true;
+  EXPECT_FALSE(changed());
+  EXPECT_EQ(logged(),
+            "log: default definition: loaded unknown exit - · bundled /a/core exit 9 · changed false");
 }
 
 }  // namespace

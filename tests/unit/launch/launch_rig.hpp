@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,8 +13,11 @@
 
 namespace tamo {
 
-/// A platform of fakes with a Launchctl on it, and builders for what launchctl prints.
+/// A platform of fakes with a Launchctl on it, and builders for what launchctl prints. This process is 900, of
+/// the group 77.
 struct LaunchRig : fakes::FakePlatform {
+  LaunchRig() { kernelProcesses.group = 77; }
+
   inline static const std::string label = "studio.pell.tamo.core";
   inline static const std::string target = "gui/501/studio.pell.tamo.core";
   inline static const std::string printFile = "/tmp/of-the-user/tamo-core-print-900.txt";
@@ -57,6 +62,58 @@ class KeepsLaunches final : public platform::Processes {
 
  private:
   platform::Processes& processes_;
+};
+
+/// A tool that answers as a test says at each question, and keeps what it was asked.
+struct PlayedTool {
+  std::function<bool()> running = [] { return false; };
+  std::int32_t status = 0;
+  std::vector<std::string> asked;
+};
+
+/// Starts the played tool, which outlives it, whatever is launched, and keeps the last launch.
+class StartsPlayedTool final : public platform::Processes {
+ public:
+  explicit StartsPlayedTool(PlayedTool& played) : played_(played) {}
+  platform::ToolLaunch launched;
+
+  [[nodiscard]] std::unique_ptr<platform::Tool> start(const platform::ToolLaunch& launch) override {
+    launched = launch;
+    return std::make_unique<Player>(played_);
+  }
+
+ private:
+  class Player final : public platform::Tool {
+   public:
+    explicit Player(PlayedTool& played) : played_(played) {}
+    [[nodiscard]] bool running() override {
+      note("running?");
+      return played_.running();
+    }
+    [[nodiscard]] std::int32_t wait() override {
+      note("wait");
+      return played_.status;
+    }
+    void terminate() override { note("terminate"); }
+    [[nodiscard]] std::string readErrors(std::size_t /*limit*/) override {
+      note("read errors");
+      return "";
+    }
+
+   private:
+    void note(const char* question) { played_.asked.emplace_back(question); }
+    PlayedTool& played_;
+  };
+
+  PlayedTool& played_;
+};
+
+/// A user of any number.
+class NumberedUser final : public platform::User {
+ public:
+  std::uint32_t number = 501;
+  [[nodiscard]] std::uint32_t realUserID() const override { return number; }
+  [[nodiscard]] std::optional<platform::PasswordEntry> passwordEntry() const override { return std::nullopt; }
 };
 
 }  // namespace tamo
