@@ -5,6 +5,7 @@
 
 #include "contract/backend.hpp"
 #include "contract/child.hpp"
+#include "platform/posix/posix_processes.hpp"
 
 namespace tamo::contract {
 namespace {
@@ -40,7 +41,7 @@ class ProcessesContract : public Contract {
 };
 
 TEST_P(ProcessesContract, TheStatusIsTheExitCode) {
-  for (const int code : {0, 1, 113, 255}) {
+  for (const int code : {0, 1, 2, 113, 126, 127, 128, 255}) {
     const auto tool = shell("exit " + std::to_string(code));
     ASSERT_NE(tool, nullptr);
     EXPECT_EQ(tool->wait(), code);
@@ -61,6 +62,14 @@ TEST_P(ProcessesContract, WhatCannotBeExecutedDoesNotStart) {
   EXPECT_EQ(platform.processes.start({.path = path("plain"), .arguments = {}, .capturesErrors = true}),
             nullptr);
   EXPECT_EQ(platform.processes.start({.path = backend->folder(), .arguments = {}}), nullptr);
+}
+
+TEST_P(ProcessesContract, AToolIsNotLookedForAlongThePath) {
+  EXPECT_EQ(platform.processes.start({.path = "sh", .arguments = {"-c", "exit 0"}}), nullptr);
+  platform::PosixProcesses ofTheHost;
+  const auto tool = ofTheHost.start({.path = "sh", .arguments = {"-c", "exit 0"}});
+  EXPECT_EQ(tool, nullptr);
+  if (tool != nullptr) static_cast<void>(tool->wait());
 }
 
 TEST_P(ProcessesContract, AScriptIsATool) {
@@ -198,10 +207,12 @@ TEST_P(ProcessesContract, AForgottenToolIsReapedAtTheNextStart) {
   const auto pid = writtenPid();
   siginfo_t ignored{};
   ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(pid), &ignored, WEXITED | WNOWAIT), 0);
-  const auto next = shell("exit 0");
+  const auto next = shell("exec sleep 30");
   ASSERT_NE(next, nullptr);
-  EXPECT_EQ(::waitpid(pid, nullptr, WNOHANG), -1);
-  EXPECT_EQ(next->wait(), 0);
+  // Nobody is there, or, where the kernel has given the pid to the next tool, one that still runs.
+  EXPECT_LE(::waitpid(pid, nullptr, WNOHANG), 0);
+  next->terminate();
+  EXPECT_EQ(next->wait(), SIGTERM);
 }
 
 TAMO_CONTRACT(ProcessesContract);
