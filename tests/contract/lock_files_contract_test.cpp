@@ -73,6 +73,34 @@ TEST_P(LockFilesContract, ASecondOpenWaitsForTheUnlock) {
   locks.close(second);
 }
 
+// The file is also locked by what is not this system, with the call that everybody has for it.
+TEST_P(LockFilesContract, AnotherProgramsFlockAndOursKeepEachOtherOut) {
+  const int descriptor = opened();
+  const platform::Descriptor foreign(::open(host("job.lock").c_str(), O_RDONLY | O_CLOEXEC));
+  ASSERT_EQ(::flock(foreign.get(), LOCK_EX | LOCK_NB), 0);
+  EXPECT_FALSE(locks.tryLock(descriptor));
+  ASSERT_EQ(::flock(foreign.get(), LOCK_SH), 0);
+  EXPECT_FALSE(locks.tryLock(descriptor));
+  ASSERT_EQ(::flock(foreign.get(), LOCK_UN), 0);
+  EXPECT_TRUE(locks.tryLock(descriptor));
+  EXPECT_NE(::flock(foreign.get(), LOCK_EX | LOCK_NB), 0);
+  EXPECT_NE(::flock(foreign.get(), LOCK_SH | LOCK_NB), 0);
+  locks.unlock(descriptor);
+  EXPECT_EQ(::flock(foreign.get(), LOCK_EX | LOCK_NB), 0);
+  locks.close(descriptor);
+}
+
+TEST_P(LockFilesContract, TheFileStaysAfterUseAsItWas) {
+  lay("job.lock", "content");
+  std::filesystem::permissions(host("job.lock"), std::filesystem::perms(0640));
+  const int descriptor = opened();
+  EXPECT_TRUE(locks.tryLock(descriptor));
+  locks.unlock(descriptor);
+  locks.close(descriptor);
+  EXPECT_EQ(contentsOf("job.lock"), "content");
+  EXPECT_EQ(std::filesystem::status(host("job.lock")).permissions(), std::filesystem::perms(0640));
+}
+
 TEST_P(LockFilesContract, ClosingDropsTheLock) {
   const int first = opened();
   const int second = opened();
