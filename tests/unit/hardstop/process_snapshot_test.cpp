@@ -60,6 +60,27 @@ TEST_F(KernelTest, SecondsThatOverflowAsMicrosecondsAreFatal) {
   EXPECT_DEATH(static_cast<void>(kernel(processes, 4242)), "fatal: the seconds of a start time overflow");
 }
 
+TEST_F(KernelTest, ThePidIsTheOneThatWasAskedAbout) {
+  for (const std::int32_t pid : {0, 1, -7, 2147483647}) {
+    processes.processes[pid] = {.startSeconds = 5, .group = 9};
+    EXPECT_EQ(kernel(processes, pid), (Seen{pid, 5'000'000, 9, false}));
+  }
+}
+
+TEST_F(KernelTest, EveryLookIsAFreshOne) {
+  coreStartedAt(5, 0);
+  EXPECT_TRUE(kernel(processes, 4242));
+  processes.processes.clear();
+  EXPECT_FALSE(kernel(processes, 4242));
+  coreStartedAt(6, 1);
+  EXPECT_EQ(kernel(processes, 4242), (Seen{4242, 6'000'001, 0, false}));
+}
+
+TEST_F(KernelTest, MicrosecondsOfMoreThanASecondAreAddedUp) {
+  coreStartedAt(5, 2'000'003);
+  EXPECT_EQ(kernel(processes, 4242), (Seen{4242, 7'000'003, 0, false}));
+}
+
 TEST(SeenTest, EveryFieldCountsForEquality) {
   const Seen seen{4242, 1000, 4200, false};
   EXPECT_EQ(seen, (Seen{4242, 1000, 4200, false}));
@@ -157,34 +178,51 @@ INSTANTIATE_TEST_SUITE_P(
         PrintCase{"InsideAnArrowsBlock", job({"a => {", "pid = 4242"}), 4242},
         PrintCase{"ABraceWithoutBlankOpensNothing", job({"a ={", "pid = 4242"}), 4242},
         PrintCase{"ABraceWithASemicolonClosesNothing", job({"a = {", "};", "pid = 4242"}), std::nullopt},
+        PrintCase{"AmongTheArguments", job({"arguments = {", "pid = 9", "}", "pid = 4242"}), 4242},
+        PrintCase{"AClosingBraceAmongTheArguments", job({"arguments = {", "}", "}", "pid = 4242"}),
+                  std::nullopt},
+        PrintCase{"AnOpenerWithoutABlankBeforeItsSign", job({"a= {", "pid = 9", "}", "pid = 4242"}), 4242},
+        PrintCase{"ABraceBesideOtherWordsClosesNothing", job({"a = {", "}}", "{}", "x }", "pid = 4242"}),
+                  std::nullopt},
+        PrintCase{"AnyHeaderOpens", "= {\n\tpid = 4242\n}\n", 4242},
+        PrintCase{"WordsBehindTheHeader", "Could not find service\n\n" + job({"pid = 4242"}), 4242},
         PrintCase{"ACarriageReturnHidesTheOpener", "job = {\r\npid = 4242\n", std::nullopt},
         PrintCase{"ACarriageReturnHidesTheCloser", job({"a = {", "}\r", "pid = 4242"}), std::nullopt}),
     named);
 
 INSTANTIATE_TEST_SUITE_P(
     Values, PidTest,
-    ::testing::Values(PrintCase{"OneAndZeroAreSkipped", job({"pid = 1", "pid = 0", "pid = 77"}), 77},
-                      PrintCase{"TwoIsTheLowest", job({"pid = 2"}), 2},
-                      PrintCase{"NothingIsSkipped", job({"pid = ", "pid = 77"}), 77},
-                      PrintCase{"LettersAreSkipped", job({"pid = 12x", "pid = x12", "pid = 77"}), 77},
-                      PrintCase{"OutOfRangeIsSkipped", job({"pid = 99999999999", "pid = 77"}), 77},
-                      PrintCase{"LargestInRange", job({"pid = 2147483647"}), 2147483647},
-                      PrintCase{"OneAboveRangeIsSkipped", job({"pid = 2147483648", "pid = 77"}), 77},
-                      PrintCase{"PlusIsRead", job({"pid = +15"}), 15},
-                      PrintCase{"MinusIsSkipped", job({"pid = -15", "pid = 77"}), 77},
-                      PrintCase{"TwoSignsAreSkipped",
-                                job({"pid = ++15", "pid = +-15", "pid = -+15", "pid = 77"}), 77},
-                      PrintCase{"ASignAloneIsSkipped", job({"pid = +", "pid = -", "pid = 77"}), 77},
-                      PrintCase{"LeadingZerosAreDecimal", job({"pid = 0017"}), 17},
-                      PrintCase{"HexadecimalIsSkipped", job({"pid = 0x11", "pid = 77"}), 77},
-                      PrintCase{"NoBlanksIsNoPid", job({"pid=15"}), std::nullopt},
-                      PrintCase{"UpperCaseIsNoPid", job({"PID = 15"}), std::nullopt},
-                      PrintCase{"LongerKeyIsNoPid", job({"xpid = 15", "pid x = 15"}), std::nullopt},
-                      PrintCase{"TwoBlanksAreSkipped", job({"pid =  15", "pid = 77"}), 77},
-                      PrintCase{"TrailingBlanksAreHarmless", job({"pid = 15 \t \u00A0\u3000"}), 15},
-                      PrintCase{"WideBlanksInFrontAreHarmless", job({"\u00A0\u2003 pid = 15"}), 15},
-                      PrintCase{"CarriageReturnIsSkipped", job({"pid = 15\r", "pid = 77"}), 77},
-                      PrintCase{"WideDigitsAreSkipped", job({"pid = \uFF11\uFF15", "pid = 77"}), 77}),
+    ::testing::Values(
+        PrintCase{"OneAndZeroAreSkipped", job({"pid = 1", "pid = 0", "pid = 77"}), 77},
+        PrintCase{"TwoIsTheLowest", job({"pid = 2"}), 2},
+        PrintCase{"NothingIsSkipped", job({"pid = ", "pid = 77"}), 77},
+        PrintCase{"LettersAreSkipped", job({"pid = 12x", "pid = x12", "pid = 77"}), 77},
+        PrintCase{"OutOfRangeIsSkipped", job({"pid = 99999999999", "pid = 77"}), 77},
+        PrintCase{"LargestInRange", job({"pid = 2147483647"}), 2147483647},
+        PrintCase{"OneAboveRangeIsSkipped", job({"pid = 2147483648", "pid = 77"}), 77},
+        PrintCase{"PlusIsRead", job({"pid = +15"}), 15},
+        PrintCase{"MinusIsSkipped", job({"pid = -15", "pid = 77"}), 77},
+        PrintCase{"TwoSignsAreSkipped", job({"pid = ++15", "pid = +-15", "pid = -+15", "pid = 77"}), 77},
+        PrintCase{"ASignAloneIsSkipped", job({"pid = +", "pid = -", "pid = 77"}), 77},
+        PrintCase{"LeadingZerosAreDecimal", job({"pid = 0017"}), 17},
+        PrintCase{"HexadecimalIsSkipped", job({"pid = 0x11", "pid = 77"}), 77},
+        PrintCase{"NoBlanksIsNoPid", job({"pid=15"}), std::nullopt},
+        PrintCase{"UpperCaseIsNoPid", job({"PID = 15"}), std::nullopt},
+        PrintCase{"LongerKeyIsNoPid", job({"xpid = 15", "pid x = 15"}), std::nullopt},
+        PrintCase{"TwoBlanksAreSkipped", job({"pid =  15", "pid = 77"}), 77},
+        PrintCase{"WrappedInto32BitsIsSkipped", job({"pid = 4294967298", "pid = 77"}), 77},
+        PrintCase{"ATabAfterTheSignIsNoPid", job({"pid =\t15", "pid\t= 15"}), std::nullopt},
+        PrintCase{"AFractionIsSkipped", job({"pid = 15.0", "pid = 1e3", "pid = 77"}), 77},
+        PrintCase{"TwoNumbersAreSkipped", job({"pid = 15 16", "pid = 77"}), 77},
+        PrintCase{"AQuotedNumberIsSkipped", job({"pid = \"15\"", "pid = (15)", "pid = 77"}), 77},
+        PrintCase{"OtherBreaksStayInTheLine",
+                  job({"x\vpid = 15", "x\u2028pid = 16", "pid = 17\f", "pid = 77"}), 77},
+        PrintCase{"AZeroWidthBlankIsNotStripped",
+                  job({"\u200Bpid = 15", "pid = 16\u200B", "\uFEFFpid = 17", "pid = 77"}), 77},
+        PrintCase{"TrailingBlanksAreHarmless", job({"pid = 15 \t \u00A0\u3000"}), 15},
+        PrintCase{"WideBlanksInFrontAreHarmless", job({"\u00A0\u2003 pid = 15"}), 15},
+        PrintCase{"CarriageReturnIsSkipped", job({"pid = 15\r", "pid = 77"}), 77},
+        PrintCase{"WideDigitsAreSkipped", job({"pid = \uFF11\uFF15", "pid = 77"}), 77}),
     named);
 
 /// A print that a real system gave.

@@ -27,6 +27,52 @@ TEST_F(ProcessRunnerTest, TheExitStatusIsGiven) {
   EXPECT_EQ(run({.status = 0}), 0);
 }
 
+TEST_F(ProcessRunnerTest, AnyExitStatusIsGivenAsItIs) {
+  for (const std::int32_t status : {1, 2, 9, 15, 77, 126, 127, 128, 143, 255, 256, -1, -128, 2147483647})
+    EXPECT_EQ(run({.status = status}), status);
+}
+
+TEST_F(ProcessRunnerTest, AToolThatFailedIsNotTriedAgain) {
+  fake.processes.always({"/usr/bin/tool"}, {.status = 1});
+  EXPECT_EQ(runner.run("/usr/bin/tool", {}, errors), 1);
+  EXPECT_EQ(fake.ledger.count("tool: /usr/bin/tool"), 1U);
+}
+
+TEST_F(ProcessRunnerTest, AToolThatDidNotStartIsNotTriedAgain) {
+  fake.processes.always({"/usr/bin/tool"}, {.starts = false});
+  EXPECT_EQ(runner.run("/usr/bin/tool", {}, errors), -1);
+  EXPECT_EQ(fake.ledger.count("tool: /usr/bin/tool"), 1U);
+}
+
+TEST_F(ProcessRunnerTest, ErrorsAreKeptToTheByte) {
+  for (const auto& written :
+       {std::string("a\0b", 3), std::string("\n \r\n\t x \n"), std::string("\uFEFFx")}) {
+    run({.errors = written});
+    EXPECT_EQ(errors, written);
+  }
+}
+
+TEST_F(ProcessRunnerTest, EachRunReplacesTheErrorsOfTheOneBefore) {
+  run({.status = 1, .errors = "the first was long"});
+  EXPECT_EQ(errors, "the first was long");
+  run({.errors = "short"});
+  EXPECT_EQ(errors, "short");
+  run({.errors = ""});
+  EXPECT_EQ(errors, "");
+}
+
+TEST_F(ProcessRunnerTest, ASuccessHasItsErrorsKeptToo) {
+  run({.status = 0, .errors = "a warning\n"});
+  EXPECT_EQ(errors, "a warning\n");
+}
+
+TEST_F(ProcessRunnerTest, TheLimitIsOneOfBytes) {
+  run({.errors = std::string(4096, 'a')});
+  EXPECT_EQ(errors.size(), 4096U);
+  run({.errors = std::string(4097, 'a')});
+  EXPECT_EQ(errors.size(), 4096U);
+}
+
 TEST_F(ProcessRunnerTest, ErrorsOfATenThousandByteToolAreItsFirst4096Bytes) {
   std::string written;
   for (int line = 0; written.size() < 10'000; ++line)
