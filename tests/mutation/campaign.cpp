@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <map>
 #include <random>
 #include <regex>
 #include <sstream>
@@ -167,6 +166,10 @@ void writeTree(const Tree& tree, const std::vector<Planned>& plan, const std::se
   }
   copyTree(tree.original, tree.work / "tree", changed);
   writeOwners(tree, rendered);
+}
+
+void writeTexts(const Tree& tree, const std::map<std::string, std::string>& changed) {
+  copyTree(tree.original, tree.work / "tree", changed);
 }
 
 void writeAlone(const Tree& tree, const Planned& planned) {

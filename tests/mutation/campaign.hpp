@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -52,6 +53,9 @@ struct Tree {
 /// Brings the copy up to date, with the mutants in their slots except those that are `apart`. A file whose text does
 /// not change is not touched, so that it is not built again.
 void writeTree(const Tree& tree, const std::vector<Planned>& plan, const std::set<std::size_t>& apart);
+
+/// Brings the copy up to date, with these texts in place of those of the original.
+void writeTexts(const Tree& tree, const std::map<std::string, std::string>& changed);
 
 /// One file of the copy with one change and none of the others.
 void writeAlone(const Tree& tree, const Planned& planned);

@@ -4,11 +4,14 @@
 #include <iostream>
 #include <sstream>
 
+#include "mutation/misreading_round.hpp"
 #include "mutation/report.hpp"
 
-/// The part of ./mutate that reads and writes sources: what is built and run in between is the script's. A round is
-/// kept in its work folder: `files` and `sample` say what is tried, `apart` which mutants have to be built alone,
-/// `hopeless` which are no C++. `refused` remembers those two for later rounds, by file, line and change.
+/// The part of ./mutate that reads and writes sources: what is built and run in between is the script's. A round of
+/// mutants is kept in its work folder: `files` and `sample` say what is tried, `apart` which mutants have to be built
+/// alone, `hopeless` which are no C++. `refused` remembers those two for later rounds, by file, line and change. A
+/// round of misreadings has a work folder of its own: `names` says which were asked for, `entries` which programs each
+/// is shown to, in the order in which they are best built.
 namespace {
 
 namespace fs = std::filesystem;
@@ -160,6 +163,53 @@ int begin(const Tree& tree, std::vector<std::string> named) {
   return plan(tree);
 }
 
+Misreadings misreadingsOf(const Tree& tree) {
+  auto chosen =
+      chosenFrom(readTables(tree.original / "tests/mutation/misreadings"), lines(tree.work / "names"));
+  if (chosen.faults.empty()) sortForBuilding(chosen.entries);
+  return chosen;
+}
+
+/// Begins a round of misreadings; 1 when the tables are not what they should be.
+int planMisreadings(const Tree& tree, const std::vector<std::string>& names) {
+  std::ofstream asked(tree.work / "names");
+  for (const auto& name : names)
+    asked << name << '\n';
+  asked.close();
+  const auto chosen = misreadingsOf(tree);
+  for (const auto& fault : chosen.faults)
+    std::cout << fault << '\n';
+  if (!chosen.faults.empty()) return 1;
+  std::ofstream list(tree.work / "entries");
+  for (const auto& entry : chosen.entries) {
+    list << entry.name << '\t';
+    for (const auto& program : entry.programs)
+      list << program << ' ';
+    list << '\n';
+  }
+  writeTexts(tree, {});
+  std::cout << chosen.entries.size() << " misreadings\n";
+  return 0;
+}
+
+/// Puts one misreading into the copy and takes the one before it out; 1 when its place is gone, which leaves the copy
+/// as it was before all of them.
+int misread(const Tree& tree, const std::string& name) {
+  const auto all = misreadingsOf(tree);
+  const auto entry = std::ranges::find(all.entries, name, &Misreading::name);
+  if (entry == all.entries.end()) return 2;
+  const auto changed = withMisreading(tree.original, *entry);
+  writeTexts(tree, changed.texts);
+  if (changed.fault) std::cout << *changed.fault << '\n';
+  return changed.fault ? 1 : 0;
+}
+
+int tellMisreadings(const Tree& tree) {
+  const auto made = reportOn(misreadingsOf(tree).entries, findingsIn(wholeText(tree.work / "findings.tsv")));
+  std::cout << made.text;
+  return made.notCaught == 0 ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -169,9 +219,13 @@ int main(int count, char** arguments) {
   const fs::path work = given[2];
   const std::vector<std::string> rest(given.begin() + 3, given.end());
   if (given[0] == "plan") return begin(snapshot(project, work), rest);
+  if (given[0] == "plan-misreadings") return planMisreadings(snapshot(project, work), rest);
   const Tree tree{.original = work / "original", .work = work};
   if (given[0] == "blame" && rest.size() == 1) return blame(tree, rest[0]);
   if (given[0] == "alone" && rest.size() == 1) return alone(tree, toNumber(rest[0]));
+  if (given[0] == "misread" && rest.size() == 1) return misread(tree, rest[0]);
+  if (given[0] == "as-it-was") return writeTexts(tree, {}), 0;
+  if (given[0] == "report-misreadings") return tellMisreadings(tree);
   if (given[0] == "report") return tell(project, tree);
   return 2;
 }

@@ -50,6 +50,12 @@ TEST_F(BundleInfoTest, AValueThatIsNoTextGivesNothing) {
   EXPECT_EQ(bundleText(files, "/A.app", "CFBundleIdentifier"), std::nullopt);
 }
 
+TEST_F(BundleInfoTest, ABundleThatDeclaresNoIdentifierHasNone) {
+  placeInfo("<dict><key>CFBundleName</key><string>a.b</string></dict>");
+  EXPECT_TRUE(bundleInfo(files, "/A.app"));
+  EXPECT_EQ(bundleIdentifier(files, "/A.app"), std::nullopt);
+}
+
 TEST_F(BundleInfoTest, AReplacedBundleIsReadAnew) {
   placeInfo("<dict><key>CFBundleVersion</key><string>1</string></dict>");
   EXPECT_EQ(bundleText(files, "/A.app", "CFBundleVersion"), "1");
