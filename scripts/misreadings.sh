@@ -37,7 +37,7 @@ misread_binary() {
 
 # Runs PROGRAM[:FILTER] for so many seconds at most; its output is in $work/logs/SHARE.log.
 run_share() {
-  local program=${1%%:*} filter= limit=$2 share=$3
+  local program=${1%%:*} filter="" limit=$2 share=$3
   [[ $1 != *:* ]] || filter=${1#*:}
   local arguments=(--gtest_fail_fast ${filter:+"--gtest_filter=$filter"})
   [[ $program != simulate ]] || arguments=("$simulated_runs")
@@ -100,7 +100,7 @@ ask() {
 }
 
 try_misreading() {
-  local name=$1 program outcome fallen= begun=$EPOCHREALTIME
+  local name=$1 program outcome fallen="" begun=$EPOCHREALTIME
   for program in "${@:2}"; do
     ask "$name" "$program"
     [[ $outcome == survived ]] || break
