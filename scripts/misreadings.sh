@@ -72,31 +72,43 @@ fallen_test() {
   echo "$fallen"
 }
 
-# Without a misreading all of it has to pass, once. One that takes three times as long, and five seconds, hangs.
+# Without a misreading all of it has to pass, within two runs; asked once. One that takes three times as long, and five seconds, hangs.
 must_pass() {
   [[ -z ${limits[$1]:-} ]] || return 0
   local begun
   mutator as-it-was
   build "${1%%:*}" || broken
   begun=${EPOCHREALTIME/./}
-  run_tests_of "$1" 900 || { echo "mutate: $1 fails without a misreading   (logs: $work/logs)"; exit 1; }
+  run_tests_of "$1" 900 || run_tests_of "$1" 900 ||
+    { echo "mutate: $1 fails without a misreading   (logs: $work/logs)"; exit 1; }
   limits[$1]=$(((${EPOCHREALTIME/./} - begun) * 3 / 1000000 + 5))
 }
 
-# Sets `outcome`, `fallen` and `caught_by`.
+# Sets `outcome` and `fallen`: whether a program passes with the change that is in the tree, and which test fell.
+look_at() {
+  local code=0
+  { run_tests_of "$1" "${limits[$1]}" || code=$?; } 2>/dev/null
+  outcome=$(verdict_of "$code") fallen=""
+  ((code == 0)) || fallen=$(fallen_test)
+}
+
+# Sets `outcome` and `fallen` for a misreading and a program.
 ask() {
-  local name=$1 program=$2 code=0
+  local name=$1 program=$2
   must_pass "$program"
   mutator misread "$name" >"$work/fault" || { outcome=gone fallen=$(<"$work/fault"); return; }
   if ! build "${program%%:*}"; then
-    outcome=build
+    outcome=build fallen=""
     # A test may be one that the compiler judges.
     ! grep -q "static assertion failed" "$work/build.log" || outcome=test fallen="a static assertion"
     return
   fi
-  { run_tests_of "$program" "${limits[$program]}" || code=$?; } 2>/dev/null
-  outcome=$(verdict_of "$code")
-  [[ $outcome == survived ]] || fallen=$(fallen_test)
+  look_at "$program"
+  # Real processes and limits of time may fall by the machine's load alone: they have to do it twice.
+  case $outcome:$program in
+    survived:*) ;;
+    time:* | *:contract* | *:scenario* | *:unit_stage* | *:soak*) look_at "$program" ;;
+  esac
 }
 
 try_misreading() {
