@@ -12,6 +12,12 @@
 
 namespace tamo::contract {
 
+/// The exit status in what waiting gave. The macro takes the address of its argument on a Mac, so it cannot be
+/// asked of a call's result.
+[[nodiscard]] inline int exitStatus(int waited) {
+  return WEXITSTATUS(waited);
+}
+
 /// A child process of a test that does some work and then exits with status 0. Destroying it kills and reaps
 /// it; should the test itself die, the child ends after a minute.
 class Child {

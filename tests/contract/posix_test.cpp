@@ -116,7 +116,8 @@ TEST_F(PosixTest, WhoUsesThePidOfAReapedToolIsNotTerminated) {
   if (stranger == nullptr) GTEST_SKIP() << "the pid could not be had again";
   tool->terminate();
   ::kill(stranger->pid(), SIGKILL);
-  EXPECT_EQ(WTERMSIG(stranger->reap()), SIGKILL);
+  const int waited = stranger->reap();
+  EXPECT_EQ(WTERMSIG(waited), SIGKILL);
 }
 
 TEST_F(PosixTest, ErrorsThatWereNotCapturedCannotBeRead) {

@@ -116,7 +116,7 @@ TEST_P(ProcessesContract, AStandardInputThatIsClosedStaysClosedInATool) {
     const auto tool = shell("test -e /dev/fd/0 && exit 1; exit 7");
     ::_exit(tool == nullptr ? 2 : tool->wait());
   });
-  EXPECT_EQ(WEXITSTATUS(child.reap()), 7);
+  EXPECT_EQ(exitStatus(child.reap()), 7);
 }
 
 TEST_P(ProcessesContract, AFileThatTookThePlaceOfStandardInputIsClosedInATool) {
@@ -126,7 +126,7 @@ TEST_P(ProcessesContract, AFileThatTookThePlaceOfStandardInputIsClosedInATool) {
     const auto tool = shell("test -e /dev/fd/0 && exit 1; exit 7");
     ::_exit(tool == nullptr ? 2 : tool->wait());
   });
-  EXPECT_EQ(WEXITSTATUS(child.reap()), 7);
+  EXPECT_EQ(exitStatus(child.reap()), 7);
 }
 
 TEST_P(ProcessesContract, EveryOtherDescriptorIsClosed) {

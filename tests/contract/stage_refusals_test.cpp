@@ -132,7 +132,7 @@ TEST_F(StageRefusalsTest, ABackgroundProgramNeedsEnoughDescriptors) {
       ::setrlimit(RLIMIT_NOFILE, &limit);
       ::_exit(startInBackground(program) ? startedStatus : 0);
     });
-    const bool starts = WEXITSTATUS(child.reap()) == startedStatus;
+    const bool starts = contract::exitStatus(child.reap()) == startedStatus;
     EXPECT_TRUE(starts || !started) << "no longer with " << descriptors;
     EXPECT_FALSE(starts && descriptors < 3) << "with " << descriptors;
     started = starts;

@@ -1,6 +1,9 @@
 #include "app/agent_actions.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include "companion.hpp"
 

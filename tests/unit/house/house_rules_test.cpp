@@ -6,6 +6,8 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <string>
+#include <vector>
 
 /// The rules of the house that a compiler does not hold: which folder may include which, what stands only in
 /// the platform's folders, what both compilers have, and how long a file may grow.
@@ -104,6 +106,13 @@ TEST(HouseRulesTest, OnlyWhatBothCompilersHaveIsUsed) {
     if (source.path == "tests/unit/house/house_rules_test.cpp") continue;
     EXPECT_EQ(matches(source.text, missing), Texts{}) << source.path;
   }
+}
+
+/// The macros that read a wait's status take the address of their argument on a Mac.
+TEST(HouseRulesTest, AWaitsStatusIsReadFromAVariable) {
+  const std::regex ofACall(R"(\b(W(?:IF)?(?:EXITED|EXITSTATUS|SIGNALED|TERMSIG|STOPPED|STOPSIG)\([^()]*\())");
+  for (const auto& source : sources(everything))
+    EXPECT_EQ(matches(source.text, ofACall), Texts{}) << source.path;
 }
 
 TEST(HouseRulesTest, NoFileOutgrowsOneSitting) {
