@@ -42,8 +42,7 @@ bool isTranslocated(std::string_view path) {
 }
 
 std::string spelling(std::string_view path) {
-  const auto leadToOneItem = [](const std::string&, const std::string&) { return true; };
-  return platform::withoutPrivatePrefix(platform::standardisedPath(path), leadToOneItem);
+  return platform::withoutPrivatePrefix(platform::standardisedPath(path));
 }
 
 /// A name with accents has two spellings, and so has a path below /private; the places that paths come from do

@@ -21,7 +21,8 @@ class FileReader {
   /// `path` with the symbolic links of every component resolved, then standardised. All or nothing: a path
   /// that does not lead to an existing item is only standardised. A leading "/private" is dropped when the
   /// shorter path names the same existing item, unless that is in one of the system's folders
-  /// (private_prefix.hpp).
+  /// (private_prefix.hpp). Where letter case doesn't count, each component has the case that it has on the
+  /// disk.
   [[nodiscard]] virtual std::string resolvedPath(const std::string& path) const = 0;
 };
 

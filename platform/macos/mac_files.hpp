@@ -4,10 +4,8 @@
 
 namespace tamo::macos {
 
-/// The Mac's own files. Only links and the temporary directory are asked of Foundation; what a thread other
-/// than the main thread may use (exists) is one system call.
-///
-/// A resolved path has its components in the letter case of the disk.
+/// The Mac's own files, by POSIX calls alone. A resolved path has its components in the letter case of the
+/// disk.
 class MacFiles final : public platform::Files {
  public:
   [[nodiscard]] bool exists(const std::string& path) const override;

@@ -1,14 +1,12 @@
 #include "platform/macos/mac_user_files.hpp"
 
 #include "platform/macos/foundation_values.hpp"
+#include "platform/posix/posix_files.hpp"
 
 namespace tamo::macos {
 
 bool MacUserFiles::isWritable(const std::string& path) const {
-  @autoreleasepool {
-    NSString* text = foundationText(path);
-    return text != nil && [NSFileManager.defaultManager isWritableFileAtPath:text];
-  }
+  return platform::posix::isWritable(path);
 }
 
 bool MacUserFiles::moveToTrash(const std::string& path) {

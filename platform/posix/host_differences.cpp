@@ -18,6 +18,12 @@ char* const* ownEnvironment() {
   return *_NSGetEnviron();
 }
 
+int temporaryDirectoryName() {
+  // What Foundation asks first, too. It is made when it is missing, and ends in "/" (String+Path.swift of
+  // swift-foundation, temporaryDirectoryPath; confstr.c of Libc-1725.0.11, macOS 26).
+  return _CS_DARWIN_USER_TEMP_DIR;
+}
+
 short inheritanceFlag() {
   return POSIX_SPAWN_CLOEXEC_DEFAULT;
 }
@@ -38,6 +44,10 @@ clockid_t sleepCountingClock() {
 
 char* const* ownEnvironment() {
   return environ;
+}
+
+int temporaryDirectoryName() {
+  return -1;
 }
 
 short inheritanceFlag() {

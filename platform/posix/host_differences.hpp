@@ -13,6 +13,10 @@ namespace tamo::platform {
 /// The environment of this process, for a tool to inherit.
 [[nodiscard]] char* const* ownEnvironment();
 
+/// The name by which confstr tells the user's own temporary directory; one that it doesn't know where the
+/// host has none.
+[[nodiscard]] int temporaryDirectoryName();
+
 /// The flag without which a started tool would inherit more than its three streams; 0 where that is done by
 /// closing them (see inheritOnlyStreams).
 [[nodiscard]] short inheritanceFlag();

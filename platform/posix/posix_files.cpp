@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <limits>
@@ -25,6 +26,10 @@ class PosixOutputFile final : public OutputFile {
 
  private:
   Descriptor opened_;
+};
+
+struct Freed {
+  void operator()(char* text) const { std::free(text); }
 };
 
 bool isDirectory(const std::string& path) {
@@ -83,6 +88,20 @@ class TemporaryFile {
 bool exists(const std::string& path) {
   struct stat found {};
   return ::stat(path.c_str(), &found) == 0;
+}
+
+bool isWritable(const std::string& path) {
+  return ::access(path.c_str(), W_OK) == 0;
+}
+
+std::optional<std::string> withoutLinks(const std::string& path) {
+  // A Mac's realpath asks for the name that each component has on the disk and opens none of them, so the
+  // user is not asked for access to a folder. Of a file with "/" or "/.." behind it, which leads nowhere, it
+  // would still tell (realpath.c, the same from Libc-1353.11.2 of macOS 10.15 to Libc-1725.0.11 of macOS 26).
+  if (!exists(path)) return std::nullopt;
+  const std::unique_ptr<char, Freed> found(::realpath(path.c_str(), nullptr));
+  if (!found) return std::nullopt;
+  return found.get();
 }
 
 std::optional<std::string> readWhole(const std::string& path) {

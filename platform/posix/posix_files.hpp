@@ -12,6 +12,14 @@
 namespace tamo::platform::posix {
 
 [[nodiscard]] bool exists(const std::string& path);
+
+/// Whether the real user may write to the item, links followed; false for a missing one.
+[[nodiscard]] bool isWritable(const std::string& path);
+
+/// The path of the existing item that `path` leads to, the links of every component followed; absent when it
+/// leads to none. Where letter case doesn't count, each name has the case that it has on the disk.
+[[nodiscard]] std::optional<std::string> withoutLinks(const std::string& path);
+
 [[nodiscard]] std::optional<std::string> readWhole(const std::string& path);
 
 /// The temporary file lies in the folder of `path`, so the folder's rights and free space decide. A new file

@@ -2,7 +2,7 @@
 
 #include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
-#include "platform/private_prefix.hpp"
+#include "platform/resolved_path.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -21,13 +21,11 @@ std::optional<std::string> StageFiles::readWhole(const std::string& path) const 
 }
 
 std::string StageFiles::resolvedPath(const std::string& path) const {
-  const auto found = root_.existing(path);
-  const auto resolved = found ? root_.onStage(*found) : std::nullopt;
-  const auto sameItem = [this](const std::string& left, const std::string& right) {
-    const auto item = root_.existing(left);
-    return item && item == root_.existing(right);
+  const auto withoutLinks = [this](const std::string& from) {
+    const auto found = root_.existing(from);
+    return found ? root_.onStage(*found) : std::nullopt;
   };
-  return platform::withoutPrivatePrefix(platform::standardisedPath(resolved.value_or(path)), sameItem);
+  return platform::resolvedPath(path, withoutLinks);
 }
 
 bool StageFiles::writeAtomically(const std::string& path, std::string_view bytes) {

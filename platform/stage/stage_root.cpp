@@ -22,11 +22,11 @@ using platform::Descriptor;
 using platform::fatal;
 
 std::string canonical(const std::string& directory) {
-  std::array<char, PATH_MAX> resolved;
-  if (::realpath(directory.c_str(), resolved.data()) == nullptr) fatal("no stage at " + directory);
-  const Descriptor opened(::open(resolved.data(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  const auto resolved = platform::posix::withoutLinks(directory);
+  if (!resolved) fatal("no stage at " + directory);
+  const Descriptor opened(::open(resolved->c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   if (!opened) fatal("the stage at " + directory + " is no directory");
-  return resolved.data();
+  return *resolved;
 }
 
 /// The kernel gives up with EAGAIN when a rename elsewhere might have let a ".." out of the root while it

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "platform/paths.hpp"
+#include "platform/posix/posix_files.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -44,7 +45,7 @@ std::string nameInTrash(const std::string& name, const std::string& timeOfDay, i
 
 bool StageUserFiles::isWritable(const std::string& path) const {
   const auto item = root_.existing(path);
-  return item && ::access(item->c_str(), W_OK) == 0;
+  return item && platform::posix::isWritable(*item);
 }
 
 bool StageUserFiles::moveToTrash(const std::string& path) {

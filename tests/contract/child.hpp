@@ -12,8 +12,8 @@
 
 namespace tamo::contract {
 
-/// The exit status in what waiting gave. The macro takes the address of its argument on a Mac, so it cannot be
-/// asked of a call's result.
+/// The exit status in what waiting gave. The macro takes the address of its argument on a Mac, so it cannot
+/// be asked of a call's result.
 [[nodiscard]] inline int exitStatus(int waited) {
   return WEXITSTATUS(waited);
 }

@@ -203,6 +203,20 @@ TEST_P(FilesContract, APathThatLeadsNowhereIsOnlyStandardised) {
   EXPECT_EQ(files.resolvedPath(path("loop")), path("loop"));
 }
 
+TEST_P(FilesContract, AFileLeadsNowhereAsAFolder) {
+  lay("file", "");
+  EXPECT_EQ(files.resolvedPath(path("file/")), path("file"));
+  EXPECT_EQ(files.resolvedPath(path("file/..")), backend->folder());
+}
+
+TEST_P(FilesContract, AResolvedPathHasTheLettersOfTheDisk) {
+  folder("Folder");
+  const auto other = path("fOLDER");
+  const auto onDisk = files.resolvedPath(path("Folder"));
+  EXPECT_TRUE(onDisk.ends_with("/Folder"));
+  EXPECT_EQ(files.resolvedPath(other), files.exists(other) ? onDisk : other);
+}
+
 TEST_P(FilesContract, ThePrivateFolderIsDroppedFromItsOwnItems) {
   EXPECT_EQ(files.resolvedPath("/tmp"), "/tmp");
   EXPECT_EQ(files.resolvedPath("/private/tmp"), "/tmp");

@@ -1,7 +1,10 @@
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -13,6 +16,7 @@
 #include "platform/posix/posix_files.hpp"
 #include "platform/posix/posix_local_sockets.hpp"
 #include "platform/posix/posix_processes.hpp"
+#include "platform/posix/temporary_directory.hpp"
 
 /// What the POSIX pieces promise beyond the interfaces, on this host's own paths.
 namespace tamo::platform {
@@ -68,6 +72,56 @@ TEST_F(PosixTest, ExistenceFollowsLinks) {
   folder.link("/dangling", "nowhere");
   EXPECT_TRUE(posix::exists(path("bin")));
   EXPECT_FALSE(posix::exists(path("dangling")));
+}
+
+TEST_F(PosixTest, WhatAPathLeadsToIsNamedWithoutLinks) {
+  folder.folder("/real/deep");
+  folder.file("/real/file", "");
+  folder.link("/linked", "real");
+  folder.link("/dangling", "nowhere");
+  folder.link("/inside", "real/deep");
+  const auto base = folder.root().directory();
+  EXPECT_EQ(posix::withoutLinks(base + "/linked//file"), base + "/real/file");
+  EXPECT_EQ(posix::withoutLinks(base + "/inside/../file"), base + "/real/file");
+  EXPECT_EQ(posix::withoutLinks("/"), "/");
+  for (const auto* name : {"/dangling", "/linked/missing", "/real/file/", "/real/file/.."})
+    EXPECT_EQ(posix::withoutLinks(base + name), std::nullopt) << name;
+}
+
+TEST_F(PosixTest, WhatIsMissingIsNotWritable) {
+  folder.folder("/own");
+  folder.link("/linked", "own");
+  EXPECT_TRUE(posix::isWritable(path("own")));
+  EXPECT_TRUE(posix::isWritable(path("linked")));
+  EXPECT_FALSE(posix::isWritable(path("missing")));
+}
+
+TEST_F(PosixTest, AConfiguredTextIsWholeOrAbsent) {
+  EXPECT_EQ(posix::configuredText(_CS_PATH), "/bin:/usr/bin");
+  EXPECT_EQ(posix::configuredText(_CS_LFS_CFLAGS), std::nullopt) << "an empty one";
+  EXPECT_EQ(posix::configuredText(-1), std::nullopt) << "one that the host doesn't know";
+}
+
+/// What a process with this in its environment takes for the temporary directory.
+std::string temporaryDirectoryWith(const char* environment) {
+  const char* before = std::getenv("TMPDIR");
+  const std::optional<std::string> kept =
+      before == nullptr ? std::nullopt : std::optional<std::string>(before);
+  environment == nullptr ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", environment, 1);
+  const auto found = posix::temporaryDirectory();
+  kept ? ::setenv("TMPDIR", kept->c_str(), 1) : ::unsetenv("TMPDIR");
+  return found;
+}
+
+TEST_F(PosixTest, WithoutAnAnswerOfTheHostsTheEnvironmentNamesTheTemporaryDirectory) {
+  EXPECT_EQ(temporaryDirectoryWith("/run/user/501"), "/run/user/501/");
+  EXPECT_EQ(temporaryDirectoryWith("/run/user/501/"), "/run/user/501/");
+}
+
+TEST_F(PosixTest, WithoutAPlaceInTheEnvironmentTemporaryFilesGoWhereEverybodysDo) {
+  for (const auto* none : {"", "below/the/working/directory"})
+    EXPECT_EQ(temporaryDirectoryWith(none), "/tmp/") << none;
+  EXPECT_EQ(temporaryDirectoryWith(nullptr), "/tmp/");
 }
 
 TEST_F(PosixTest, AnAddressHoldsWhatFitsTheHost) {

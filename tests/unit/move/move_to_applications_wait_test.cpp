@@ -148,6 +148,12 @@ TEST_F(MoveWaitTest, ACopyBelowPrivateIsTheSameHoweverThatIsSpelt) {
   EXPECT_EQ(opened(), 750ms);
 }
 
+TEST_F(MoveWaitTest, ACopyInAnyOtherFolderOfThatNameIsAnotherOne) {
+  rig.runsFrom("/private/home/u/Tamo.app");
+  rig.runs("/home/u/Tamo.app");
+  EXPECT_EQ(opened(), 0ms);
+}
+
 TEST_F(MoveWaitTest, TheInstalledCopyIsWaitedForWhenItIsTheOneThatRuns) {
   rig.runsFrom(MoveRig::installed);
   rig.files.resolved[MoveRig::installed] = "/Volumes/X/Tamo.app";

@@ -43,5 +43,19 @@ TEST(PrivatePrefixTest, ASystemFolderIsNeverReachedThatWay) {
   }
 }
 
+TEST(PrivatePrefixTest, WithoutALookItIsDroppedWhereEveryMacHasItsLinks) {
+  EXPECT_EQ(withoutPrivatePrefix("/private/tmp"), "/tmp");
+  EXPECT_EQ(withoutPrivatePrefix("/private/etc/hosts"), "/etc/hosts");
+  EXPECT_EQ(withoutPrivatePrefix("/private/var/folders/x/T/Tamo.app"), "/var/folders/x/T/Tamo.app");
+}
+
+TEST(PrivatePrefixTest, WithoutALookAnythingElseIsAnotherPlace) {
+  for (const auto* path : {"/", "/private", "/privateer/tmp", "/tmp", "/var/private/tmp", "/private/tmpfiles",
+                           "/private/variety", "/private/home/u", "/private/Tmp", "/private/private/tmp",
+                           "/private/Users/u", "/private/Applications/Tamo.app"}) {
+    EXPECT_EQ(withoutPrivatePrefix(path), path);
+  }
+}
+
 }  // namespace
 }  // namespace tamo::platform
