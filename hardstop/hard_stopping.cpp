@@ -109,12 +109,14 @@ HardStop::Operations operations(const Needs& needs, const Gathered& gathered,
   };
 }
 
-Completion<Outcome> startWatcher(const Needs& needs, const Gathered& gathered,
-                                 std::shared_ptr<const StopFailed> failed) {
+/// Absent when no thread can be had: nobody watches then.
+std::optional<Completion<Outcome>> startWatcher(const Needs& needs, const Gathered& gathered,
+                                                std::shared_ptr<const StopFailed> failed) {
   const Completion<Outcome> ended(needs.mainQueue);
   const auto with = operations(needs, gathered, std::move(failed));
-  needs.threads.detach([first = gathered.first, with, ended] { ended.deliver(HardStop::run(first, with)); });
-  return ended;
+  const bool watches = needs.threads.detach(
+      [first = gathered.first, with, ended] { ended.deliver(HardStop::run(first, with)); });
+  return watches ? std::optional(ended) : std::nullopt;
 }
 
 /// How an operation ended: with a result or with an error.
@@ -151,18 +153,18 @@ template <class T>
 Task<T> HardStopping::hardStopping(std::function<Task<T>()> operation, std::function<bool(const T&)> asked) {
   platform::requireMain(needs_.mainQueue, "a hard stop");
   const auto first = runningCore(needs_);
-  if (!first) {
+  const auto failed = std::make_shared<StopFailed>();
+  const auto watcher = first ? startWatcher(needs_, gather(needs_, *first), failed) : std::nullopt;
+  if (!watcher) {
     auto alone = operation();
     auto result = co_await alone;
     co_return result;
   }
-  const auto failed = std::make_shared<StopFailed>();
-  const auto watcher = startWatcher(needs_, gather(needs_, *first), failed);
   auto stopping = settled<T>(operation);
   const auto end = co_await stopping;
   platform::requireMain(needs_.mainQueue, "a stop request's end");
   if (stopFailed(end, asked)) failed->set();
-  const auto outcome = co_await watcher;
+  const auto outcome = co_await *watcher;
   note(outcome, first->pid, stopFailed(end, asked));
   if (end.failure) std::rethrow_exception(end.failure);
   co_return *end.result;

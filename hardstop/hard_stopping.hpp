@@ -50,8 +50,9 @@ class HardStopping {
   /// function: it is evaluated twice for a result and never for an error. When it says no, or the operation
   /// fails, the watcher is called off, which counts as long as it has not yet decided to kill or to spare.
   ///
-  /// Without a running Core process to be found, the operation runs alone: nothing is watched, noted or
-  /// logged, and `asked` is not evaluated. T is platform::Nothing or std::int32_t.
+  /// Without a running Core process to be found, or a thread for the watcher, the operation runs alone:
+  /// nothing is watched, noted or logged, and `asked` is not evaluated. T is platform::Nothing or
+  /// std::int32_t.
   template <class T>
   [[nodiscard]] platform::Task<T> hardStopping(std::function<platform::Task<T>()> operation,
                                                std::function<bool(const T&)> asked);

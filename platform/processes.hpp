@@ -30,7 +30,7 @@ class Tool {
   [[nodiscard]] virtual bool running() = 0;
 
   /// Blocks until the tool has exited, without limit. Gives the exit status, or the number of the signal that
-  /// ended it.
+  /// ended it; -1 when the system does not tell it.
   [[nodiscard]] virtual std::int32_t wait() = 0;
 
   /// Sends SIGTERM unless the tool is known to have exited. Does not wait.

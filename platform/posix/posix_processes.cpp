@@ -68,7 +68,8 @@ class PosixTool final : public Tool {
   void look(int options) {
     int waited = 0;
     const auto found = uninterrupted([&] { return ::waitpid(child_, &waited, options); });
-    if (found < 0) fatal("a tool was reaped by somebody else");
+    // Whoever else reaped it has its status, and from now on its pid may be anybody's.
+    if (found < 0) status_ = -1;
     if (found == child_) status_ = statusFrom(waited);
   }
 

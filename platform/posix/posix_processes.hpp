@@ -18,8 +18,9 @@ class Leftovers {
 };
 
 /// Tools started with posix_spawn: each leads a process group of its own, with no signal blocked or ignored
-/// and with this process's environment and working directory. The exit of a child must stay unseen by the
-/// rest of the process: nobody else waits for children, and SIGCHLD is not ignored.
+/// and with this process's environment and working directory. The exit of a child should stay unseen by the
+/// rest of the process: the status of one that somebody else waited for, or that a SIGCHLD which is ignored
+/// took away, is -1.
 class PosixProcesses final : public Processes {
  public:
   /// Makes SIGCHLD what it is by default: a process that inherited it ignored would never learn a status.

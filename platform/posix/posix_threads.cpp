@@ -4,15 +4,14 @@
 #include <thread>
 #include <utility>
 
-#include "platform/fatal.hpp"
-
 namespace tamo::platform {
 
-void PosixThreads::detach(std::function<void()> work) {
+bool PosixThreads::detach(std::function<void()> work) {
   try {
     std::thread(std::move(work)).detach();
+    return true;
   } catch (const std::system_error&) {
-    fatal("no thread can be started");
+    return false;
   }
 }
 

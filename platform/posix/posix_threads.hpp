@@ -6,7 +6,7 @@ namespace tamo::platform {
 
 class PosixThreads final : public Threads {
  public:
-  void detach(std::function<void()> work) override;
+  [[nodiscard]] bool detach(std::function<void()> work) override;
 };
 
 }  // namespace tamo::platform

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/stage/work_elsewhere.hpp"
 #include "platform/text.hpp"
 
 namespace tamo::stage {
@@ -14,9 +15,13 @@ constexpr std::int64_t notFound = 3;
 
 class StageAgentService final : public platform::AgentService {
  public:
-  StageAgentService(const StageRoot& root, platform::Threads& threads, std::string bundle,
-                    std::string plistName)
-      : root_(root), threads_(threads), bundle_(std::move(bundle)), plistName_(std::move(plistName)) {}
+  StageAgentService(const StageRoot& root, platform::Threads& threads, platform::MainQueue& queue,
+                    std::string bundle, std::string plistName)
+      : root_(root),
+        threads_(threads),
+        queue_(queue),
+        bundle_(std::move(bundle)),
+        plistName_(std::move(plistName)) {}
 
   [[nodiscard]] std::int64_t status() override {
     const auto answer = askLaunchd(root_, {"service-status", plistName_});
@@ -28,7 +33,7 @@ class StageAgentService final : public platform::AgentService {
     if (error) throw Error(*error);
   }
   void unregisterAgent(Completion completion) override {
-    threads_.detach([root = root_, name = plistName_, completion = std::move(completion)] {
+    runElsewhere(threads_, queue_, [root = root_, name = plistName_, completion = std::move(completion)] {
       completion(errorFrom(askLaunchd(root, {"service-unregister", name})));
     });
   }
@@ -36,6 +41,7 @@ class StageAgentService final : public platform::AgentService {
  private:
   const StageRoot& root_;
   platform::Threads& threads_;
+  platform::MainQueue& queue_;
   std::string bundle_;
   std::string plistName_;
 };
@@ -55,7 +61,7 @@ std::optional<Error> errorFrom(const std::optional<LaunchdAnswer>& answer) {
 }
 
 std::unique_ptr<platform::AgentService> StageAgentServices::agent(const std::string& plistName) {
-  return std::make_unique<StageAgentService>(root_, threads_, bundles_.mainBundlePath(), plistName);
+  return std::make_unique<StageAgentService>(root_, threads_, queue_, bundles_.mainBundlePath(), plistName);
 }
 
 void StageAgentServices::openSystemSettingsLoginItems() {

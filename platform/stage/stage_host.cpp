@@ -15,7 +15,7 @@ StageHost::StageHost(const StageRoot& root, const std::string& executable)
       userFiles_(root_, clock_),
       localSockets_(root_),
       log_(root_, clock_),
-      agentServices_(root_, bundles_, threads_),
+      agentServices_(root_, bundles_, threads_, runLoop_),
       workspace_(root_, runLoop_, threads_),
       platform_{.application = runLoop_,
                 .mainQueue = runLoop_,

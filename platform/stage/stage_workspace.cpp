@@ -6,6 +6,7 @@
 #include "platform/stage/application_opening.hpp"
 #include "platform/stage/running_programs.hpp"
 #include "platform/stage/stage_files.hpp"
+#include "platform/stage/work_elsewhere.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -34,7 +35,7 @@ std::vector<platform::RunningApplication> StageWorkspace::runningApplications() 
 }
 
 void StageWorkspace::openApplication(const std::string& path, Completion completion) {
-  threads_.detach([root = root_, path, completion = std::move(completion)] {
+  runElsewhere(threads_, loop_, [root = root_, path, completion = std::move(completion)] {
     completion(openApplicationNow(root, path));
   });
 }

@@ -20,16 +20,16 @@ namespace tamo::stage {
 class StageWorkspace final : public platform::Workspace {
  public:
   /// `loop` and `threads` must outlive it.
-  StageWorkspace(const StageRoot& root, const RunLoop& loop, platform::Threads& threads)
+  StageWorkspace(const StageRoot& root, RunLoop& loop, platform::Threads& threads)
       : root_(root), loop_(loop), threads_(threads) {}
 
   [[nodiscard]] std::vector<platform::RunningApplication> runningApplications() override;
-  /// The completion is called on a thread of its own.
+  /// The completion is called on a thread of its own, or, when none can be had, on the main thread.
   void openApplication(const std::string& path, Completion completion) override;
 
  private:
   const StageRoot root_;
-  const RunLoop& loop_;
+  RunLoop& loop_;
   platform::Threads& threads_;
   /// The turn in which `list_` was taken; absent before the first question.
   std::optional<std::uint64_t> turn_;

@@ -5,7 +5,9 @@
 
 #include "contract/fake_launchd.hpp"
 #include "contract/temporary_stage.hpp"
+#include "fakes/fake_main_queue.hpp"
 #include "fakes/fake_surroundings.hpp"
+#include "fakes/fake_threads.hpp"
 #include "platform/posix/posix_threads.hpp"
 
 namespace tamo::stage {
@@ -50,7 +52,8 @@ class StageAgentServicesTest : public ::testing::Test {
   fakes::FakeClock clock{ledger};
   fakes::FakeBundles bundles{ledger, clock};
   platform::PosixThreads threads;
-  StageAgentServices services{stage.root(), bundles, threads};
+  fakes::FakeMainQueue queue{ledger, clock};
+  StageAgentServices services{stage.root(), bundles, threads, queue};
   std::unique_ptr<platform::AgentService> agent = services.agent("a.plist");
 };
 
@@ -116,6 +119,20 @@ TEST_F(StageAgentServicesTest, WithoutLaunchdEverythingFailsAndNothingHangs) {
   EXPECT_EQ(textOf(registering()), "TamoStage|1|The stage's launchd does not answer.");
   EXPECT_EQ(textOf(unregistering().first), "TamoStage|1|The stage's launchd does not answer.");
   services.openSystemSettingsLoginItems();
+}
+
+TEST_F(StageAgentServicesTest, WithoutAThreadAnUnregisterCompletesOnATurnOfTheMainQueue) {
+  const auto launchd = launchdAnswering({.status = 0, .output = "", .errors = {}});
+  fakes::FakeThreads none{ledger, clock};
+  none.available = false;
+  StageAgentServices threadless{stage.root(), bundles, none, queue};
+  int completed = 0;
+  threadless.agent("a.plist")->unregisterAgent(
+      [&completed](const auto& error) { completed += error ? 0 : 1; });
+  EXPECT_EQ(completed, 0);
+  queue.runPosted();
+  EXPECT_EQ(completed, 1);
+  EXPECT_EQ(questions, (std::vector<Words>{{"service-unregister", "a.plist"}}));
 }
 
 }  // namespace

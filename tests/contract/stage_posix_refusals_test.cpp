@@ -14,6 +14,7 @@
 #include "platform/posix/posix_files.hpp"
 #include "platform/posix/posix_local_sockets.hpp"
 #include "platform/posix/posix_processes.hpp"
+#include "platform/posix/posix_threads.hpp"
 #include "platform/posix/posix_user.hpp"
 
 /// What the POSIX pieces make of a kernel that says no: an absent answer, and nothing left half done.
@@ -139,13 +140,46 @@ TEST(PosixDescriptorsTest, AToolStartsWithEnoughDescriptorsAndIsAbsentWithFewer)
   }
 }
 
-TEST(PosixDescriptorsDeathTest, AToolThatSomebodyElseReapedIsFatal) {
+/// A tool that has exited, whose status somebody else has taken.
+std::unique_ptr<Tool> reapedTool(PosixProcesses& processes) {
+  auto tool = processes.start({.path = "/bin/true", .arguments = {}});
+  EXPECT_NE(tool, nullptr);
+  EXPECT_GT(::waitpid(-1, nullptr, 0), 0);
+  return tool;
+}
+
+TEST(PosixReapedTest, AToolThatSomebodyElseReapedHasEndedWithoutAStatus) {
   PosixProcesses processes;
-  const auto tool = processes.start({.path = "/bin/true", .arguments = {}});
-  ASSERT_NE(tool, nullptr);
-  EXPECT_EXIT(static_cast<void>(tool->wait()), ::testing::KilledBySignal(SIGABRT),
-              "fatal: a tool was reaped by somebody else");
-  EXPECT_EQ(tool->wait(), 0);
+  EXPECT_FALSE(reapedTool(processes)->running());
+  const auto tool = reapedTool(processes);
+  EXPECT_EQ(tool->wait(), -1);
+  EXPECT_EQ(tool->wait(), -1);
+  EXPECT_FALSE(tool->running());
+}
+
+TEST(PosixReapedTest, AToolWithoutAStatusHoldsNothingUp) {
+  PosixProcesses processes;
+  static_cast<void>(reapedTool(processes)->running());
+  const auto next = processes.start({.path = "/bin/sh", .arguments = {"-c", "exit 5"}});
+  ASSERT_NE(next, nullptr);
+  EXPECT_EQ(next->wait(), 5);
+}
+
+TEST_F(PosixRefusalsTest, AToolThatCannotBeWaitedForHasNoStatus) {
+  PosixProcesses processes;
+  const auto status = [&processes] {
+    const auto tool = processes.start({.path = "/bin/true", .arguments = {}});
+    return tool != nullptr && tool->wait() == -1;
+  };
+  EXPECT_EQ(refused({SYS_wait4, ECHILD}, status), Refused::True);
+}
+
+TEST_F(PosixRefusalsTest, WithoutAThreadTheWorkIsNotRun) {
+  const auto detaches = [] {
+    PosixThreads threads;
+    return threads.detach([] { ::_exit(1); });
+  };
+  EXPECT_EQ(refused({SYS_clone3, EAGAIN}, detaches), Refused::False);
 }
 
 }  // namespace

@@ -73,17 +73,17 @@ class ThreadsContract : public Contract {};
 
 TEST_P(ThreadsContract, WorkRunsOnAThreadOfItsOwn) {
   std::promise<std::thread::id> ran;
-  platform.threads.detach([&ran] { ran.set_value(std::this_thread::get_id()); });
+  ASSERT_TRUE(platform.threads.detach([&ran] { ran.set_value(std::this_thread::get_id()); }));
   EXPECT_NE(ran.get_future().get(), std::this_thread::get_id());
 }
 
 TEST_P(ThreadsContract, TheCallerDoesNotWaitForTheWork) {
   std::promise<void> allowed;
   std::promise<void> ran;
-  platform.threads.detach([&] {
+  ASSERT_TRUE(platform.threads.detach([&] {
     allowed.get_future().wait();
     ran.set_value();
-  });
+  }));
   allowed.set_value();
   EXPECT_EQ(ran.get_future().wait_for(5s), std::future_status::ready);
 }
@@ -91,11 +91,11 @@ TEST_P(ThreadsContract, TheCallerDoesNotWaitForTheWork) {
 TEST_P(ThreadsContract, SeveralRunAtOnce) {
   std::promise<void> first;
   std::promise<void> second;
-  platform.threads.detach([&] {
+  ASSERT_TRUE(platform.threads.detach([&] {
     first.get_future().wait();
     second.set_value();
-  });
-  platform.threads.detach([&] { first.set_value(); });
+  }));
+  ASSERT_TRUE(platform.threads.detach([&] { first.set_value(); }));
   EXPECT_EQ(second.get_future().wait_for(5s), std::future_status::ready);
 }
 

@@ -15,12 +15,15 @@ class FakeThreads final : public platform::Threads {
  public:
   FakeThreads(Ledger& ledger, const FakeClock& clock) : ledger_(ledger), clock_(clock) {}
 
+  /// Whether a thread can be had.
+  bool available = true;
   /// Detached and not yet run.
   std::vector<std::function<void()>> waiting;
 
-  void detach(std::function<void()> work) override {
+  [[nodiscard]] bool detach(std::function<void()> work) override {
     ledger_.note(clock_.monotonicNow(), "threads: detach");
-    waiting.push_back(std::move(work));
+    if (available) waiting.push_back(std::move(work));
+    return available;
   }
 
   /// Runs what is waiting to its end.

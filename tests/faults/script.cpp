@@ -26,9 +26,7 @@ std::vector<Way> waysOf(const Companion& companion, Call call, std::string_view 
     case Call::terminate:
     case Call::openLoginItems:
     case Call::toolRunning:
-    case Call::toolWait:
     case Call::toolTerminate:
-    case Call::detach:
     case Call::closeLock:
     case Call::sleep:
     case Call::log:

@@ -27,10 +27,8 @@ bool mayFail(Call call) {
     case Call::agentStatus:
     case Call::openLoginItems:
     case Call::toolRunning:
-    case Call::toolWait:
     case Call::toolTerminate:
     case Call::toolErrors:
-    case Call::detach:
     case Call::closeLock:
     case Call::sleep:
     case Call::log:

@@ -38,9 +38,9 @@ class HeldTool final : public platform::Tool {
   }
 
   [[nodiscard]] std::int32_t wait() override {
-    static_cast<void>(companion_.enter(Call::toolWait));
+    const bool untold = companion_.enter(Call::toolWait, workOf(tool_->launch));
     waitForEnd();
-    return settled(tool_->status);
+    return settled(untold ? -1 : tool_->status);
   }
 
   void terminate() override {
@@ -174,9 +174,10 @@ void SimulatedKernelProcesses::strike(const Process& process) {
   }
 }
 
-void SimulatedThreads::detach(std::function<void()> work) {
-  static_cast<void>(companion_.enter(Call::detach));
+bool SimulatedThreads::detach(std::function<void()> work) {
+  if (companion_.enter(Call::detach)) return false;
   companion_.detach(std::move(work));
+  return true;
 }
 
 std::chrono::system_clock::time_point SimulatedClock::wallNow() const {

@@ -37,7 +37,7 @@ class SimulatedKernelProcesses final : public platform::KernelProcesses {
 class SimulatedThreads final : public platform::Threads {
  public:
   explicit SimulatedThreads(Companion& companion) : companion_(companion) {}
-  void detach(std::function<void()> work) override;
+  [[nodiscard]] bool detach(std::function<void()> work) override;
 
  private:
   Companion& companion_;

@@ -155,6 +155,20 @@ TEST_F(HardStoppingTest, EveryHardStopHasAFlagOfItsOwn) {
   EXPECT_EQ(hardStops.hardStop(), "killedGroup(4242, gone: true)");
 }
 
+TEST_F(HardStoppingTest, WithoutAThreadForTheWatcherTheOperationRunsAlone) {
+  fake.threads.available = false;
+  EXPECT_EQ(stopped(gives(5)), 5);
+  EXPECT_EQ(hardStops.hardStop(), std::nullopt);
+  EXPECT_EQ(fake.ledger.texts().back(), "operation: runs");
+  EXPECT_EQ(fake.ledger.count("log"), 0U);
+}
+
+TEST_F(HardStoppingTest, WithoutAThreadForTheWatcherAnErrorIsPassedOn) {
+  fake.threads.available = false;
+  EXPECT_EQ(raised(fails()), "no such stop");
+  EXPECT_EQ(hardStops.hardStop(), std::nullopt);
+}
+
 TEST_F(HardStoppingTest, OffTheMainThreadAHardStopIsFatal) {
   EXPECT_DEATH(std::thread([this] {
                  auto task = hardStops.hardStopping<std::int32_t>(gives(0), zero);

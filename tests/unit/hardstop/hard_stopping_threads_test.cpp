@@ -23,7 +23,10 @@ class JoinedThreads final : public platform::Threads {
   JoinedThreads& operator=(const JoinedThreads&) = delete;
   ~JoinedThreads() override { join(); }
 
-  void detach(std::function<void()> work) override { threads_.emplace_back(std::move(work)); }
+  [[nodiscard]] bool detach(std::function<void()> work) override {
+    threads_.emplace_back(std::move(work));
+    return true;
+  }
   void join() {
     for (auto& thread : threads_)
       thread.join();
