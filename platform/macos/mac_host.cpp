@@ -1,8 +1,11 @@
 #include "platform/macos/mac_host.hpp"
 
+#include "platform/fatal.hpp"
+
 namespace tamo::platform {
 
 std::unique_ptr<Host> makeHost() {
+  setLastWords(&macos::logAtFaultLevel);
   return std::make_unique<macos::MacHost>();
 }
 

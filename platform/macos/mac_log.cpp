@@ -37,6 +37,12 @@ class MacLogger final : public platform::Logger {
 
 }  // namespace
 
+void logAtFaultLevel(std::string_view reason) noexcept {
+  // By its name: what is fatal may be so before any logger was asked for.
+  os_log_with_type(os_log_create("studio.pell.Tamo.Core", "lifecycle"), OS_LOG_TYPE_FAULT,
+                   "fatal: %{public}.*s", static_cast<int>(reason.size()), reason.data());
+}
+
 std::unique_ptr<platform::Logger> MacLog::logger(const std::string& subsystem, const std::string& category) {
   return std::make_unique<MacLogger>(os_log_create(subsystem.c_str(), category.c_str()));
 }

@@ -11,10 +11,14 @@ namespace {
 
 constexpr TamoCoreConfig shipped;
 
-std::optional<PropertyList> listOf(const std::string& name) {
+std::string bytesOf(const std::string& name) {
   std::ostringstream bytes;
   bytes << std::ifstream(std::string(TAMO_SOURCE_DIR) + "/platform/macos/" + name, std::ios::binary).rdbuf();
-  return readPropertyList(bytes.str());
+  return bytes.str();
+}
+
+std::optional<PropertyList> listOf(const std::string& name) {
+  return readPropertyList(bytesOf(name));
 }
 
 std::string textAt(const PropertyList& list, const std::string& key) {
@@ -87,6 +91,12 @@ TEST(BundleFilesTest, TheAgentsDefinitionCanBeCompared) {
   EXPECT_EQ(*arguments->front().text(), "/Applications/Tamo.app/Contents/Library/LoginItems/Tamo Core.app/" +
                                             textAt(*agent, "BundleProgram"));
   EXPECT_EQ(exactInt64(*agent->entry("ExitTimeOut")), 20);
+}
+
+/// A process that dies before its logger is made has to say so where the other lines of the log are.
+TEST(BundleFilesTest, LastWordsAreFoundWhereTheLogIs) {
+  const auto channel = "os_log_create(\"" + std::string(shipped.coreBundleID) + "\", \"lifecycle\")";
+  EXPECT_NE(bytesOf("mac_log.cpp").find(channel), std::string::npos) << channel;
 }
 
 /// An application in a sandbox could neither run launchctl nor signal the Core.
