@@ -6,6 +6,7 @@
 
 #include "fakes/fake_files.hpp"
 #include "fakes/fake_surroundings.hpp"
+#include "unit/move/info_files.hpp"
 
 namespace tamo::AppMove {
 namespace {
@@ -83,7 +84,8 @@ TEST(PlanTest, NothingInstalledIsAlwaysACopy) {
 TEST(ResultOfTest, OnlyACopyInPlaceIsOk) {
   EXPECT_EQ(resultOf("moved"), (Result{true, "moved"}));
   EXPECT_EQ(resultOf("opened"), (Result{true, "opened"}));
-  for (const auto* code : {"cancelled", "not_writable", "copy_failed", "Moved", ""})
+  for (const auto* code :
+       {"cancelled", "not_writable", "copy_failed", "Moved", "moved ", "no_helper", "timeout", ""})
     EXPECT_EQ(resultOf(code), (Result{false, code}));
 }
 
@@ -104,9 +106,20 @@ TEST(OldCopyTest, WhatTheUserDownloadedIsLeftBehind) {
       {"/Applications/Tamo 2.app", std::nullopt, "/Applications/Tamo 2.app"},
       {"/Applications/Other/Tamo.app", std::nullopt, "/Applications/Other/Tamo.app"},
       {"/Applications/tamo.app", std::nullopt, "/Applications/tamo.app"},
+      {"/Applications/Tamo.app ", std::nullopt, "/Applications/Tamo.app "},
+      {"/private/Applications/Tamo.app", std::nullopt, "/private/Applications/Tamo.app"},
+      {"/Users/u/Applications/Tamo.app", std::nullopt, "/Users/u/Applications/Tamo.app"},
+      {"/Users/u/./Downloads/Tamo.app/", std::nullopt, "/Users/u/./Downloads/Tamo.app/"},
   };
   for (const auto& row : table)
     EXPECT_EQ(oldCopy(row.here, row.original), row.old) << row.here;
+}
+
+TEST(OldCopyTest, AKnownOriginalIsTakenAsItIsTold) {
+  for (const auto* original : {"/x/AppTranslocation/d/Tamo.app", "/Applications/tamo.app", "/Applications",
+                               "/Volumes/Tamo/Tamo.app", "/private/Applications/Tamo.app"}) {
+    EXPECT_EQ(oldCopy(translocated, original), original);
+  }
 }
 
 TEST(OldCopyTest, TheDestinationIsNeverLeftBehind) {
@@ -144,6 +157,37 @@ TEST(IsCopyTest, IdentifierAndStandardisedPathBothCount) {
   }
 }
 
+TEST(IsCopyTest, NeitherBlanksNorCaseNorAPartOfAPathMakeAnotherOne) {
+  const RunningCopy copy{.path = "/Users/u/Downloads/Tamo.app", .bundleID = "studio.pell.Tamo"};
+  for (const auto* path :
+       {"/Users/u/Downloads/Tamo.app ", "/Users/u/Downloads", "/Users/u/Downloads/Tamo.app2",
+        "/users/u/downloads/tamo.app", "/private/Users/u/Downloads/Tamo.app", "Users/u/Downloads/Tamo.app/..",
+        "/x/Users/u/Downloads/Tamo.app", ""}) {
+    EXPECT_FALSE(isCopy(copy, {"studio.pell.Tamo", path})) << path;
+  }
+  for (const auto* identifier :
+       {"studio.pell.Tamo ", " studio.pell.Tamo", "STUDIO.PELL.TAMO", "studio.pell", ""})
+    EXPECT_FALSE(isCopy(copy, {identifier, copy.path})) << identifier;
+}
+
+TEST(IsCopyTest, TheCopysOwnPathIsStandardisedAsWell) {
+  for (const auto* path : {"/Users/u/Music/../Downloads/Tamo.app", "/Users//u/Downloads/./Tamo.app/"}) {
+    const RunningCopy copy{.path = path, .bundleID = "studio.pell.Tamo"};
+    EXPECT_TRUE(isCopy(copy, {"studio.pell.Tamo", "/Users/u/Downloads/Tamo.app"})) << path;
+  }
+}
+
+TEST(IsCopyTest, AnIdentifierThatIsEmptyIsOneAllTheSame) {
+  const RunningCopy copy{.path = "/Users/u/Tamo.app", .bundleID = ""};
+  EXPECT_TRUE(isCopy(copy, {"", "/Users/u/Tamo.app"}));
+  EXPECT_FALSE(isCopy(copy, {std::nullopt, "/Users/u/Tamo.app"}));
+}
+
+TEST(IsCopyTest, BothSpellingsOfAnIdentifierAreOne) {
+  const RunningCopy copy{.path = "/Users/u/Tamo.app", .bundleID = "studio.zo\u00EB"};
+  EXPECT_TRUE(isCopy(copy, {"studio.zoe\u0308", "/Users/u/Tamo.app"}));
+}
+
 TEST(IsCopyTest, AnInstalledCopyIsOneToo) {
   const RunningCopy copy{.path = "/Applications/Tamo.app", .bundleID = "studio.pell.Tamo"};
   EXPECT_TRUE(isCopy(copy, {"studio.pell.Tamo", "/Applications/Tamo.app"}));
@@ -179,11 +223,9 @@ TEST(BuildNumberTest, AnythingButADecimalIntegerIsNone) {
 class MoveOnFilesTest : public ::testing::Test {
  protected:
   void placeInfo(const std::string& path, const std::string& entries) {
-    files.contents[path + "/Contents/Info.plist"] = "<plist><dict>" + entries + "</dict></plist>";
+    files.contents[path + "/Contents/Info.plist"] = infoWith(entries);
   }
-  void placeRelease(const std::string& path) {
-    placeInfo(path, "<key>CFBundleIdentifier</key><string>studio.pell.Tamo</string>");
-  }
+  void placeRelease(const std::string& path) { placeInfo(path, identifierEntry("studio.pell.Tamo")); }
 
   fakes::Ledger ledger;
   fakes::FakeClock clock{ledger};
@@ -233,9 +275,19 @@ TEST_F(MoveOnFilesTest, AnOriginalThatTheSystemCannotTellIsAbsent) {
   EXPECT_EQ(ledger.count("bundles: original"), 1U);
 }
 
+TEST_F(MoveOnFilesTest, TheOriginalIsAskedForByThePathAsItIsAndEachTime) {
+  const std::string folder = "/Users/u/AppTranslocation/./Tamo.app/";
+  EXPECT_EQ(originalURL(folder, bundles), std::nullopt);
+  bundles.originals[folder] = "";
+  EXPECT_EQ(originalURL(folder, bundles), "");
+  const std::string asked = "bundles: original " + folder;
+  EXPECT_EQ(ledger.texts(), (std::vector<std::string>{asked, asked}));
+}
+
 TEST_F(MoveOnFilesTest, TheSystemIsNotAskedAboutOtherCopies) {
   for (const auto* path : {"/Users/u/Downloads/Tamo.app", "/x/apptranslocation/d/Tamo.app",
-                           "/x/AppTranslocation", "/x/NoAppTranslocation/d/Tamo.app"}) {
+                           "/x/AppTranslocation", "/x/NoAppTranslocation/d/Tamo.app",
+                           "/x/AppTranslocation /d/Tamo.app", "AppTranslocation/d/Tamo.app"}) {
     bundles.originals[path] = "/never";
     EXPECT_EQ(originalURL(path, bundles), std::nullopt) << path;
   }
@@ -253,16 +305,29 @@ TEST(ResultURLTest, TheIdentifierIsPutInUnchanged) {
             "/h/Library/Containers/a/../b/Data/Library/Application Support/Tamo/move-to-applications.json");
 }
 
+TEST(ResultURLTest, AnEmptyIdentifierIsPutInLikeAnyOther) {
+  EXPECT_EQ(resultURL("/h", ""),
+            "/h/Library/Containers//Data/Library/Application Support/Tamo/move-to-applications.json");
+}
+
 TEST(ResultTest, ResultsAreEqualWhenBothFieldsAre) {
   EXPECT_EQ((Result{true, "moved"}), (Result{true, "moved"}));
   EXPECT_NE((Result{true, "moved"}), (Result{false, "moved"}));
   EXPECT_NE((Result{true, "moved"}), (Result{true, "Moved"}));
+  EXPECT_NE((Result{true, "moved"}), (Result{true, "moved "}));
+  EXPECT_NE((Result{false, "zo\u00EB"}), (Result{false, "zoe\u0308"}));
 }
 
 TEST(ResultTest, AResultIsRecordedInOneCompactObject) {
   EXPECT_EQ(encoded({.ok = true, .code = "moved"}), R"({"ok":true,"code":"moved"})");
   EXPECT_EQ(encoded({.ok = false, .code = "not_writable"}), R"({"ok":false,"code":"not_writable"})");
   EXPECT_EQ(encoded({.ok = false, .code = "\"/\n"}), R"({"ok":false,"code":"\"\/\n"})");
+}
+
+TEST(ResultTest, WhatIsRecordedIsTheResultAndNotWhatItsCodeMeans) {
+  EXPECT_EQ(encoded({.ok = false, .code = "moved"}), R"({"ok":false,"code":"moved"})");
+  EXPECT_EQ(encoded({.ok = true, .code = "cancelled"}), R"({"ok":true,"code":"cancelled"})");
+  EXPECT_EQ(encoded({.ok = true, .code = ""}), R"({"ok":true,"code":""})");
 }
 
 TEST(WordsTest, EachFailureHasItsWords) {
@@ -284,7 +349,9 @@ TEST(WordsTest, EachFailureHasItsWords) {
 }
 
 TEST(WordsTest, EveryOtherCodeHasTheGeneralWords) {
-  for (const auto* code : {"moved", "opened", "Cancelled", "cancelled ", "", "anything"}) {
+  for (const auto* code :
+       {"moved", "opened", "Cancelled", "cancelled ", " cancelled", "", "anything", "not-writable",
+        "NOT_WRITABLE", "copy_failed\n", "no helper", "timeout.", "time"}) {
     EXPECT_EQ(words(code), "Tamo couldn\u2019t move itself. Show it in Finder and drag it into Applications.")
         << code;
   }
