@@ -67,10 +67,18 @@ TEST_F(BundleCopyTest, AMarkThatStaysDoesNotSpoilAPlainCopy) {
   EXPECT_EQ(effects(), (Texts{ditto, xattr, ditto, xattr}));
 }
 
+TEST_F(BundleCopyTest, WhatAPlainCopyComplainedAboutOnItsWayDoesNotSpoilIt) {
+  dittoGives({.status = 0, .errors = "ditto: /x: Operation not permitted -128\n"});
+  EXPECT_EQ(copied(), "moved");
+  EXPECT_EQ(effects(), (Texts{ditto, xattr}));
+}
+
 TEST_F(BundleCopyTest, AFailureInAFolderOfTheUsersOwnDoesNotAskTheAdministrator) {
   fake.userFiles.unwritable.clear();
-  for (const auto& outcome : {fakes::ToolScript{.status = 1}, fakes::ToolScript{.status = 9},
-                              fakes::ToolScript{.status = -1}, fakes::ToolScript{.starts = false}}) {
+  for (const auto& outcome :
+       {fakes::ToolScript{.status = 1}, fakes::ToolScript{.status = 9}, fakes::ToolScript{.status = 126},
+        fakes::ToolScript{.status = 127}, fakes::ToolScript{.status = 255}, fakes::ToolScript{.status = 256},
+        fakes::ToolScript{.status = -1}, fakes::ToolScript{.starts = false}}) {
     fake.ledger.clear();
     dittoGives(outcome);
     EXPECT_EQ(copied(), "copy_failed");
@@ -114,7 +122,16 @@ TEST_F(BundleCopyTest, OnlyAPromptThatWasClosedIsACancellation) {
       {{.status = 1, .errors = "execution error: the number is -1284"}, "cancelled"},
       {{.status = 1, .errors = "execution error: (128)"}, "not_writable"},
       {{.status = 1, .errors = "execution error: ditto: no space left (1)"}, "not_writable"},
+      {{.status = 1, .errors = "execution error: (\u2212128)"}, "not_writable"},
+      {{.status = 1, .errors = "execution error: (- 128)"}, "not_writable"},
+      {{.status = 1, .errors = "User canceled."}, "not_writable"},
+      {{.status = 1, .output = "-128"}, "not_writable"},
+      {{.status = 126, .errors = "-128"}, "cancelled"},
+      {{.status = 255, .errors = "execution error:\n(-128)\nmore"}, "cancelled"},
+      {{.status = 127}, "not_writable"},
       {{.status = 128}, "not_writable"},
+      {{.status = 255}, "not_writable"},
+      {{.status = -128}, "not_writable"},
       {{.status = 1}, "not_writable"},
       {{.starts = false, .errors = "-128"}, "not_writable"},
       {{.status = 1, .errors = std::string(4092, ' ') + "-128"}, "cancelled"},
@@ -130,6 +147,22 @@ TEST_F(BundleCopyTest, WhatThePlainCopyComplainedAboutIsNoCancellation) {
   dittoGives({.status = 1, .errors = "ditto: error -128"});
   administratorGives({.status = 1});
   EXPECT_EQ(copied(), "not_writable");
+}
+
+TEST_F(BundleCopyTest, ThePlainCopysComplaintIsNoCancellationWhereTheAdministratorsToolDoesNotStart) {
+  dittoGives({.status = 1, .errors = "ditto: error -128"});
+  administratorGives({.starts = false});
+  EXPECT_EQ(copied(), "not_writable");
+  EXPECT_EQ(effects(), (Texts{ditto, remove, asksForRights, osascript, remove}));
+}
+
+TEST_F(BundleCopyTest, ACopyThatWasTurnedDownLeavesNothingForTheNextOne) {
+  EXPECT_EQ(copiedAfterAdministrator({.status = 1, .errors = "-128"}), "cancelled");
+  EXPECT_EQ(copiedAfterAdministrator({.starts = false}), "not_writable");
+  fake.userFiles.unwritable.clear();
+  fake.ledger.clear();
+  EXPECT_EQ(copied(), "moved");
+  EXPECT_EQ(effects(), (Texts{ditto, xattr}));
 }
 
 TEST_F(BundleCopyTest, ARemovalThatFailsChangesNoCode) {
@@ -161,6 +194,14 @@ TEST_F(BundleCopyTest, ThePromptMayStandForHours) {
   EXPECT_EQ(fake.clock.monotonicNow(), std::chrono::hours(3));
 }
 
+TEST_F(BundleCopyTest, ThePlainToolsMayTakeHoursAsWell) {
+  dittoGives({.runsFor = std::chrono::hours(2)});
+  fake.processes.once({"/usr/bin/xattr"}, {.runsFor = std::chrono::hours(1)});
+  EXPECT_EQ(copied(), "moved");
+  EXPECT_EQ(fake.clock.monotonicNow(), std::chrono::hours(3));
+  EXPECT_EQ(fake.ledger.count("tool: terminate") + fake.ledger.count("clock: sleep"), 0U);
+}
+
 /// Whatever a folder is called, the script stays the same text and the names stay arguments of their own.
 TEST_F(BundleCopyTest, PathsAreArgumentsAndNeverPartOfTheScript) {
   KeepsLaunches processes(fake.processes);
@@ -173,6 +214,31 @@ TEST_F(BundleCopyTest, PathsAreArgumentsAndNeverPartOfTheScript) {
   EXPECT_EQ(processes.launches[1].path, "/usr/bin/osascript");
   EXPECT_THAT(processes.launches[1].arguments,
               ElementsAre("-e", "on run argv", "-e", script, "-e", "end run", odd, target));
+}
+
+TEST_F(BundleCopyTest, ADestinationOfTwoWordsIsOneArgumentOfEveryTool) {
+  KeepsLaunches processes(fake.processes);
+  BundleCopy watched({.runner = ProcessRunner(processes), .files = fake.files, .userFiles = fake.userFiles});
+  const std::string odd = "/My Applications/-r Tamo.app";
+  EXPECT_EQ(watched.copy(source, odd), "moved");
+  ASSERT_EQ(processes.launches.size(), 2U);
+  EXPECT_THAT(processes.launches[0].arguments, ElementsAre(source, odd));
+  EXPECT_EQ(processes.launches[1].path, "/usr/bin/xattr");
+  EXPECT_THAT(processes.launches[1].arguments, ElementsAre("-dr", "com.apple.quarantine", odd));
+}
+
+/// The tools' output goes nowhere, and what they complain about is kept to the companion.
+TEST_F(BundleCopyTest, EveryToolHasItsErrorsReadAndItsOutputDropped) {
+  KeepsLaunches processes(fake.processes);
+  BundleCopy watched({.runner = ProcessRunner(processes), .files = fake.files, .userFiles = fake.userFiles});
+  EXPECT_EQ(watched.copy(source, target), "moved");
+  dittoGives({.status = 1});
+  EXPECT_EQ(watched.copy(source, target), "moved");
+  ASSERT_EQ(processes.launches.size(), 4U);
+  for (const auto& launch : processes.launches) {
+    EXPECT_EQ(launch.standardOutput, -1) << launch.path;
+    EXPECT_TRUE(launch.capturesErrors) << launch.path;
+  }
 }
 
 }  // namespace
