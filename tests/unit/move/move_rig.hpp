@@ -9,6 +9,7 @@
 
 #include "fakes/fake_platform.hpp"
 #include "move/move_to_applications.hpp"
+#include "unit/move/info_files.hpp"
 
 namespace tamo {
 
@@ -35,8 +36,7 @@ struct MoveRig : fakes::FakePlatform {
              const std::string& identifier = "studio.pell.Tamo") {
     files.directories.insert(path);
     files.contents[path + "/Contents/Info.plist"] =
-        "<plist><dict><key>CFBundleIdentifier</key><string>" + identifier +
-        "</string><key>CFBundleVersion</key><string>" + build + "</string></dict></plist>";
+        infoWith(identifierEntry(identifier) + versionEntry(build));
   }
   void runsFrom(const std::string& path, const std::string& identifier = "studio.pell.Tamo") {
     place(path, "42", identifier);
@@ -62,9 +62,22 @@ struct MoveRig : fakes::FakePlatform {
   /// One entry, so that the fake's removal of an entry takes all of it.
   void leavesAPart() { files.contents[installed] = "half a bundle"; }
 
+  [[nodiscard]] MoveToApplications::Needs needsWith(platform::Files& otherFiles) {
+    return {.processes = processes,
+            .files = otherFiles,
+            .userFiles = userFiles,
+            .bundles = bundles,
+            .user = user,
+            .workspace = workspace,
+            .clock = clock,
+            .mainQueue = mainQueue,
+            .log = *log};
+  }
+
   /// Goes on until nothing is left to do. Whether the move came to its end.
-  bool move() {
-    task.emplace(mover.moveToApplications());
+  bool move() { return move(mover); }
+  bool move(MoveToApplications& by) {
+    task.emplace(by.moveToApplications());
     task->start();
     mainQueue.runUntilIdle();
     return task->done();
@@ -88,15 +101,7 @@ struct MoveRig : fakes::FakePlatform {
   }
 
   std::unique_ptr<platform::Logger> log = logSystem.logger("subsystem", "category");
-  MoveToApplications mover{{.processes = processes,
-                            .files = files,
-                            .userFiles = userFiles,
-                            .bundles = bundles,
-                            .user = user,
-                            .workspace = workspace,
-                            .clock = clock,
-                            .mainQueue = mainQueue,
-                            .log = *log}};
+  MoveToApplications mover{needsWith(files)};
   std::optional<platform::Task<platform::Nothing>> task;
 };
 

@@ -34,11 +34,11 @@ class MoveToApplicationsTest : public ::testing::Test {
     }
     return texts;
   }
-  /// A refusal is its line and nothing else.
+  /// A refusal is its line and nothing else; what is installed is not even looked at.
   void expectRefused() {
     EXPECT_TRUE(rig.move());
     EXPECT_EQ(effects(), Texts{"log: error move refused: this Tamo doesn't need moving"});
-    EXPECT_EQ(rig.ledger.count("workspace: ") + rig.ledger.count("queue: "), 0U);
+    EXPECT_EQ(rig.ledger.textsOf({"workspace: ", "queue: ", "bundles: ", "files: exists"}), Texts());
     EXPECT_EQ(rig.result(), "");
   }
 
@@ -264,6 +264,37 @@ TEST_F(MoveOfInnerCopyTest, ItIsKnownByItsOwnIdentifier) {
   EXPECT_EQ(rig.ledger.count("files: write /Users/u/Library/Containers/studio.pell.Inner/Data/"), 1U);
   EXPECT_EQ(rig.openedAt(), std::chrono::milliseconds(250));
   EXPECT_EQ(rig.userFiles.trashed, Texts{inner});
+}
+
+TEST_F(MoveOfInnerCopyTest, AnIdentifierThatIsEmptyIsOneAllTheSame) {
+  rig.place(inner, "42", "");
+  EXPECT_TRUE(rig.move());
+  EXPECT_EQ(
+      rig.ledger.count("files: write /Users/u/Library/Containers//Data/Library/Application Support/Tamo/"),
+      1U);
+  EXPECT_EQ(rig.userFiles.trashed, Texts{inner});
+}
+
+TEST_F(MoveToApplicationsTest, ReleasesAsTheyAreBuiltHaveBinaryInfoFilesAndMoveAllTheSame) {
+  rig.files.contents[MoveRig::downloads + "/Contents/Info.plist"] = binaryInfo("studio.pell.Tamo", "42");
+  rig.place(app, "1");
+  rig.files.contents[std::string(app) + "/Contents/Info.plist"] = binaryInfo("studio.pell.Tamo", "41");
+  EXPECT_TRUE(rig.move());
+  EXPECT_EQ(rig.userFiles.trashed, (Texts{app, MoveRig::downloads}));
+  EXPECT_EQ(rig.result(), R"({"ok":true,"code":"moved"})");
+}
+
+TEST_F(MoveToApplicationsTest, TheStagedCopyOfAUserWithoutAnEntryIsThatOfTheEmptyHome) {
+  rig.user.entry.reset();
+  rig.runsFrom("/var/empty/Library/Application Support/Tamo/staged/Tamo.app");
+  expectRefused();
+}
+
+TEST_F(MoveToApplicationsTest, TheStagedCopyOfAnotherUserMoves) {
+  rig.user.entry = platform::PasswordEntry{"/Users/v"};
+  rig.runsFrom("/Users/u/Library/Application Support/Tamo/staged/Tamo.app");
+  EXPECT_TRUE(rig.move());
+  EXPECT_EQ(rig.ledger.count("files: write /Users/v/Library/Containers/studio.pell.Tamo/Data/"), 1U);
 }
 
 TEST_F(MoveToApplicationsTest, AnInstalledPathThatIsALinkIsOpenedWhereItLeads) {

@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "unit/move/move_rig.hpp"
+#include "unit/move/slow_writing.hpp"
 
 namespace tamo {
 namespace {
@@ -61,7 +62,7 @@ TEST_F(MoveWaitTest, ACopyThatNeverQuitsIsWaitedForThirtySeconds) {
   EXPECT_EQ(looks(), 120U);
 }
 
-TEST_F(MoveWaitTest, TheThirtySecondsBeginWhenTheResultIsWritten) {
+TEST_F(MoveWaitTest, ACopyThatTakesItsTimeTakesNothingFromTheThirtySeconds) {
   rig.processes.once({"/usr/bin/ditto"}, {.runsFor = 20s});
   rig.clock.wallAtZero += 1000h;
   rig.runs(MoveRig::downloads);
@@ -71,6 +72,21 @@ TEST_F(MoveWaitTest, TheThirtySecondsBeginWhenTheResultIsWritten) {
 TEST_F(MoveWaitTest, ALimitThatNoClockReachesIsFatal) {
   rig.clock.wallAtZero = std::chrono::system_clock::time_point::max() - 29s;
   EXPECT_DEATH(rig.move(), "fatal: a deadline overflows");
+}
+
+TEST_F(MoveWaitTest, AToolThatTakesItsTimeAfterTheCopyTakesNothingFromThemEither) {
+  rig.processes.once({"/usr/bin/xattr"}, {.runsFor = 40s});
+  rig.runs(MoveRig::downloads);
+  EXPECT_EQ(opened(), 70s);
+}
+
+TEST_F(MoveWaitTest, TheThirtySecondsBeginWhenTheResultIsWritten) {
+  SlowWriting files(rig.files, [this] { rig.clock.advanceTo(7s); });
+  MoveToApplications mover(rig.needsWith(files));
+  rig.runs(MoveRig::downloads);
+  EXPECT_TRUE(rig.move(mover));
+  EXPECT_EQ(rig.result(), R"({"ok":true,"code":"moved"})");
+  EXPECT_EQ(rig.openedAt(), 37s);
 }
 
 TEST_F(MoveWaitTest, JustBeforeTheLimitOneMoreLookIsTaken) {
@@ -124,6 +140,14 @@ TEST_F(MoveWaitTest, OtherApplicationsAreNotWaitedFor) {
   EXPECT_EQ(opened(), 0s);
 }
 
+TEST_F(MoveWaitTest, EveryInstanceOfTheCopyIsWaitedFor) {
+  rig.runs(MoveRig::downloads);
+  rig.runs(MoveRig::downloads);
+  rig.clock.at(400ms, [this] { rig.workspace.running.pop_back(); });
+  rig.quitsAt(900ms);
+  EXPECT_EQ(opened(), 1s);
+}
+
 TEST_F(MoveWaitTest, TheCopyIsFoundAmongOthers) {
   rig.workspace.running = {{"com.example.other", "/Applications/Other.app"}, {std::nullopt, std::nullopt}};
   rig.runs("/Users/u/Downloads/./Tamo.app/");
@@ -136,6 +160,25 @@ TEST_F(MoveWaitTest, ATranslocatedCopyIsWaitedForWhereItRuns) {
   rig.bundles.originals[MoveRig::translocated] = MoveRig::downloads;
   rig.runs(MoveRig::translocated);
   rig.quitsAt(700ms);
+  EXPECT_EQ(opened(), 750ms);
+}
+
+TEST_F(MoveWaitTest, TheOriginalOfATranslocatedCopyIsNotWaitedFor) {
+  rig.runsFrom(MoveRig::translocated);
+  rig.bundles.originals[MoveRig::translocated] = MoveRig::downloads;
+  rig.runs(MoveRig::downloads);
+  EXPECT_EQ(opened(), 0s);
+  EXPECT_EQ(rig.userFiles.trashed, MoveRig::Texts{MoveRig::downloads});
+}
+
+/// A copy is known by the path it was launched by; where a link leads, nobody asks.
+TEST_F(MoveWaitTest, ACopyBehindALinkIsWaitedForWhereItWasLaunched) {
+  const std::string link = "/Users/u/Desktop/Tamo.app";
+  rig.runsFrom(link);
+  rig.files.resolved[link] = MoveRig::downloads;
+  rig.runs(MoveRig::downloads);
+  rig.runs(link);
+  rig.clock.at(700ms, [this] { rig.workspace.running.pop_back(); });
   EXPECT_EQ(opened(), 750ms);
 }
 
