@@ -6,8 +6,8 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
+#include "platform/stage/onlooker.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -38,8 +38,7 @@ class StageLogger final : public platform::Logger {
     const auto shown = shownColumn(line, privateTexts);
     append(logTime(clock_.wallNow()) + "\t" + std::to_string(::getpid()) + "\t" + level + "\t" + channel_ +
            "\t" + shown + "\t" + markedColumn(line, privateTexts) + "\n");
-    // Logging never fails: without a standard error there is still the file.
-    static_cast<void>(platform::writeAll(STDERR_FILENO, level + " " + shown + "\n"));
+    showTo(STDERR_FILENO, level + " " + shown + "\n");
   }
 
  private:

@@ -12,6 +12,9 @@
 /// "error"), the subsystem, the category, the text as shown, and the text with its marks, in which an
 /// argument reads "{public:TEXT}" or "{private:TEXT}".
 ///
+/// The file is the log; standard error is for who looks on, and holds the companion up as little as a Mac's log does
+/// (see onlooker.hpp).
+///
 /// A private argument reads "<private>", or "{private}" among the marks, unless the setting "log-private" is
 /// "shown". A tab, a line break and a backslash inside a text are written "\t", "\n" and "\\"; among the
 /// marks a brace is written "\{" or "\}" too, so that the column can be read back exactly.

@@ -1,15 +1,19 @@
 #include "stage.hpp"
 
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sstream>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
+#include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/programs/stage_layout.hpp"
 #include "platform/stage/stage_kernel_processes.hpp"
@@ -55,7 +59,18 @@ pid_t spawn(const stage::StageRoot& root, const std::string& program,
   return pid;
 }
 
+/// Longer than anything that a program of a stage waits for, which is a minute for the lock.
+constexpr int longestRun = 90'000;
+
+/// A child is known by its descriptor until it is reaped, so nobody else's end is taken for its.
 int statusOf(pid_t pid) {
+  const platform::Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
+  pollfd ended{.fd = process.get(), .events = POLLIN, .revents = 0};
+  const int found = platform::uninterrupted([&] { return ::poll(&ended, 1, longestRun); });
+  if (found != 1) {
+    ADD_FAILURE() << "process " << pid << " does not end";
+    ::kill(pid, SIGKILL);
+  }
   int status = 0;
   if (::waitpid(pid, &status, 0) != pid) return -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : WTERMSIG(status);
@@ -99,6 +114,13 @@ Started Stage::start(const std::vector<std::string>& arguments, const std::strin
   const pid_t pid = spawn(root_, program, arguments, open, null);
   ::close(null);
   return {pid, at};
+}
+
+Started Stage::startWith(int output, const std::vector<std::string>& arguments,
+                         const std::string& copy) const {
+  const auto program = root_.host(stage::companionProgram(stage::copyPath(root_, copy)));
+  const auto at = steady_clock::now();
+  return {spawn(root_, program, arguments, "", output), at};
 }
 
 Ended Stage::finish(const Started& companion) {
@@ -160,6 +182,15 @@ std::vector<std::string> Stage::lines() const {
     if (parts.size() == 7) found.push_back(parts[2] + " " + parts[6]);
   }
   return found;
+}
+
+bool eventually(const std::function<bool()>& isTrue) {
+  const auto limit = steady_clock::now() + std::chrono::seconds(30);
+  while (!isTrue()) {
+    if (steady_clock::now() >= limit) return false;
+    std::this_thread::sleep_for(milliseconds(5));
+  }
+  return true;
 }
 
 bool runs(pid_t pid) {

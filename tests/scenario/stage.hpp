@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -51,6 +52,10 @@ class Stage {
   /// finished.
   [[nodiscard]] Started start(const std::vector<std::string>& arguments,
                               const std::string& copy = "installed", const std::string& open = {}) const;
+  /// The same without anything to open, with this descriptor for both of its outputs.
+  [[nodiscard]] Started startWith(int output, const std::vector<std::string>& arguments,
+                                  const std::string& copy = "installed") const;
+  /// One that does not end within a minute and a half fails the test and is killed.
   static Ended finish(const Started& companion);
   /// Starts the installed copy's companion with one action and waits for its end.
   Ended act(const std::string& action) const { return finish(start({"--core-action", action})); }
@@ -78,5 +83,8 @@ class Stage {
 
 /// Whether a process with this pid is there and is no zombie.
 [[nodiscard]] bool runs(pid_t pid);
+
+/// Looks again and again until it is true, for half a minute at most.
+[[nodiscard]] bool eventually(const std::function<bool()>& isTrue);
 
 }  // namespace tamo::scenario
