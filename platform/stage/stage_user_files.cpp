@@ -26,9 +26,9 @@ std::string timeOfDay(std::chrono::system_clock::time_point moment) {
   return text.data();
 }
 
-/// Moves an item to a place that must be free; errno says why not.
-bool moved(const std::string& from, const std::string& to) {
-  return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0;
+/// Moves an item to a place that must be free. 0, or why it stays.
+int failureOfMove(const std::string& from, const std::string& to) {
+  return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -55,11 +55,11 @@ bool StageUserFiles::moveToTrash(const std::string& path) {
   // One that is there already, or cannot be made, shows in the move.
   static_cast<void>(::mkdir(trash->c_str(), 0700));
   const std::string name(platform::lastComponent(*item));
-  if (moved(*item, platform::joinedPath(*trash, name))) return true;
+  int failure = failureOfMove(*item, platform::joinedPath(*trash, name));
   const auto time = timeOfDay(clock_.wallNow());
-  for (int attempt = 1; errno == EEXIST && attempt <= mostAttempts; ++attempt)
-    if (moved(*item, platform::joinedPath(*trash, nameInTrash(name, time, attempt)))) return true;
-  return false;
+  for (int attempt = 1; failure == EEXIST && attempt <= mostAttempts; ++attempt)
+    failure = failureOfMove(*item, platform::joinedPath(*trash, nameInTrash(name, time, attempt)));
+  return failure == 0;
 }
 
 }  // namespace tamo::stage
