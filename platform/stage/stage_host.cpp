@@ -6,6 +6,7 @@ namespace tamo::stage {
 
 StageHost::StageHost(const StageRoot& root, const std::string& executable)
     : root_(root),
+      clock_(root_),
       runLoop_(root_),
       processes_(root_),
       files_(root_),

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "platform/platform.hpp"
-#include "platform/posix/posix_clock.hpp"
 #include "platform/posix/posix_threads.hpp"
 #include "platform/stage/run_loop.hpp"
 #include "platform/stage/stage_agent_services.hpp"
 #include "platform/stage/stage_bundles.hpp"
+#include "platform/stage/stage_clock.hpp"
 #include "platform/stage/stage_files.hpp"
 #include "platform/stage/stage_kernel_processes.hpp"
 #include "platform/stage/stage_local_sockets.hpp"
@@ -29,7 +29,7 @@ class StageHost final : public platform::Host {
 
  private:
   StageRoot root_;
-  platform::PosixClock clock_;
+  StageClock clock_;
   platform::PosixThreads threads_;
   RunLoop runLoop_;
   StageProcesses processes_;
