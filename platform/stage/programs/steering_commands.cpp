@@ -87,8 +87,8 @@ std::vector<StageCommand> steeringCommands() {
           {"approval", "R granted|withheld", "the user's word on login items", approval},
           {"order", "R register|unregister|open DOMAIN CODE TEXT", "an error for the next one", order},
           {"tool", "R launchctl|ditto|xattr|osascript [--on VERB] FAULT",
-           "hang [hard] | hold MS | fail N | slow MS | flood BYTES | lie FILE [N] | die SIGNAL | cut BYTES | "
-           "real",
+           "hang [hard] | hold MS | fail N | slow MS | pause | flood BYTES | lie FILE [N] | die SIGNAL |\n"
+           "cut BYTES | real",
            tool},
           {"set", "R NAME [VALUE]", "set a setting, or clear it", set}};
 }

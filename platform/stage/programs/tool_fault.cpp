@@ -44,11 +44,28 @@ struct Overloaded : Cases... {
   using Cases::operator()...;
 };
 
+std::optional<ToolFault> orderedFault(const StageRoot& root, const std::string& tool,
+                                      const std::string& verb) {
+  return toolFaultFor(root.setting("tool-" + tool, ""), verb);
+}
+
 void hang(const StageRoot& root, const Hang& fault) {
   if (fault.hard) ::signal(SIGTERM, SIG_IGN);
   const StagePresence presence(root.directory());
   while (presence.isThere())
     std::this_thread::sleep_for(std::chrono::seconds(1));
+}
+
+/// False when the stage is gone, and with it the work.
+bool pause(const StageRoot& root, const std::string& tool, const std::string& verb) {
+  const StagePresence presence(root.directory());
+  for (;;) {
+    const auto fault = orderedFault(root, tool, verb);
+    // After the reading: a stage that has gone orders nothing either.
+    const bool isThere = presence.isThere();
+    if (!isThere || !fault || !std::holds_alternative<Pause>(*fault)) return isThere;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
 }
 
 /// The child outlives the tool, and whoever reads to the end of its outputs waits for the child.
@@ -91,6 +108,7 @@ std::optional<ToolFault> toolFault(std::string_view text) {
   auto rest = text;
   const auto kind = takeWord(rest);
   if (kind == "hang" && (rest.empty() || rest == "hard")) return Hang{.hard = !rest.empty()};
+  if (kind == "pause" && rest.empty()) return Pause();
   if (kind == "lie") return lieOf(rest);
   const auto number = platform::decimalInt32(rest);
   if (!number || *number < 0) return std::nullopt;
@@ -131,7 +149,7 @@ std::string actingUser() {
 }
 
 std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, const std::string& verb) {
-  const auto fault = toolFaultFor(root.setting("tool-" + tool, ""), verb);
+  const auto fault = orderedFault(root, tool, verb);
   if (!fault) return std::nullopt;
   const Overloaded suffer = {[&](const Hang& ordered) -> std::optional<int> {
                                hang(root, ordered);
@@ -145,6 +163,9 @@ std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, c
                              [](const Slow& ordered) -> std::optional<int> {
                                std::this_thread::sleep_for(std::chrono::milliseconds(ordered.milliseconds));
                                return std::nullopt;
+                             },
+                             [&](const Pause&) -> std::optional<int> {
+                               return pause(root, tool, verb) ? std::nullopt : std::optional(1);
                              },
                              [](const Flood& ordered) -> std::optional<int> {
                                flood(STDOUT_FILENO, ordered.bytes);

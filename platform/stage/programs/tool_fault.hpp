@@ -16,6 +16,7 @@
 ///                        its work
 ///   fail STATUS          does nothing and exits with the status
 ///   slow MS              does its work after that many milliseconds
+///   pause                does its work as soon as it is not told to pause any longer
 ///   flood BYTES          writes that many bytes to both outputs, then does its work
 ///   lie FILE [STATUS]    prints the bytes of a file of the stage instead of working, and exits with the
 ///                        status
@@ -38,6 +39,7 @@ struct Fail {
 struct Slow {
   std::int32_t milliseconds = 0;
 };
+struct Pause {};
 struct Flood {
   std::int32_t bytes = 0;
 };
@@ -51,7 +53,7 @@ struct Die {
 struct Cut {
   std::int32_t bytes = 0;
 };
-using ToolFault = std::variant<Hang, Hold, Fail, Slow, Flood, Lie, Die, Cut>;
+using ToolFault = std::variant<Hang, Hold, Fail, Slow, Pause, Flood, Lie, Die, Cut>;
 
 /// One fault without its verb: "slow 200". A file's name may hold spaces; a number at the end is the status.
 [[nodiscard]] std::optional<ToolFault> toolFault(std::string_view text);
@@ -68,7 +70,7 @@ using ToolFault = std::variant<Hang, Hold, Fail, Slow, Flood, Lie, Die, Cut>;
 [[nodiscard]] std::string actingUser();
 
 /// Has the fault that is ordered for this tool and verb. Returns the status to exit with at once, or absent
-/// when the tool is to do its work. A hanging tool ends with its stage.
+/// when the tool is to do its work. A tool that hangs or pauses ends with its stage.
 [[nodiscard]] std::optional<int> sufferFault(const StageRoot& root, const std::string& tool,
                                              const std::string& verb);
 

@@ -1,6 +1,7 @@
 #include "platform/stage/programs/tool_fault.hpp"
 
 #include <array>
+#include <future>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/wait.h>
@@ -18,6 +19,7 @@ TEST(ToolFaultTest, EachKindIsRead) {
   EXPECT_EQ(std::get<Hold>(*toolFault("hold 1500")).milliseconds, 1500);
   EXPECT_EQ(std::get<Fail>(*toolFault("fail 113")).status, 113);
   EXPECT_EQ(std::get<Slow>(*toolFault("slow 250")).milliseconds, 250);
+  EXPECT_TRUE(std::holds_alternative<Pause>(*toolFault("pause")));
   EXPECT_EQ(std::get<Flood>(*toolFault("flood 100000")).bytes, 100000);
   EXPECT_EQ(std::get<Die>(*toolFault("die 9")).signal, 9);
   EXPECT_EQ(std::get<Cut>(*toolFault("cut 4096")).bytes, 4096);
@@ -33,8 +35,8 @@ TEST(ToolFaultTest, ALieHasAFileAndPerhapsAStatus) {
 }
 
 TEST(ToolFaultTest, WhatIsNoFaultIsNone) {
-  for (const auto* text :
-       {"", "hang on", "hold", "hold on", "fail", "fail x", "slow -1", "lie", "die TERM", "cut", "sulk 3"})
+  for (const auto* text : {"", "hang on", "hold", "hold on", "fail", "fail x", "slow -1", "lie", "die TERM",
+                           "cut", "pause 5", "sulk 3"})
     EXPECT_FALSE(toolFault(text)) << text;
 }
 
@@ -102,6 +104,27 @@ TEST(ToolFaultTest, AHoldKeepsTheOutputOpenAfterTheToolWentOn) {
   EXPECT_EQ(::read(ends[0], &byte, 1), 0) << "the child went away";
   ::close(ends[0]);
   ::wait(nullptr);
+}
+
+TEST(ToolFaultTest, APauseLastsUntilItIsNotOrderedAnyLonger) {
+  const TemporaryStage stage;
+  stage.root.set("tool-launchctl", "* pause");
+  auto pausing =
+      std::async(std::launch::async, [&] { return sufferFault(stage.root, "launchctl", "print"); });
+  EXPECT_EQ(pausing.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  stage.root.set("tool-launchctl", "kickstart pause");
+  EXPECT_EQ(pausing.get(), std::nullopt);
+}
+
+TEST(ToolFaultTest, APauseOnAStageThatIsGoneEndsWithoutWork) {
+  const TemporaryStage around;
+  std::filesystem::create_directory(around.path + "/stage");
+  const StageRoot root(around.path + "/stage");
+  root.set("tool-launchctl", "* pause");
+  auto pausing = std::async(std::launch::async, [&] { return sufferFault(root, "launchctl", "print"); });
+  EXPECT_EQ(pausing.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+  std::filesystem::rename(around.path + "/stage", around.path + "/elsewhere");
+  EXPECT_EQ(pausing.get(), 1);
 }
 
 TEST(ToolFaultTest, ADyingToolEndsByItsSignal) {
