@@ -182,6 +182,8 @@ TEST(ActionScenario, AnUrlThatStartsTheCompanionIsItsAction) {
 TEST(ActionScenario, TwoCompanionsActOneAfterTheOther) {
   const Stage stage({.core = "term=ignore"});
   const auto before = stage.corePid();
+  // Only this Core misbehaves: the unregister would otherwise wait for launchd's exit timeout of the next one.
+  stage.set("core", "term=obey");
   const auto first = stage.start({"--core-action", "reseat"});
   std::this_thread::sleep_for(milliseconds(200));
   const auto second = stage.start({"--core-action", "unregister"});

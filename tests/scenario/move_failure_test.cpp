@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <thread>
 
 #include "platform/stage/programs/stage_census.hpp"
 #include "scenario/full_disk.hpp"
@@ -116,12 +115,12 @@ TEST_F(MoveFailureScenario, AnXattrThatIsNotThereIsIgnored) {
 
 /// The copy is written into what is there by then, as the tool does; whose files those were, nobody asks.
 TEST_F(MoveFailureScenario, ADestinationThatAppearsMeanwhileIsWrittenInto) {
-  stage.root().set("tool-ditto", "* slow 1500");
+  stage.root().set("tool-ditto", "* pause");
   const auto companion = stage.startMove();
-  while (!dittoRuns())
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  ASSERT_TRUE(eventually([this] { return dittoRuns(); }));
   stage.install("9000");
   std::ofstream(stage.root().host(installedPath + "/Contents/extra")) << "of another installer";
+  stage.root().set("tool-ditto", std::nullopt);
   Stage::finish(companion);
   auto copied = stage.tree(installedPath);
   EXPECT_EQ(copied.erase("Contents/extra"), 1U);

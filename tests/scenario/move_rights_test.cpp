@@ -125,8 +125,7 @@ TEST_F(MoveRightsScenario, AMarkThatTheAdministratorCannotClearFailsTheMove) {
 TEST_F(MoveRightsScenario, ThePromptMayStayOnTheScreenAsLongAsItLikes) {
   stage::chooseAdministrator(stage.root(), "wait");
   const auto companion = stage.startMove();
-  while (stage.prompts().empty())
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  ASSERT_TRUE(eventually([this] { return !stage.prompts().empty(); }));
   std::this_thread::sleep_for(std::chrono::milliseconds(600));
   EXPECT_TRUE(runs(companion.pid));
   EXPECT_EQ(stage.result(), "none");

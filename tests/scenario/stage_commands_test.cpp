@@ -133,8 +133,7 @@ TEST(StageCommandScenario, ASocketThatAKilledCompanionLeftTakesNothing) {
   const Stage stage;
   const auto companion = stage.start({});
   const auto socket = stage.root().control("companions/" + std::to_string(companion.pid) + ".sock");
-  while (!std::filesystem::exists(socket))
-    std::this_thread::sleep_for(milliseconds(1));
+  ASSERT_TRUE(eventually([&] { return std::filesystem::exists(socket); }));
   ::kill(companion.pid, SIGKILL);
   Stage::finish(companion);
   EXPECT_TRUE(std::filesystem::exists(socket));
