@@ -199,14 +199,26 @@ TEST_F(AdministratorTest, ACommandThatFailsIsAnErrorWithWhatItSaid) {
   EXPECT_EQ(errors, "execution error:  (137)\n");
 }
 
+/// The errand goes on until it is told to end, or for half a minute: a launchd that answered only then would be
+/// told by what the errand leaves behind.
 TEST_F(AdministratorTest, AnErrandThatTakesItsTimeKeepsLaunchdAnswering) {
+  const auto trace = [this](const char* name) { return root.directory() + "/Users/" + name; };
   const auto child = ::fork();
-  if (child == 0) ::_exit(osascript("sleep 0.5"));
+  if (child == 0) {
+    ::_exit(
+        osascript("cd \\\"$TAMO_STAGE/Users\\\" && touch begun && for i in $(seq 3000); do "
+                  "[ -e enough ] && break; sleep 0.01; done; touch over"));
+  }
+  for (int look = 0; look < 6000 && !fs::exists(trace("begun")); ++look)
+    ::usleep(5000);
+  ASSERT_TRUE(fs::exists(trace("begun")));
   EXPECT_TRUE(askLaunchd(root, {"print", "gui/501"}).has_value());
-  EXPECT_EQ(::waitpid(child, nullptr, WNOHANG), 0) << "the errand was over before launchd answered";
+  EXPECT_FALSE(fs::exists(trace("over"))) << "the errand was over before launchd answered";
+  std::ofstream(trace("enough")) << "yes";
   int status = -1;
   ::waitpid(child, &status, 0);
   EXPECT_EQ(status, 0);
+  EXPECT_TRUE(fs::exists(trace("over")));
 }
 
 TEST_F(AdministratorTest, AnOsascriptThatIsPutAwayComesBack) {
