@@ -12,6 +12,8 @@ class FakeLockFiles final : public platform::LockFiles {
   FakeLockFiles(Ledger& ledger, const FakeClock& clock) : ledger_(ledger), clock_(clock) {}
 
   static constexpr int descriptor = 7;
+  /// What an opening gives.
+  int given = descriptor;
   bool opens = true;
   /// The lock is somebody else's before this moment.
   std::chrono::nanoseconds heldUntil{0};
@@ -19,7 +21,7 @@ class FakeLockFiles final : public platform::LockFiles {
 
   [[nodiscard]] int open(const std::string& path) override {
     note("open " + path);
-    return opens ? descriptor : -1;
+    return opens ? given : -1;
   }
   [[nodiscard]] bool tryLock(int /*descriptor*/) override {
     note("try");
