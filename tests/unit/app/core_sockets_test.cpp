@@ -51,5 +51,24 @@ TEST_F(CoreSocketsTest, APathOf104BytesWithItsZeroByteIsTriedAndALongerOneSkippe
   EXPECT_TRUE(ledger.entries().empty());
 }
 
+/// Bytes count, not characters: the accents of a name take two each.
+TEST_F(CoreSocketsTest, APathIsMeasuredInBytes) {
+  std::string accents = "/";
+  for (int count = 0; count < 46; ++count)
+    accents += "é";
+  EXPECT_FALSE(coreAnswers(sockets, accents + "d/"));
+  EXPECT_TRUE(ledger.entries().empty());
+  EXPECT_FALSE(coreAnswers(sockets, accents + "/"));
+  EXPECT_EQ(ledger.count("sockets: connect " + accents + "/core.sock"), 1U);
+}
+
+TEST_F(CoreSocketsTest, ThePathIsTheDirectoryAsItIsWithTheNameBehindIt) {
+  EXPECT_FALSE(coreAnswers(sockets, "/a//b/../É/"));
+  EXPECT_FALSE(coreAnswers(sockets, "/d"));
+  EXPECT_EQ(ledger.texts(),
+            (Texts{"sockets: connect /a//b/../É/core.sock", "sockets: connect /a//b/../É/talk.sock",
+                   "sockets: connect /dcore.sock", "sockets: connect /dtalk.sock"}));
+}
+
 }  // namespace
 }  // namespace tamo
