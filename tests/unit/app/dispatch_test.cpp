@@ -16,14 +16,11 @@ class DispatchTest : public ::testing::Test {
     return companion.fakes.ledger.textsOf(
         {"lock: ", "service: ", "log: ", "application: ", "files: write /Users", "tool: /"});
   }
-  void downloaded() {
-    companion.fakes.bundles.mainBundle = downloads + "/Contents/Library/LoginItems/Tamo Core.app";
-    companion.bundle(downloads, "studio.pell.Tamo");
-  }
+  void downloaded() { companion.runsFrom(downloads); }
 
   const std::string lockPath = "lock: open /tmp/of-the-user/studio.pell.tamo.core.job.lock";
   const std::string agent = "service: agent studio.pell.tamo.core.plist";
-  const std::string downloads = "/Users/u/Downloads/Tamo.app";
+  const std::string downloads = Companion::downloads;
   Companion companion;
 };
 
@@ -43,17 +40,40 @@ TEST_F(DispatchTest, AnUnknownNameTakesTheLockAndReleasesItAfterTheTerminateRequ
              "application: terminate", "lock: unlock 7", "lock: close 7"}));
 }
 
-TEST_F(DispatchTest, NamesAreComparedWithCase) {
-  companion.act("Status");
-  EXPECT_EQ(
-      companion.logLines(),
-      Texts{"log: default Status -> status 1 ok Optional(false) error TamoCore 64<private: Unknown action>"});
+/// Unknown is every name but the seven, and takes the lock like any other.
+TEST_F(DispatchTest, NamesAreComparedCharacterForCharacter) {
+  for (const std::string name : {"Status", "REGISTER", "Unregister", "reseat ", " restart", "sync/",
+                                 "status\n", "syn", "regist", "register\u0301", "tamo-core://status", ""}) {
+    Companion fresh;
+    fresh.perform(name);
+    EXPECT_EQ(fresh.fakes.ledger.textsOf({"lock: ", "service: reg", "service: unreg", "tool: ", "log: "}),
+              (Texts{lockPath, "lock: try",
+                     "log: default " + name +
+                         " -> status 1 ok Optional(false) error TamoCore 64"
+                         "<private: Unknown action>",
+                     "lock: unlock 7", "lock: close 7"}));
+  }
 }
 
-TEST_F(DispatchTest, AnEmptyNameIsUnknown) {
-  companion.act("");
-  EXPECT_EQ(companion.logLines(),
-            Texts{"log: default  -> status 1 ok Optional(false) error TamoCore 64<private: Unknown action>"});
+TEST_F(DispatchTest, EveryActionButStatusTakesTheLockBeforeAnythingElseHappens) {
+  for (const std::string action : {"register", "unregister", "reseat", "restart", "sync", "bogus"}) {
+    Companion fresh;
+    fresh.printsAlways(Companion::print());
+    fresh.kickstartGives(0);
+    fresh.perform(action);
+    const auto deeds = fresh.fakes.ledger.textsOf({"service: ", "lock: ", "tool: ", "kernel: ", "log: "});
+    ASSERT_GE(deeds.size(), 3U);
+    EXPECT_EQ(Texts(deeds.begin(), deeds.begin() + 3), (Texts{agent, lockPath, "lock: try"})) << action;
+    EXPECT_EQ(fresh.fakes.ledger.texts().back(), "lock: close 7") << action;
+    EXPECT_EQ(fresh.fakes.ledger.count(agent), 1U) << action;
+  }
+}
+
+TEST_F(DispatchTest, ALockOfDescriptorZeroIsALock) {
+  companion.fakes.lockFiles.given = 0;
+  companion.act("bogus");
+  EXPECT_EQ(companion.fakes.ledger.textsOf({"lock: unlock", "lock: close"}),
+            (Texts{"lock: unlock 0", "lock: close 0"}));
 }
 
 TEST_F(DispatchTest, AuditInstallIsUnknownAlthoughTheSuccessRuleNamesIt) {
@@ -143,6 +163,22 @@ TEST_F(DispatchTest, TheLockIsHeldAcrossASuspension) {
   companion.fakes.mainQueue.runUntilIdle();
   EXPECT_FALSE(companion.fakes.lockFiles.held);
   EXPECT_EQ(companion.fakes.ledger.count("log: default unregister"), 1U);
+}
+
+TEST_F(DispatchTest, AUrlThatComesWhileTheActionIsSuspendedChangesNothing) {
+  std::function<void()> completion;
+  companion.fakes.agentServices.unregisterDelivery = [&](auto deliver) { completion = deliver; };
+  CoreDelegate delegate(companion.fakes.platform, companion.config,
+                        {"/program", "--core-action", "unregister"});
+  delegate.applicationDidFinishLaunching();
+  companion.fakes.mainQueue.runUntilIdle();
+  delegate.application({"tamo-core://register"});
+  companion.fakes.mainQueue.runUntilIdle();
+  completion();
+  companion.fakes.mainQueue.runUntilIdle();
+  EXPECT_EQ(companion.logLines(), Texts{"log: default unregister -> status 0 ok Optional(true)<private:>"});
+  EXPECT_EQ(companion.fakes.ledger.count("service: register"), 0U);
+  EXPECT_EQ(companion.fakes.ledger.count("application: terminate"), 1U);
 }
 
 TEST_F(DispatchTest, ARefusedCopyLogsOneErrorAndTouchesNothing) {

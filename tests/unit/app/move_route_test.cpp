@@ -66,6 +66,13 @@ TEST_F(MoveRouteTest, ACopyThatMayNotActAndNeedNotMoveIsRefusedByTheMoveAlone) {
   EXPECT_EQ(companion.logLines(), Texts{"log: error move refused: this Tamo doesn't need moving"});
 }
 
+TEST_F(MoveRouteTest, AProofHomePlaysNoPartInTheMove) {
+  companion.config.proofHome = "/proof";
+  companion.act("move-to-applications");
+  EXPECT_EQ(frame(), (Texts{lockPath, "lock: try", moved, writesResult, opens, "application: terminate",
+                            "lock: unlock 7", "lock: close 7"}));
+}
+
 TEST_F(MoveRouteTest, TheLockIsHeldAndNothingTerminatedWhileTheMoveWaits) {
   companion.fakes.workspace.running = {{"studio.pell.Tamo", downloads}};
   bool heldAfterFiveSeconds = false;
