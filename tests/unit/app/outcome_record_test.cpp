@@ -47,6 +47,39 @@ TEST(OutcomeLineTest, ADescriptionThatIsNoTextShowsNothing) {
   EXPECT_EQ(line.arguments.back(), platform::LogArgument(""));
 }
 
+/// Present and empty is present.
+TEST(OutcomeLineTest, EmptyTextsThatArePresentKeepTheirBlanks) {
+  const auto line = outcomeLine("", 1, failureRecord(platform::Error("", 0, "")));
+  const std::vector<platform::LogArgument> expected{"", std::int64_t{1}, "Optional(false)",
+                                                    "", " error  0",     " "};
+  EXPECT_EQ(line.arguments, expected);
+}
+
+TEST(OutcomeLineTest, TheActionAndTheStatusAreThoseOfTheLineNotOfTheRecord) {
+  const OutcomeRecord record{{"ok", true}, {"operation", "sync"}, {"status", std::int64_t{3}}};
+  EXPECT_EQ(shown(record), "register -> status 1 ok Optional(true)<private>");
+}
+
+TEST(OutcomeLineTest, NumbersAreWrittenWhole) {
+  const OutcomeRecord record{{"ok", true}, {"kickstart", std::int64_t{-2147483648}}};
+  EXPECT_EQ(platform::shownText(outcomeLine("register", 9007199254740993, record)),
+            "register -> status 9007199254740993 ok Optional(true) kickstart -2147483648<private>");
+  EXPECT_EQ(shown(failureRecord(platform::Error("D", 9223372036854775807, ""))),
+            "register -> status 1 ok Optional(false) error D 9223372036854775807<private>");
+}
+
+TEST(OutcomeLineTest, WhatOnlyTheReceiptTellsIsNotInTheLine) {
+  const OutcomeRecord record{{"ok", false}, {"needsApproval", true}, {"hardStop", "exited stopFailed"}};
+  EXPECT_EQ(shown(record), "register -> status 1 ok Optional(false)<private>");
+}
+
+TEST(OutcomeLineTest, OnlyTheDescriptionIsPrivate) {
+  const OutcomeRecord record{{"ok", false},   {"kickstart", std::int64_t{5}}, {"reseated", "definition"},
+                             {"domain", "D"}, {"code", std::int64_t{3}},      {"description", "secret"}};
+  EXPECT_EQ(shown(record),
+            "register -> status 1 ok Optional(false) kickstart 5 reseated definition error D 3<private>");
+}
+
 TEST(OutcomeLineTest, TheFormatIsTheFixedOneAtDefaultLevel) {
   EXPECT_EQ(platform::formatText(platform::LogFormat::outcome),
             "%{public}s -> status %{public}ld ok %{public}s%{public}s%{public}s%{private}s");
