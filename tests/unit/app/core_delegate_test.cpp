@@ -61,6 +61,15 @@ TEST_F(CoreDelegateTest, TheActionStartsFourTenthsOfASecondAfterLaunch) {
   EXPECT_EQ(companion.fakes.clock.monotonicNow(), milliseconds(400));
 }
 
+/// A launch that takes its time does not use the delay up.
+TEST_F(CoreDelegateTest, TheDelayIsCountedFromTheEndOfTheLaunch) {
+  launch({"--core-action", "status"});
+  companion.fakes.clock.advanceTo(std::chrono::seconds(3));
+  finishLaunching();
+  EXPECT_EQ(performed(), statusLine);
+  EXPECT_EQ(companion.fakes.clock.monotonicNow(), milliseconds(3400));
+}
+
 TEST_F(CoreDelegateTest, TheFirstSwitchOfTwoIsTheAction) {
   launch({"--core-action", "status", "--core-action", "bogus"});
   finishLaunching();
@@ -92,6 +101,40 @@ TEST_F(CoreDelegateTest, AUrlBeforeLaunchingHasFinishedReplacesTheDefault) {
   delegate->application({"tamo-core://status"});
   finishLaunching();
   EXPECT_EQ(performed(), statusLine);
+}
+
+/// A switch without a value asks for nothing, so nothing is taken back.
+TEST_F(CoreDelegateTest, AUrlBeforeLaunchingHasFinishedOutlastsASwitchWithoutAValue) {
+  launch({"--core-action"});
+  delegate->application({"tamo-core://status"});
+  finishLaunching();
+  EXPECT_EQ(performed(), statusLine);
+}
+
+/// An empty value is one: neither the URL before it nor the default takes its place.
+TEST_F(CoreDelegateTest, AnEmptyValueOfTheSwitchIsTheAction) {
+  launch({"--core-action", ""});
+  delegate->application({"tamo-core://status"});
+  finishLaunching();
+  EXPECT_EQ(delegate->requested(), "");
+  EXPECT_EQ(performed(), unknownLine(""));
+}
+
+TEST_F(CoreDelegateTest, TheSwitchIsReadOnceAndNotAgainAfterAUrl) {
+  launch({"--core-action", "bogus"});
+  finishLaunching();
+  delegate->application({"tamo-core://status"});
+  companion.fakes.mainQueue.runUntilIdle();
+  EXPECT_EQ(delegate->requested(), "status");
+}
+
+TEST_F(CoreDelegateTest, AUrlThatIsNotAcceptedDoesNotEndTheList) {
+  launch({});
+  delegate->application(
+      {"https://status", "TAMO-CORE://sync", "tamo-core://bogus", "", "tamo-core://status"});
+  EXPECT_EQ(delegate->requested(), "status");
+  delegate->application({});
+  EXPECT_EQ(delegate->requested(), "status");
 }
 
 TEST_F(CoreDelegateTest, OfSeveralUrlsTheLastAcceptedOneWins) {
@@ -159,9 +202,39 @@ TEST_F(CoreDelegateTest, TheDefaultIsFixedWhenLaunchingHasFinished) {
   EXPECT_EQ(performed(), "log: error move refused: this Tamo doesn't need moving");
 }
 
-TEST_F(CoreDelegateTest, OneLoggerIsMadeWithTheCoresSubsystem) {
+/// And not before: the copy that is asked about is the one of the moment at which launching has finished.
+TEST_F(CoreDelegateTest, TheDefaultIsNotFixedBeforeLaunchingHasFinished) {
+  companion.fakes.agentServices.status = 0;
+  companion.runsFrom(Companion::downloads);
+  launch({});
+  companion.runsFrom("/Applications/Tamo.app");
+  finishLaunching();
+  EXPECT_EQ(performed(), "log: default register -> status 1 ok Optional(true)<private:>");
+}
+
+/// Its own identifier says nothing about a companion: the application around it is the one to be moved.
+TEST_F(CoreDelegateTest, WithoutARequestACompanionOfAnUnknownApplicationRegistersAndIsRefused) {
+  companion.fakes.bundles.mainBundle =
+      "/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
+  companion.bundle(companion.fakes.bundles.mainBundle, "studio.pell.Tamo");
+  launch({});
+  finishLaunching();
+  EXPECT_EQ(performed().rfind("log: error register refused: ", 0), 0U);
+}
+
+TEST_F(CoreDelegateTest, OneLoggerIsMadeWithTheCoresSubsystemAndNothingIsLookedAtYet) {
   launch({});
   EXPECT_EQ(companion.fakes.ledger.texts(), Texts{"logger: studio.pell.Tamo.Core lifecycle"});
+}
+
+/// The launch itself asks service management nothing, locks nothing and starts nothing.
+TEST_F(CoreDelegateTest, FinishingTheLaunchLooksAtTheCopyAndReturnsAtOnce) {
+  launch({"--core-action", "restart"});
+  finishLaunching();
+  EXPECT_EQ(companion.fakes.ledger.texts(),
+            (Texts{"logger: studio.pell.Tamo.Core lifecycle",
+                   "files: read /Applications/Tamo.app/Contents/Info.plist", "queue: after 400 ms"}));
+  EXPECT_EQ(companion.fakes.clock.monotonicNow(), milliseconds(0));
 }
 
 TEST_F(CoreDelegateTest, EveryEntryOffTheMainThreadIsFatal) {
@@ -197,8 +270,8 @@ TEST(CoreMainTest, MakesAnAccessoryWithOneDelegateAndRunsIt) {
   fakes.application.loop = [&] { whileRunning = fakes.application.delegate; };
   CoreMain::main(fakes.platform, {}, {"/program"});
   EXPECT_NE(whileRunning, nullptr);
-  EXPECT_EQ(fakes.ledger.textsOf({"application: "}),
-            (Texts{"application: accessory", "application: delegate", "application: run"}));
+  EXPECT_EQ(fakes.ledger.texts(), (Texts{"application: accessory", "logger: studio.pell.Tamo.Core lifecycle",
+                                         "application: delegate", "application: run"}));
 }
 
 }  // namespace
