@@ -1,4 +1,8 @@
+#include <sys/socket.h>
+#include <sys/un.h>
+
 #include "contract/backend.hpp"
+#include "contract/callers.hpp"
 
 namespace tamo::contract {
 namespace {
@@ -7,6 +11,34 @@ class LocalSocketsContract : public Contract {
  protected:
   platform::LocalSockets& sockets = platform.localSockets;
 };
+
+/// What a Core sees of the question: one caller, who says nothing and has hung up already.
+TEST_P(LocalSocketsContract, TheListenerSeesOneCallerWhoSaysNothingAndHasGone) {
+  const auto listener = backend->listen(path("core.sock"));
+  ASSERT_TRUE(sockets.accepts(path("core.sock")));
+  expectOneSilentCaller(listener);
+}
+
+/// A mailbox for datagrams is no line that somebody takes up.
+TEST_P(LocalSocketsContract, ASocketForDatagramsRefuses) {
+  const platform::Descriptor mailbox(::socket(AF_UNIX, SOCK_DGRAM, 0));
+  const auto place = host("mail.sock");
+  sockaddr_un address{};
+  ASSERT_LT(place.size(), sizeof address.sun_path);
+  address.sun_family = AF_UNIX;
+  place.copy(address.sun_path, place.size());
+  ASSERT_EQ(::bind(mailbox.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  EXPECT_FALSE(sockets.accepts(path("mail.sock")));
+}
+
+TEST_P(LocalSocketsContract, TheNextQuestionIsAskedAnew) {
+  const auto name = path("core.sock");
+  EXPECT_FALSE(sockets.accepts(name));
+  auto listener = backend->listen(name);
+  EXPECT_TRUE(sockets.accepts(name));
+  listener.close();
+  EXPECT_FALSE(sockets.accepts(name));
+}
 
 TEST_P(LocalSocketsContract, AListenerAccepts) {
   const auto listener = backend->listen(path("core.sock"));

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
@@ -96,6 +97,19 @@ TEST_F(PosixRefusalsTest, WithoutASocketNothingAccepts) {
 TEST_F(PosixRefusalsTest, AUserDatabaseThatCannotBeReadHasNoEntry) {
   const auto found = [] { return PosixUser().passwordEntry().has_value(); };
   EXPECT_EQ(refused({SYS_openat, EIO}, found), Refused::False);
+}
+
+/// The kernel's answer to the one question is made to differ from that to the other: where tests run, the
+/// real and the effective user are one.
+TEST_F(PosixRefusalsTest, TheUserIsTheRealOneNotTheEffective) {
+  const auto real = ::getuid();
+  const auto* known = ::getpwuid(real);
+  const auto isReal = [real, home = known == nullptr ? std::string() : std::string(known->pw_dir)] {
+    const auto entry = PosixUser().passwordEntry();
+    return PosixUser().realUserID() == real && entry.value_or(PasswordEntry{.home = ""}).home == home;
+  };
+  EXPECT_EQ(refused({SYS_geteuid, 7}, isReal), Refused::True);
+  EXPECT_EQ(refused({SYS_getuid, 7}, isReal), Refused::False);
 }
 
 TEST_F(PosixRefusalsTest, ASleepThatTheKernelRefusesIsNotTriedForEver) {
