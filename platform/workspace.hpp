@@ -28,7 +28,8 @@ class Workspace {
   [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() = 0;
 
   /// Opens the application at `path` and brings it to the front; one that runs already is only brought to the
-  /// front. Returns at once; `completion` is called exactly once, on any thread.
+  /// front. A copy that runs from another path doesn't count, whatever it is called. Returns at once;
+  /// `completion` is called exactly once, on any thread.
   virtual void openApplication(const std::string& path, Completion completion) = 0;
 };
 

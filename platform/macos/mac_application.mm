@@ -51,11 +51,40 @@ void opened(ApplicationDelegate& delegate, NSArray<NSURL*>* urls) noexcept {
 @end
 
 namespace tamo::macos {
+namespace {
+
+/// What AppKit reads of its user defaults. A registered value counts as long as the user has set none.
+void registerDefaults() {
+  [NSUserDefaults.standardUserDefaults registerDefaults:@{
+    // Else AppKit takes an argument that it doesn't know for a file to open. A text, as on a command line.
+    @"NSTreatUnknownArgumentsAsOpen" : @"NO",
+    // Else AppKit logs an exception that reaches the main loop and goes on, with an action that never ends.
+    @"NSApplicationCrashOnExceptions" : @YES,
+  }];
+}
+
+/// The application object. Its defaults are there before it is made, because it reads some as it begins.
+NSApplication* application() {
+  static NSApplication* const made = [] {
+    registerDefaults();
+    return [NSApplication sharedApplication];
+  }();
+  return made;
+}
+
+/// Without it the system slows down a process that has no window and is not in front: in such ones, waits
+/// were seen to take many times as long. The machine may still fall asleep.
+id beginAction() {
+  return [NSProcessInfo.processInfo beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                                                      reason:@"One action on the Core"];
+}
+
+}  // namespace
 
 void MacApplication::becomeAccessory() {
   @autoreleasepool {
     // A refusal has no consequence: the bundle's own list asks for the same.
-    [[NSApplication sharedApplication] setActivationPolicy:NSApplicationActivationPolicyAccessory];
+    [application() setActivationPolicy:NSApplicationActivationPolicyAccessory];
   }
 }
 
@@ -64,13 +93,17 @@ void MacApplication::setDelegate(platform::ApplicationDelegate& delegate) {
   static TamoApplicationDelegate* kept = nil;
   @autoreleasepool {
     kept = [[TamoApplicationDelegate alloc] initWithDelegate:delegate];
-    [NSApplication sharedApplication].delegate = kept;
+    application().delegate = kept;
   }
 }
 
 void MacApplication::run() {
   @autoreleasepool {
-    [[NSApplication sharedApplication] run];
+    // From the launch on, because a process lives for one action, and the wait for its URLs counts as well. The
+    // terminate request ends the process inside the loop; what follows is for a loop that is stopped.
+    const id action = beginAction();
+    [application() run];
+    [NSProcessInfo.processInfo endActivity:action];
   }
 }
 

@@ -35,6 +35,8 @@ void MacWorkspace::openApplication(const std::string& path, Completion completio
     if (url == nil) return failLater(deliver);
     NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
     configuration.activates = YES;
+    // Else a copy that runs from another place, the one that was moved, would be brought forward instead.
+    configuration.allowsRunningApplicationSubstitution = NO;
     [NSWorkspace.sharedWorkspace
         openApplicationAtURL:url
                configuration:configuration

@@ -130,6 +130,16 @@ TEST_P(WorkspaceContract, AnApplicationThatRunsIsNotStartedTwice) {
   EXPECT_EQ(pidsOf(host("Idle.app")).size(), 1U);
 }
 
+TEST_P(WorkspaceContract, ACopyThatRunsFromAnotherPlaceIsNotOpenedInstead) {
+  layApplication("Old.app", "test.idle");
+  layApplication("New.app", "test.idle");
+  EXPECT_EQ(opened(path("Old.app")), std::nullopt);
+  EXPECT_TRUE(eventually([this] { return runs("Old.app"); }));
+  EXPECT_EQ(opened(path("New.app")), std::nullopt);
+  EXPECT_TRUE(eventually([this] { return runs("New.app"); }));
+  EXPECT_TRUE(runs("Old.app"));
+}
+
 TEST_P(WorkspaceContract, WhatIsNoApplicationIsAnErrorOfTheCompletion) {
   lay("file.app", "no bundle");
   fs::create_directories(host("Empty.app/Contents"));
