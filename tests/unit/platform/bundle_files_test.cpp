@@ -73,6 +73,17 @@ TEST(BundleFilesTest, NothingHindersASecondInstanceOrEndsOneEarly) {
   }
 }
 
+/// The system asks the user before a program may touch these folders, and a move begins in one of them.
+TEST(BundleFilesTest, TheUserIsToldWhyAMoveTouchesAFolder) {
+  const auto info = listOf("Info.plist.in");
+  ASSERT_TRUE(info);
+  for (const auto* place :
+       {"DesktopFolder", "DocumentsFolder", "DownloadsFolder", "NetworkVolumes", "RemovableVolumes"}) {
+    const auto key = "NS" + std::string(place) + "UsageDescription";
+    EXPECT_TRUE(textAt(*info, key).starts_with("Tamo moves itself from ")) << key;
+  }
+}
+
 TEST(BundleFilesTest, TheAgentIsDefinedUnderItsLabel) {
   const auto agent = listOf(std::string(shipped.label) + ".plist");
   ASSERT_TRUE(agent);
