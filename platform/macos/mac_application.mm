@@ -99,8 +99,8 @@ void MacApplication::setDelegate(platform::ApplicationDelegate& delegate) {
 
 void MacApplication::run() {
   @autoreleasepool {
-    // From the launch on, because a process lives for one action, and the wait for its URLs counts as well. The
-    // terminate request ends the process inside the loop; what follows is for a loop that is stopped.
+    // From the launch on, because a process lives for one action, and the wait for its URLs counts as well.
+    // The terminate request ends the process inside the loop; what follows is for a loop that is stopped.
     const id action = beginAction();
     [application() run];
     [NSProcessInfo.processInfo endActivity:action];
