@@ -205,7 +205,9 @@ TEST_P(FilesContract, APathThatLeadsNowhereIsOnlyStandardised) {
 
 TEST_P(FilesContract, AFileLeadsNowhereAsAFolder) {
   lay("file", "");
+  link("linked", "file");
   EXPECT_EQ(files.resolvedPath(path("file/")), path("file"));
+  EXPECT_EQ(files.resolvedPath(path("linked/")), path("linked"));
   EXPECT_EQ(files.resolvedPath(path("file/..")), backend->folder());
 }
 
