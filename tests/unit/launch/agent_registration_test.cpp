@@ -94,6 +94,29 @@ TEST_F(UnregisterTest, ItIsAskedForOnceWhateverTheStatusAndNothingElseIs) {
   }
 }
 
+// 6 is "there is no such job" and 12 is "registered already", among others; none of them is a success.
+constexpr std::int64_t everyCode[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 22, -1, 5'000'000'000};
+
+TEST_F(UnregisterTest, AnErrorOfAnyCodeIsRaised) {
+  for (const auto code : everyCode) {
+    services.unregisterError = Error("SMAppServiceErrorDomain", code, "");
+    EXPECT_EQ(raised(registration.unregister(*service)),
+              "SMAppServiceErrorDomain " + std::to_string(code) + " ");
+  }
+}
+
+TEST_F(ReseatTest, AnErrorOfAnyCodeIsRaised) {
+  for (const auto code : everyCode) {
+    services.status = AgentStatus::enabled;
+    services.registerError = Error("SMAppServiceErrorDomain", code, "");
+    EXPECT_EQ(raised(registration.reseat(*service)), "SMAppServiceErrorDomain " + std::to_string(code) + " ");
+    services.status = AgentStatus::enabled;
+    services.unregisterError = Error("Other", code, "");
+    EXPECT_EQ(raised(registration.reseat(*service)), "Other " + std::to_string(code) + " ");
+    services.unregisterError = std::nullopt;
+  }
+}
+
 TEST_F(UnregisterTest, AFailureIsNotTriedAgain) {
   services.unregisterError = Error("Domain", 1, "text");
   EXPECT_EQ(raised(registration.unregister(*service)), "Domain 1 text");

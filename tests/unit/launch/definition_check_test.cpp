@@ -236,6 +236,18 @@ TEST_F(DefinitionCheckTest, AnotherCompositionIsNoChange) {
   EXPECT_FALSE(changed());
 }
 
+TEST_F(DefinitionCheckTest, AGoodPrintWithoutArgumentsIsUnknown) {
+  for (const auto& text :
+       {std::string(), printOf("\texit timeout = 5\n"), std::string("Could not find it\n")}) {
+    rig.ledger.clear();
+    bundle(bundledOneAnd9);
+    rig.printTextOnce(text);
+    EXPECT_FALSE(changed());
+    EXPECT_EQ(logged(),
+              "log: default definition: loaded unknown exit - · bundled /a/core exit 9 · changed false");
+  }
+}
+
 TEST_F(DefinitionCheckTest, APrintWhoseFileDoesNotOpenIsUnknown) {
   bundle(bundledOneAnd9);
   rig.files.failsToOpen = true;

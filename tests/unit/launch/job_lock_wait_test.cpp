@@ -13,16 +13,21 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// Forwards, and takes its time to open a file.
-class OpensSlowly final : public platform::LockFiles {
+/// Forwards, and takes its time to open a file and for each try.
+class SlowLockFiles final : public platform::LockFiles {
  public:
-  OpensSlowly(platform::LockFiles& files, fakes::FakeClock& clock) : files_(files), clock_(clock) {}
+  SlowLockFiles(platform::LockFiles& files, fakes::FakeClock& clock) : files_(files), clock_(clock) {}
+  std::chrono::nanoseconds opening{0};
+  std::chrono::nanoseconds trying{0};
 
   [[nodiscard]] int open(const std::string& path) override {
-    clock_.advanceTo(clock_.monotonicNow() + 40s);
+    clock_.advanceTo(clock_.monotonicNow() + opening);
     return files_.open(path);
   }
-  [[nodiscard]] bool tryLock(int descriptor) override { return files_.tryLock(descriptor); }
+  [[nodiscard]] bool tryLock(int descriptor) override {
+    clock_.advanceTo(clock_.monotonicNow() + trying);
+    return files_.tryLock(descriptor);
+  }
   void unlock(int descriptor) override { files_.unlock(descriptor); }
   void close(int descriptor) override { files_.close(descriptor); }
 
@@ -38,12 +43,20 @@ class JobLockWaitTest : public ::testing::Test {
   }
 
   fakes::FakePlatform fake;
+  SlowLockFiles slow{fake.lockFiles, fake.clock};
 };
 
 TEST_F(JobLockWaitTest, TheMinuteBeginsWhenTheFileIsOpen) {
-  OpensSlowly slow(fake.lockFiles, fake.clock);
+  slow.opening = 40s;
   fake.lockFiles.heldUntil = 95s;
   EXPECT_EQ(lockOf(slow, "l").lockJob(), fakes::FakeLockFiles::descriptor);
+}
+
+TEST_F(JobLockWaitTest, TriesThatTakeTimeAreFewerInTheMinute) {
+  slow.trying = 10s;
+  fake.lockFiles.heldUntil = 24h;
+  EXPECT_EQ(lockOf(slow, "l").lockJob(), -1);
+  EXPECT_EQ(fake.ledger.count("lock: try"), 6U);
 }
 
 TEST_F(JobLockWaitTest, TheFileIsOpenedOnceHoweverOftenItIsTried) {

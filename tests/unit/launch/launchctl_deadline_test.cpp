@@ -60,6 +60,16 @@ TEST_F(LaunchctlDeadlineTest, AToolThatRunsOnIsToldOnce) {
   EXPECT_EQ(std::count(tool.asked.begin(), tool.asked.end(), "running?"), 102);
 }
 
+TEST_F(LaunchctlDeadlineTest, LooksThatTakeTimeAreFewerInTheFiveSeconds) {
+  tool.running = [this] {
+    rig.clock.advanceTo(rig.now() + 1s);
+    return true;
+  };
+  EXPECT_EQ(listing(), -1);
+  EXPECT_EQ(rig.ledger.count("clock: sleep 50 ms"), 4U);
+  EXPECT_EQ(std::count(tool.asked.begin(), tool.asked.end(), "running?"), 6);
+}
+
 TEST_F(LaunchctlDeadlineTest, ADeadlineThatNoClockReachesIsFatal) {
   rig.clock.advanceTo(std::chrono::nanoseconds::max() - 5s + 1ns);
   EXPECT_DEATH(static_cast<void>(listing()), "fatal: a deadline overflows");
