@@ -130,6 +130,7 @@ TEST_P(TargetTest, IsTheGroupOnlyOfALeaderThatIsNotOurs) {
   EXPECT_EQ(run(first, operations), GetParam().outcome);
   EXPECT_EQ(count(GetParam().kill), 1);
   EXPECT_THAT(trace, testing::Contains(testing::StartsWith("kill")).Times(1));
+  EXPECT_EQ(count("look 4242"), 40 + 1 + 40 + 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(
