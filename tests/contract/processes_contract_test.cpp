@@ -101,6 +101,13 @@ TEST_P(ProcessesContract, UnnamedStreamsGoToTheNullDevice) {
   EXPECT_EQ(tool->wait(), 0);
 }
 
+TEST_P(ProcessesContract, TheEnvironmentAndTheDirectoryAreInherited) {
+  ::setenv("TAMO_TEST_WORDS", "two words", 1);
+  EXPECT_EQ(outputOf("echo \"$TAMO_TEST_WORDS\"; pwd -P"),
+            "two words\n" + std::filesystem::canonical(".").string() + "\n");
+  ::unsetenv("TAMO_TEST_WORDS");
+}
+
 TEST_P(ProcessesContract, StandardInputIsInherited) {
   lay("input", "from the file\n");
   const Descriptor saved(::fcntl(0, F_DUPFD_CLOEXEC, 10));
