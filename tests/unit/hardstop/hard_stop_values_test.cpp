@@ -16,6 +16,14 @@ TEST(SpareFactsTest, BeginWithNothingThatSpares) {
   EXPECT_EQ(spareReason({}), std::nullopt);
 }
 
+TEST(OutcomeTest, TheCasesHaveTheirOrder) {
+  EXPECT_EQ(Outcome(Spared()).index(), 0U);
+  EXPECT_EQ(Outcome(KilledGroup()).index(), 1U);
+  EXPECT_EQ(Outcome(KilledProcess()).index(), 2U);
+  EXPECT_EQ(Outcome(Exited()).index(), 3U);
+  EXPECT_EQ(Outcome(Cancelled()).index(), 4U);
+}
+
 TEST(OutcomeTest, NobodyIsGoneUnlessItIsSaid) {
   EXPECT_EQ(Spared(), (Spared{.reason = "", .gone = false}));
   EXPECT_EQ(KilledGroup(), (KilledGroup{.group = 0, .gone = false}));

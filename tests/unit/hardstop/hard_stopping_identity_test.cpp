@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
 #include <stdexcept>
+#include <string>
 
 #include "unit/hardstop/hard_stopping_rig.hpp"
 

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "contract/binary_list_builder.hpp"
 #include "launch/launch_job.hpp"

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 
 #include "fakes/fake_platform.hpp"
 #include "launch/job_lock.hpp"

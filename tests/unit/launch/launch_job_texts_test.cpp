@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "launch/launch_job.hpp"
 #include "unit/launch/launch_rig.hpp"

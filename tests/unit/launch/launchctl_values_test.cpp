@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
+#include <utility>
 
 #include "unit/launch/launch_rig.hpp"
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 
 #include "launch/print_reading.hpp"
 
