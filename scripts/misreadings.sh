@@ -7,7 +7,7 @@
 world=()
 
 # Most tests of the scenarios wait, so they run in shares side by side.
-scenario_shares=$((3 * $(nproc)))
+scenario_shares=$((2 * $(nproc)))
 
 # A program of its own world: with it ends all that it started, and what it leaves in /tmp is gone. Where the machine
 # does not allow that it runs as it is. A tree below /tmp would be out of its own sight.
@@ -18,11 +18,16 @@ choose_world() {
   [[ $PWD == /tmp/* ]] || ! "${alone[@]}" true 2>/dev/null || world=("${alone[@]}")
 }
 
-# What is not changed by an entry comes out of a compiler cache of this round's own, also what the entry before had
-# changed.
-configure_for_misreadings() {
-  export CCACHE_DIR=$PWD/build/mutation/ccache CCACHE_MAXSIZE=1G CCACHE_DEPEND=1
-  export CCACHE_SLOPPINESS=pch_defines,time_macros
+# A lane has a copy of the tree and a build to itself. What an entry does not change comes out of a compiler cache of
+# these rounds' own, also what the entry before it had changed, and what another lane has compiled.
+open_lane() {
+  work=$1
+  mkdir -p "$work/logs"
+  ln -sfn ../original "$work/original"
+  ln -sfn ../names "$work/names"
+  mutator as-it-was
+  export CCACHE_DIR=$PWD/build/mutation/ccache CCACHE_MAXSIZE=2G CCACHE_DEPEND=1 CCACHE_NOHASHDIR=1
+  export CCACHE_BASEDIR=$PWD/$work CCACHE_SLOPPINESS=pch_defines,time_macros
   configure_copy -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST
 }
 
@@ -117,7 +122,7 @@ try_misreading() {
     ask "$name" "$program"
     [[ $outcome == survived ]] || break
   done
-  printf '%s\t%s\t%s\t%s\n' "$name" "$outcome" "${program%%:*}" "$fallen" >>"$work/findings.tsv"
+  printf '%s\t%s\t%s\t%s\n' "$name" "$outcome" "${program%%:*}" "$fallen" >>"$work/../findings.tsv"
   awk -v name="$name" -v outcome="$outcome" -v program="${program%%:*}" -v test="$fallen" -v begun="$begun" \
     -v ended="$EPOCHREALTIME" 'BEGIN {
       told["test"] = "caught by " program; told["time"] = "caught by time in " program
@@ -127,20 +132,52 @@ try_misreading() {
     }'
 }
 
+# The next line of the entries, whichever lane asks.
+next_entry() {
+  local status=0
+  flock 4
+  IFS=$'\t' read -r -u 3 name programs || status=1
+  flock -u 4
+  return "$status"
+}
+
+run_lane() {
+  local name programs
+  open_lane "$1"
+  limits=()
+  while next_entry; do
+    # shellcheck disable=SC2086
+    try_misreading "$name" $programs
+  done
+  mutator as-it-was
+}
+
+# As many as there are processors; a lane's first build is dear, so a few entries have one.
+lanes_for() {
+  local lanes=${JOBS:-$(nproc)}
+  ((lanes <= 4)) || lanes=4
+  (($1 >= 40)) || lanes=1
+  echo "$lanes"
+}
+
 try_misreadings() {
-  local name programs begun=$SECONDS
-  work=build/mutation/misreadings
-  mkdir -p "$work/logs"
+  local round=build/mutation/misreadings lane lanes players=() failed=0 begun=$SECONDS
+  work=$round
+  mkdir -p "$work"
   : >"$work/findings.tsv"
   mutator plan-misreadings "$@"
   choose_world
-  configure_for_misreadings
-  limits=()
-  while IFS=$'\t' read -r -u 3 name programs; do
-    # shellcheck disable=SC2086
-    try_misreading "$name" $programs
-  done 3<"$work/entries"
-  mutator as-it-was
+  lanes=$(lanes_for "$(wc -l <"$work/entries")")
+  exec 3<"$work/entries" 4>"$work/lock"
+  for ((lane = 1; lane <= lanes; ++lane)); do
+    run_lane "$round/lane$lane" &
+    players+=($!)
+  done
+  # What runs in the background does not hear the terminal.
+  trap 'kill "${players[@]}" 2>/dev/null; exit 130' INT TERM
+  for lane in "${players[@]}"; do wait "$lane" || failed=1; done
+  trap - INT TERM
   echo "All in $((SECONDS - begun)) seconds"
   mutator report-misreadings
+  return "$failed"
 }

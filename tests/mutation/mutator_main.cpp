@@ -11,7 +11,7 @@
 /// mutants is kept in its work folder: `files` and `sample` say what is tried, `apart` which mutants have to be built
 /// alone, `hopeless` which are no C++. `refused` remembers those two for later rounds, by file, line and change. A
 /// round of misreadings has a work folder of its own: `names` says which were asked for, `entries` which programs each
-/// is shown to, in the order in which they are best built.
+/// is shown to, in the order in which they are best built. Each of its lanes has the copy in a folder within.
 namespace {
 
 namespace fs = std::filesystem;
@@ -187,7 +187,6 @@ int planMisreadings(const Tree& tree, const std::vector<std::string>& names) {
       list << program << ' ';
     list << '\n';
   }
-  writeTexts(tree, {});
   std::cout << chosen.entries.size() << " misreadings\n";
   return 0;
 }
