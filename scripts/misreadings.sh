@@ -51,19 +51,23 @@ run_share() {
     >"$work/logs/$share.log" 2>&1 </dev/null
 }
 
-# Gives the status of the first share that does not pass; the others are ended then.
+# Gives the status of the first share that does not pass; those that still run are ended then.
 run_tests_of() {
-  local shares=1 share code=0 players=() end=KILL
+  local shares=1 share code=0 ended="" end=KILL
+  local -A running=()
+  # Outside a world of its own it is timeout that is ended, which passes that on.
   ((${#world[@]})) || end=TERM
   rm -f "$work/logs"/*
   [[ $1 != scenario ]] || shares=$scenario_shares
   for ((share = 0; share < shares; ++share)); do
     GTEST_TOTAL_SHARDS=$shares GTEST_SHARD_INDEX=$share run_share "$1" "$2" "$share" &
-    players+=($!)
+    running[$!]=yes
   done
-  for ((share = 0; share < shares && code == 0; ++share)); do wait -n || code=$?; done
-  # Outside a world of its own it is timeout that is ended, which passes that on.
-  ((code == 0)) || kill -"$end" "${players[@]}" 2>/dev/null || true
+  while ((${#running[@]} && code == 0)); do
+    wait -n -p ended "${!running[@]}" || code=$?
+    unset "running[$ended]"
+  done
+  ((${#running[@]} == 0)) || kill -"$end" "${!running[@]}" 2>/dev/null || true
   wait
   return "$code"
 }
