@@ -19,25 +19,6 @@ TamoCoreConfig configOf(const CompanionPlan& plan) {
   return config;
 }
 
-/// The others either have no way to tell a failure or may not fail in a sane installation.
-bool mayFail(Call call) {
-  switch (call) {
-    case Call::becomeAccessory:
-    case Call::terminate:
-    case Call::agentStatus:
-    case Call::openLoginItems:
-    case Call::toolRunning:
-    case Call::toolTerminate:
-    case Call::toolErrors:
-    case Call::closeLock:
-    case Call::sleep:
-    case Call::log:
-      return false;
-    default:
-      return true;
-  }
-}
-
 }  // namespace
 
 Companion::Companion(World& around, CompanionPlan how)
@@ -52,7 +33,7 @@ void Companion::launch() {
   const auto core = world.job.corePid();
   const auto* together = core && world.dice.chance(60) ? world.processes.find(*core) : nullptr;
   const auto group = together == nullptr ? std::nullopt : std::optional(together->group);
-  const auto& process = world.processes.spawn(ProcessKind::Companion, world.timeline.now(), group);
+  const auto& process = world.processes.spawn(ProcessKind::Companion, world.clocks.wallNow(), group);
   pid_ = process.pid;
   startMicros_ = process.startMicros;
   launched_ = true;
@@ -120,6 +101,7 @@ bool Companion::enterQuietly(Call call, std::string_view subject) {
     die();
     return true;
   }
+  if (++world.calls == world.sleepsAtCall) world.sleepMachine(world.sleepsFor);
   const auto slow = world.faults.slowness();
   if (slow > Time(0)) {
     note(nameOf(call), " takes its time");
@@ -127,7 +109,7 @@ bool Companion::enterQuietly(Call call, std::string_view subject) {
     world.timeline.sleep(slow);
     if (dead_) return true;
   }
-  const bool fails = mayFail(call) && world.faults.strikes(call);
+  const bool fails = world.faults.strikes(call);
   return entered(call, fails ? Way::Fails : Way::None);
 }
 
@@ -153,6 +135,7 @@ void Companion::postAfter(Time delay, std::function<void()> work) {
     expect(delay == std::chrono::milliseconds(400), Invariant::Requested, "the intake is not 0.4 s long");
     work = [this, action = std::move(work)] {
       record.dispatched = true;
+      record.looks = {};
       action();
     };
   }
@@ -209,6 +192,7 @@ void Companion::detach(std::function<void()> work) {
 
 void Companion::watch(std::size_t stop, const std::function<void()>& work) {
   try {
+    Referee::watchBegins(*this, stop);
     work();
     Referee::watchEnded(*this, stop);
   } catch (const Gone&) {

@@ -65,7 +65,7 @@ bool CoreJob::coreListens() {
 void CoreJob::startCore() {
   if (!loaded || pid_ != 0) return;
   const auto group = drawGroup();
-  const Process started = needs_.processes.spawn(ProcessKind::Core, needs_.timeline.now(), group);
+  const Process started = needs_.processes.spawn(ProcessKind::Core, needs_.clocks.wallNow(), group);
   pid_ = started.pid;
   startMicros_ = started.startMicros;
   stopping_ = false;
@@ -78,7 +78,7 @@ void CoreJob::startCore() {
 void CoreJob::live(const Process& core) {
   auto& dice = needs_.dice;
   if (core.group == core.pid && dice.chance(300))
-    needs_.processes.spawn(ProcessKind::Helper, needs_.timeline.now(), core.group);
+    needs_.processes.spawn(ProcessKind::Helper, needs_.clocks.wallNow(), core.group);
   if (dice.chance(60)) {
     needs_.timeline.after(dice.between(Time(0), seconds(4)), [this, core] {
       auto* found = needs_.processes.find(core.pid, core.startMicros);
@@ -129,7 +129,7 @@ void CoreJob::maybeReuse(std::int32_t pid) {
   if (!needs_.dice.chance(400)) return;
   needs_.timeline.after(needs_.dice.between(Time(0), milliseconds(100)), [this, pid] {
     if (!needs_.processes.isFree(pid)) return;
-    needs_.processes.spawnAs(pid, ProcessKind::Stranger, needs_.timeline.now());
+    needs_.processes.spawnAs(pid, ProcessKind::Stranger, needs_.clocks.wallNow());
     needs_.trace.note(needs_.timeline.now(), "kernel", "a stranger is ", pid, " now");
   });
 }

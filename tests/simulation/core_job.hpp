@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/error.hpp"
+#include "simulation/clocks.hpp"
 #include "simulation/process_table.hpp"
 #include "simulation/timeline.hpp"
 #include "simulation/trace.hpp"
@@ -20,6 +21,7 @@ class CoreJob {
  public:
   struct Needs {
     Timeline& timeline;
+    const Clocks& clocks;
     Dice& dice;
     ProcessTable& processes;
     Trace& trace;

@@ -23,6 +23,13 @@ std::ptrdiff_t linesOf(const Companion& companion, LogFormat format) {
                        [format](const auto& line) { return line.format == format; });
 }
 
+/// A restart and a sync of an agent that is enabled compare its definitions.
+bool compares(const Companion& companion) {
+  const auto& action = actionOf(companion);
+  const auto& statuses = companion.record.statuses;
+  return (action == "restart" || action == "sync") && !statuses.empty() && statuses.front() == 1;
+}
+
 void judgeLines(const Companion& companion) {
   const auto course = courseOf(companion);
   const auto outcomes = linesOf(companion, LogFormat::outcome);
@@ -34,6 +41,8 @@ void judgeLines(const Companion& companion) {
   companion.expect(moves == (course == Course::Move ? 1 : 0), rule, "lines of a move");
   companion.expect(linesOf(companion, LogFormat::receiptFailed) == (companion.record.receiptDenied ? 1 : 0),
                    rule, "lines of a failed receipt");
+  companion.expect(linesOf(companion, LogFormat::definition) == (compares(companion) ? 1 : 0), rule,
+                   "lines of a comparison");
 }
 
 void judgeReports(const Companion& companion) {
@@ -73,7 +82,7 @@ void judgeDeeds(const Companion& companion) {
 Time longestLife(const Companion& companion) {
   const auto& record = companion.record;
   const auto counted = [](std::size_t count, Time each) { return each * static_cast<Time::rep>(count); };
-  const auto moveWait = record.moveResult ? milliseconds(30'500) + companion.world.setBack : Time(0);
+  const auto moveWait = record.moveResult ? milliseconds(30'500) + companion.world.clocks.setBack() : Time(0);
   const auto lockWait = record.lockAsked ? milliseconds(60'200) : milliseconds(0);
   return milliseconds(500) + lockWait +
          counted(static_cast<std::size_t>(record.launchctls), milliseconds(5'100)) +
@@ -128,7 +137,11 @@ void runEnded(World& world, bool inTime) {
                       inTime ? "waits for ever" : "goes on for ever");
   }
   const bool whole = !world.files.exists(Places::installed) || world.isWhole(Places::installed);
-  if (whole || world.copiesDisturbed) return;
+  if (whole) return;
+  if (world.copiesDisturbed) {
+    ++world.partsLeft;
+    return;
+  }
   world.verdict.broken({Invariant::WholeOrAbsent, world.timeline.now(), "world", "a part of a copy is left"});
 }
 

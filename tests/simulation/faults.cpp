@@ -29,10 +29,11 @@ Faults::Faults(Dice& dice) : dice_(dice) {
   toolsInThousand_ = dice.oneOf(toolRates);
   oversleeps_ = dice.chance(250);
   picks_ = dice.chance(200);
-  if (picks_) picked_ = static_cast<Call>(dice.below(drawnCalls));
+  if (picks_) picked_ = static_cast<Call>(dice.below(callCount));
 }
 
 bool Faults::strikes(Call call) {
+  if (!mayFail(call)) return false;
   if (picks_ && call == picked_) return dice_.chance(500);
   return inThousand_ > 0 && dice_.chance(inThousand_);
 }

@@ -53,8 +53,32 @@ enum class Call : std::size_t { TAMO_SIMULATED_CALLS(TAMO_CALL_NAME) };
 #define TAMO_CALL_ONE(name) +1
 inline constexpr std::size_t callCount = 0 TAMO_SIMULATED_CALLS(TAMO_CALL_ONE);
 #undef TAMO_CALL_ONE
-/// The calls that chance makes fail: all but the last, whose failure stops the process when the lock asks.
-inline constexpr std::size_t drawnCalls = callCount - 1;
+/// Whether chance makes the call fail. The others have no way to tell a failure, or fail only where a run follows a script:
+/// a temporary directory that is missing, for one, stops the process when the lock asks for it.
+[[nodiscard]] constexpr bool mayFail(Call call) {
+  switch (call) {
+    case Call::becomeAccessory:
+    case Call::terminate:
+    case Call::agentStatus:
+    case Call::openLoginItems:
+    case Call::toolRunning:
+    case Call::toolTerminate:
+    case Call::toolErrors:
+    case Call::closeLock:
+    case Call::sleep:
+    case Call::log:
+    case Call::temporaryDirectory:
+      return false;
+    default:
+      return true;
+  }
+}
+[[nodiscard]] constexpr std::size_t failingCalls() {
+  std::size_t count = 0;
+  for (std::size_t call = 0; call < callCount; ++call)
+    if (mayFail(static_cast<Call>(call))) ++count;
+  return count;
+}
 [[nodiscard]] std::string_view nameOf(Call call);
 
 /// In which way a call fails, or a tool misbehaves.
@@ -75,6 +99,8 @@ inline constexpr std::size_t drawnCalls = callCount - 1;
   WAY(Exits)     /* with 1, having done nothing */                  \
   WAY(NotLoaded) /* exits with 113 */                               \
   WAY(Signalled)                                                    \
+  WAY(Answered) /* exits with 1, having printed its answer */       \
+  WAY(AnsweredHangs)                                                \
   WAY(Idle) /* exits with 0, having done nothing */                 \
   WAY(Part) /* leaves a part of a copy */                           \
   WAY(Cancelled)
@@ -93,7 +119,7 @@ class Faults {
  public:
   explicit Faults(Dice& dice);
 
-  /// Whether the call fails this time, in the way that its interface allows.
+  /// Whether a call that may fail does so this time, in the way that its interface allows.
   [[nodiscard]] bool strikes(Call call);
   /// How long the call takes; 0 nearly always.
   [[nodiscard]] Time slowness();

@@ -7,6 +7,7 @@
 namespace tamo::simulation {
 namespace {
 
+using std::chrono::hours;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
@@ -81,14 +82,29 @@ void runApplication(World& world, const std::string& copy) {
   });
 }
 
+/// By seconds, as a correction is, or by hours.
 void setWallClock(World& world) {
   auto& dice = world.dice;
   const bool back = dice.chance(500);
-  const auto by = dice.between(Time(0), seconds(40));
-  world.timeline.after(dice.between(Time(0), seconds(10)), [&world, back, by] {
-    world.wallOffset += back ? -by : by;
-    if (back) world.setBack += by;
-  });
+  const auto size =
+      dice.chance(700) ? dice.between(Time(0), seconds(40)) : dice.between(seconds(40), hours(5));
+  const auto by = back ? -size : size;
+  if (dice.chance(500)) return world.setWallClock(by);
+  world.timeline.after(dice.between(Time(0), seconds(10)), [&world, by] { world.setWallClock(by); });
+}
+
+/// The machine sleeps at some time, or between two calls that one companion or another makes.
+void sleepSometimes(World& world) {
+  auto& dice = world.dice;
+  const auto duration =
+      dice.chance(500) ? dice.between(Time(0), seconds(5)) : dice.between(seconds(5), hours(9));
+  if (dice.chance(400)) {
+    world.sleepsAtCall = 1 + dice.below(150);
+    world.sleepsFor = duration;
+  } else {
+    world.timeline.after(dice.between(Time(0), seconds(10)),
+                         [&world, duration] { world.sleepMachine(duration); });
+  }
 }
 
 std::string someExisting(const World& world) {
@@ -161,7 +177,7 @@ CompanionPlan somePlan(World& world, std::size_t number) {
   requestByArguments(dice, plan);
   requestByUrls(dice, plan);
   plan.writesReceipts = dice.chance(500);
-  plan.proofHome = dice.chance(50);
+  plan.proofHome = dice.chance(120);
   plan.exitsInTerminate = dice.chance(500);
   if (dice.chance(60)) plan.diesAfter = dice.between(Time(0), seconds(6));
   if (dice.chance(60)) plan.diesAtCall = 1 + dice.below(200);
@@ -185,9 +201,11 @@ void addCompanions(World& world) {
 void furnish(World& world) {
   world.processes.spawnAs(1, ProcessKind::Launchd, Time(0));
   placeCopies(world);
-  markerSometimes(world, std::string(Places::home) + std::string(Places::dataInHome));
+  for (const auto home : {Places::home, Places::proofHome})
+    markerSometimes(world, std::string(home) + std::string(Places::dataInHome));
   settleAgent(world);
-  if (world.dice.chance(50)) setWallClock(world);
+  if (world.dice.chance(150)) setWallClock(world);
+  if (world.dice.chance(100)) sleepSometimes(world);
   addCompanions(world);
 }
 

@@ -1,5 +1,7 @@
 #include "simulation/job_texts.hpp"
 
+#include <charconv>
+
 namespace tamo::simulation {
 namespace {
 
@@ -94,6 +96,18 @@ std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid) {
   if (job.exitTimeout) print += "\texit timeout = " + std::to_string(*job.exitTimeout) + "\n";
   if (pid) print += "\tpid = " + std::to_string(*pid) + "\n";
   return print + "\tendpoints = {\n\t\t\"studio.pell.tamo.core\" = {\n\t\t\tport = 0x907\n\t\t}\n\t}\n}\n";
+}
+
+std::optional<std::int32_t> pidIn(std::string_view print) {
+  constexpr std::string_view opening = "\tpid = ";
+  const auto found = print.find(opening);
+  if (found == std::string_view::npos) return std::nullopt;
+  std::int32_t pid = 0;
+  std::from_chars(print.data() + found + opening.size(), print.data() + print.size(), pid);
+  for (std::size_t definition = 0; definition < jobDefinitions().size(); ++definition) {
+    if (jobPrint(definition, pid) == print) return pid;
+  }
+  return std::nullopt;
 }
 
 }  // namespace tamo::simulation

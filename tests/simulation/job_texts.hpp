@@ -27,5 +27,7 @@ struct JobDefinition {
 
 /// The print of the loaded job; `pid` is its process's.
 [[nodiscard]] std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid);
+/// The pid in a print of the form above; absent for any other text.
+[[nodiscard]] std::optional<std::int32_t> pidIn(std::string_view print);
 
 }  // namespace tamo::simulation

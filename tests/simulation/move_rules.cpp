@@ -4,10 +4,13 @@
 #include <string>
 #include <variant>
 
+#include "simulation/tool_rules.hpp"
+
 namespace tamo::simulation::Referee {
 namespace {
 
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 
 /// Absent while no line of a result was logged.
 std::optional<std::string> loggedCode(const Companion& companion) {
@@ -46,13 +49,27 @@ bool wasOverlooked(const World& world) {
   });
 }
 
+/// What is at the destination when a move tells its code.
+void judgeDestination(const Companion& companion, const std::string& code) {
+  const auto& world = companion.world;
+  const bool there = world.files.exists(Places::installed);
+  const bool whole = world.isWhole(Places::installed);
+  companion.expect(whole || !there, Invariant::WholeOrAbsent, code);
+  companion.expect(whole || !isSuccess(code), Invariant::MoveResult, code);
+  const bool cleared = isSuccess(code) || companion.record.copies == 0 || !there;
+  companion.expect(cleared, Invariant::WholeOrAbsent, "left after a failure");
+}
+
 }  // namespace
 
 /// The Trash counts when companions were in each other's way: what one of them threw away is still there.
 void copiesChanged(World& world) {
   if (world.copiesAtFirst == 0) return;
-  const int left = world.wholeCopies(world.copiesDisturbed);
-  if (left > 0) return;
+  if (world.wholeCopies(false) > 0) return;
+  if (world.copiesDisturbed && world.wholeCopies(true) > 0) {
+    world.onlyInTrash = true;
+    return;
+  }
   if (wasOverlooked(world)) {
     ++world.overlooked;
     return;
@@ -68,15 +85,15 @@ void copies(Companion& companion) {
 }
 
 void movedOrNot(Companion& companion, const platform::LogLine& line) {
-  const auto& world = companion.world;
+  auto& world = companion.world;
   const auto& record = companion.record;
   const auto& code = std::get<std::string>(line.arguments[0]);
-  const bool there = world.files.exists(Places::installed);
-  const bool whole = world.isWhole(Places::installed);
-  companion.expect(world.copiesDisturbed || whole || !there, Invariant::WholeOrAbsent, code);
-  companion.expect(world.copiesDisturbed || whole || !isSuccess(code), Invariant::MoveResult, code);
-  const bool cleared = isSuccess(code) || record.copies == 0 || !there;
-  companion.expect(world.copiesDisturbed || cleared, Invariant::WholeOrAbsent, "left after a failure");
+  if (!world.copiesDisturbed) {
+    judgeDestination(companion, code);
+  } else if (world.files.exists(Places::installed) && !world.isWhole(Places::installed)) {
+    ++world.partsTold;
+  }
+  copyingEnded(companion);
   companion.expect(leavesInstalled(record) == (code == "opened"), Invariant::MoveResult,
                    "not the plan for the builds");
   const bool untouched = code != "opened" || (record.copies == 0 && record.trashed == 0);
@@ -93,19 +110,23 @@ void recordsMove(Companion& companion, std::string_view bytes) {
                    bytes);
   record.moveResult = std::string(bytes);
   record.recordedAt = companion.world.timeline.now();
+  record.recordedWall = companion.world.clocks.wallNow();
   record.recordedSlow = record.slow;
 }
 
-void opensInstalled(Companion& companion) {
+void opensInstalled(Companion& companion, std::string_view path) {
   auto& record = companion.record;
+  companion.expect(path == Places::installed, Invariant::MoveResult, path);
   const auto code = loggedCode(companion);
   const bool due = code && isSuccess(*code) && record.moveResult && ++record.opened == 1;
   companion.expect(due, Invariant::MoveResult, "opened without a success");
   if (!due) return;
   const auto waited =
       companion.world.timeline.now() - *record.recordedAt - (record.slow - record.recordedSlow);
-  companion.expect(waited <= milliseconds(30'300) + companion.world.setBack, Invariant::Waits,
+  companion.expect(waited <= milliseconds(30'300) + companion.world.clocks.setBack(), Invariant::Waits,
                    "the old copy is waited for beyond 30 s");
+  const auto passed = companion.world.clocks.wallNow() - record.recordedWall;
+  companion.expect(!record.oldCopyRuns || passed >= seconds(30), Invariant::Waits, "the old copy still runs");
 }
 
 }  // namespace tamo::simulation::Referee

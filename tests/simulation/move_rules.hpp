@@ -16,6 +16,6 @@ void copies(Companion& companion);
 void movedOrNot(Companion& companion, const platform::LogLine& line);
 /// A companion writes the result file.
 void recordsMove(Companion& companion, std::string_view bytes);
-void opensInstalled(Companion& companion);
+void opensInstalled(Companion& companion, std::string_view path);
 
 }  // namespace tamo::simulation::Referee

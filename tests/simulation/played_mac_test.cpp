@@ -3,6 +3,7 @@
 
 #include "launch/launch_job.hpp"
 #include "launch/print_reading.hpp"
+#include "simulation/clocks.hpp"
 #include "simulation/file_tree.hpp"
 #include "simulation/job_texts.hpp"
 #include "simulation/process_table.hpp"
@@ -48,6 +49,37 @@ TEST(ProcessTableTest, NoTwoProcessesStartAtTheSameTime) {
   EXPECT_LT(first, processes.spawn(ProcessKind::Core, Time(0)).startMicros);
 }
 
+/// As on a Mac, where a process is stamped with what the wall clock shows when it starts.
+TEST(ProcessTableTest, AClockThatIsSetBackMakesAYoungerProcessLookOlder) {
+  Dice dice(1);
+  ProcessTable processes(dice);
+  const Process first = processes.spawn(ProcessKind::Companion, std::chrono::seconds(10));
+  const Process second = processes.spawn(ProcessKind::Core, std::chrono::seconds(4));
+  EXPECT_GT(first.startMicros, second.startMicros);
+  EXPECT_LT(first.number, second.number);
+}
+
+TEST(ClocksTest, OnlyTheAwakeTimeStandsStillWhileTheMachineSleeps) {
+  Timeline awake;
+  Clocks clocks(awake);
+  clocks.sleep(std::chrono::seconds(5));
+  EXPECT_EQ(clocks.now().awake, Time(0));
+  EXPECT_EQ(clocks.now().monotonic, std::chrono::seconds(5));
+  EXPECT_EQ(clocks.wallNow(), std::chrono::seconds(5));
+}
+
+TEST(ClocksTest, OnlyTheWallClockIsSet) {
+  Timeline awake;
+  Clocks clocks(awake);
+  EXPECT_FALSE(clocks.wasSet());
+  clocks.setWall(std::chrono::seconds(7));
+  clocks.setWall(std::chrono::seconds(-9));
+  EXPECT_TRUE(clocks.wasSet());
+  EXPECT_EQ(clocks.monotonicNow(), Time(0));
+  EXPECT_EQ(clocks.wallNow(), std::chrono::seconds(-2));
+  EXPECT_EQ(clocks.setBack(), std::chrono::seconds(9));
+}
+
 TEST(ProcessTableTest, APidIsUsedAgainButNotWhileAGroupHasItsName) {
   Dice dice(1);
   ProcessTable processes(dice);
@@ -77,6 +109,14 @@ TEST(JobTextsTest, TheTextsAreReadAsTheDefinitionsThatTheyTell) {
     EXPECT_EQ(definitionOf(agentPlist(loaded)), loaded);
     EXPECT_EQ(LaunchJob::bundled(agentPlist(loaded)), read);
   }
+}
+
+TEST(JobTextsTest, OnlyAWholePrintTellsThePid) {
+  const auto print = jobPrint(1, 100);
+  EXPECT_EQ(pidIn(print), 100);
+  EXPECT_EQ(pidIn(jobPrint(1, std::nullopt)), std::nullopt);
+  EXPECT_EQ(pidIn(print.substr(0, print.size() - 1)), std::nullopt);
+  EXPECT_EQ(pidIn("\tpid = 100\n"), std::nullopt);
 }
 
 TEST(JobTextsTest, AnInfoListGivesItsValuesBack) {

@@ -6,7 +6,7 @@ namespace tamo::simulation {
 namespace {
 
 constexpr std::int32_t pids = 40;
-/// The start of the run, in microseconds of the clock that start times are told by.
+/// The start of the run, in microseconds of the wall clock, which start times are told by.
 constexpr std::uint64_t bootMicros = 1'700'000'000'000'000;
 
 }  // namespace
@@ -35,21 +35,33 @@ std::int32_t ProcessTable::freePid() {
   return pid;
 }
 
-const Process& ProcessTable::add(std::int32_t pid, ProcessKind kind, Time now, std::int32_t group) {
-  const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(now).count();
-  lastStart_ = std::max(lastStart_ + 1, bootMicros + static_cast<std::uint64_t>(micros));
-  processes_.push_back(
-      {.pid = pid, .group = group, .startMicros = lastStart_, .zombie = false, .kind = kind});
+/// The first microsecond from `wall` on in which none has started yet.
+std::uint64_t ProcessTable::freeStart(Time wall) const {
+  const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(wall).count();
+  auto start = bootMicros + static_cast<std::uint64_t>(micros);
+  while (std::find(starts_.begin(), starts_.end(), start) != starts_.end())
+    ++start;
+  return start;
+}
+
+const Process& ProcessTable::add(std::int32_t pid, ProcessKind kind, Time wall, std::int32_t group) {
+  starts_.push_back(freeStart(wall));
+  processes_.push_back({.pid = pid,
+                        .group = group,
+                        .startMicros = starts_.back(),
+                        .number = starts_.size(),
+                        .zombie = false,
+                        .kind = kind});
   return processes_.back();
 }
 
-const Process& ProcessTable::spawn(ProcessKind kind, Time now, std::optional<std::int32_t> group) {
+const Process& ProcessTable::spawn(ProcessKind kind, Time wall, std::optional<std::int32_t> group) {
   const auto pid = freePid();
-  return add(pid, kind, now, group.value_or(pid));
+  return add(pid, kind, wall, group.value_or(pid));
 }
 
-const Process& ProcessTable::spawnAs(std::int32_t pid, ProcessKind kind, Time now) {
-  return add(pid, kind, now, pid);
+const Process& ProcessTable::spawnAs(std::int32_t pid, ProcessKind kind, Time wall) {
+  return add(pid, kind, wall, pid);
 }
 
 void ProcessTable::remove(std::int32_t pid) {

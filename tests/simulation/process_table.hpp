@@ -14,7 +14,10 @@ enum class ProcessKind { Launchd, Companion, Core, Helper, Stranger };
 struct Process {
   std::int32_t pid = 0;
   std::int32_t group = 0;
+  /// By the wall clock as it was then. No two are equal, so that pid and start name one process.
   std::uint64_t startMicros = 0;
+  /// The how-manieth process of the run it is, whatever a clock said.
+  std::uint64_t number = 0;
   bool zombie = false;
   ProcessKind kind = ProcessKind::Stranger;
 };
@@ -27,10 +30,10 @@ class ProcessTable {
 
   explicit ProcessTable(Dice& dice) : dice_(dice) {}
 
-  /// A new process at `now`; in a group of its own unless `group` is given. No two start times are equal.
-  const Process& spawn(ProcessKind kind, Time now, std::optional<std::int32_t> group = std::nullopt);
+  /// A new process at that time of the wall clock; in a group of its own unless `group` is given.
+  const Process& spawn(ProcessKind kind, Time wall, std::optional<std::int32_t> group = std::nullopt);
   /// The same under a certain pid, which is free.
-  const Process& spawnAs(std::int32_t pid, ProcessKind kind, Time now);
+  const Process& spawnAs(std::int32_t pid, ProcessKind kind, Time wall);
 
   /// Null when there is none.
   [[nodiscard]] Process* find(std::int32_t pid);
@@ -43,12 +46,13 @@ class ProcessTable {
 
  private:
   [[nodiscard]] std::int32_t freePid();
-  const Process& add(std::int32_t pid, ProcessKind kind, Time now, std::int32_t group);
+  const Process& add(std::int32_t pid, ProcessKind kind, Time wall, std::int32_t group);
+  [[nodiscard]] std::uint64_t freeStart(Time wall) const;
 
   Dice& dice_;
   std::vector<Process> processes_;
   std::int32_t lastFreed_ = 0;
-  std::uint64_t lastStart_ = 0;
+  std::vector<std::uint64_t> starts_;
 };
 
 }  // namespace tamo::simulation

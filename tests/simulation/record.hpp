@@ -1,6 +1,7 @@
 #pragma once
 
 #include <bitset>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +10,7 @@
 #include "platform/error.hpp"
 #include "platform/kernel_processes.hpp"
 #include "platform/log.hpp"
+#include "simulation/clocks.hpp"
 #include "simulation/faults.hpp"
 
 namespace tamo::simulation {
@@ -25,14 +27,24 @@ struct Look {
 /// One hard stop as seen from outside, from the start of its watcher.
 struct StopRecord {
   Look first;
-  Time from{0};
+  Moment from;
   Time slowBefore{0};
+  /// Whether it was told of a home, and so of a data directory.
+  bool homeKnown = true;
   /// CFBundleVersion of the application around the companion, as it was told.
   std::optional<std::string> version;
   std::optional<std::uint64_t> ownStartMicros;
+  /// Whether the watched process really started after the companion; absent when it was gone by then.
+  std::optional<bool> younger;
   Look last;
+  /// When the watcher had asked for the markers, and when it signalled.
+  std::optional<Time> decidedAt;
+  std::optional<Time> signalledAt;
+  /// Looks after the time of the wait that they belong to.
+  int lateLooks = 0;
   /// Some look, if not the last, found the process gone: a look can fail.
   bool onceGone = false;
+  std::size_t markersAsked = 0;
   /// A marker file that the watcher was told of.
   bool markerTold = false;
   int signals = 0;
@@ -42,6 +54,21 @@ struct StopRecord {
   std::optional<Time> failedAt;
   bool ended = false;
   bool noted = false;
+};
+
+/// How often a companion looked at a file, before its action or in it.
+struct Looks {
+  /// The Info.plist of its own copy.
+  int infos = 0;
+  int resolutions = 0;
+  /// The agent list of its own bundle.
+  int lists = 0;
+  int destinations = 0;
+};
+
+/// A tool, and what the companion learned of its end; -1 when it did not start or was given up.
+struct StartedTool {
+  std::optional<std::int32_t> status;
 };
 
 /// What one companion did and was told, as its calls to the platform show it. The referee judges by this and
@@ -74,10 +101,28 @@ struct Record {
   /// What the move was told of the destination.
   std::optional<bool> destinationExists;
   std::optional<std::string> destinationVersion;
+  /// Whether the copy that is moved was running at the last look.
+  bool oldCopyRuns = false;
   std::optional<Look> lastLook;
   std::optional<std::uint64_t> ownStartMicros;
 
+  /// Where the copy that is moved was told to come from.
+  std::optional<std::string> originalTold;
+  std::size_t socketsTried = 0;
+  bool socketAnswered = false;
+  /// The pid in the last print of the job, when the print came as launchctl makes it.
+  std::optional<std::int32_t> pidTold;
+  /// How many hard stops there had been by then.
+  std::size_t stopsBeforePrint = 0;
+
+  /// What the move was told of the folder of the destination.
+  std::optional<bool> folderWritable;
+
   // What it did.
+  Looks looks;
+  std::vector<StartedTool> tools;
+  /// A letter for each of them.
+  std::string toolCourse;
   int registrations = 0;
   int unregistrations = 0;
   int kickstarts = 0;
@@ -92,8 +137,9 @@ struct Record {
 
   // The lock.
   bool lockAsked = false;
-  std::optional<Time> lockFirstTried;
+  std::optional<Moment> lockFirstTried;
   int lockTries = 0;
+  int lateTries = 0;
   Time lockSlowBefore{0};
   bool lockHeld = false;
   bool lockHeldOnce = false;
@@ -113,6 +159,7 @@ struct Record {
   bool receiptDenied = false;
   std::optional<std::string> moveResult;
   std::optional<Time> recordedAt;
+  Time recordedWall{0};
   Time recordedSlow{0};
   int terminations = 0;
 };

@@ -47,6 +47,14 @@ bool succeeded(const Companion& companion) {
   return toldBefore(companion, 2) == (action == "unregister" ? 0 : 1);
 }
 
+/// The settings are opened between the first two readings of the status that follow the route of an action, and so
+/// before the last three of all.
+bool needsApproval(const Companion& companion) {
+  const auto& action = actionOf(companion);
+  const bool may = action == "register" || action == "reseat" || action == "restart";
+  return may && !errorOf(companion) && toldBefore(companion, 3) == 2;
+}
+
 std::string deedsOf(const Companion& companion) {
   if (errorOf(companion)) return "";
   const auto& record = companion.record;
@@ -64,6 +72,8 @@ void judgeOutcome(Companion& companion, const LogLine& line) {
   companion.expect(text(line, 3) == deedsOf(companion), rule, text(line, 3));
   const auto told = error ? " error " + error->domain() + " " + std::to_string(error->code()) : "";
   companion.expect(text(line, 4) == told, rule, text(line, 4));
+  companion.expect(companion.record.settingsOpened == (needsApproval(companion) ? 1 : 0), Invariant::Settings,
+                   "by the time of the outcome");
   companion.expect(text(line, 5) == (error ? " " + error->description() : ""), rule, text(line, 5));
 }
 
@@ -107,7 +117,7 @@ ReceiptMembers membersDue(const Companion& companion) {
   }
   if (record.kickstart) due["kickstart"] = std::to_string(*record.kickstart);
   if (record.definitionChanged) due["reseated"] = "definition";
-  if (record.settingsOpened > 0) due["needsApproval"] = "true";
+  if (needsApproval(companion)) due["needsApproval"] = "true";
   return due;
 }
 
@@ -138,6 +148,17 @@ void logs(Companion& companion, const LogLine& line) {
     case LogFormat::receiptFailed:
       return;
   }
+}
+
+void opensSettings(Companion& companion) {
+  auto& record = companion.record;
+  companion.note("opens the settings");
+  const auto& action = actionOf(companion);
+  const bool may = action == "register" || action == "reseat" || action == "restart";
+  const bool due = may && courseOf(companion) == Course::Agent && !record.lastError &&
+                   !hasOutcome(companion) && toldBefore(companion, 0) == 2 && record.settingsOpened == 0;
+  companion.expect(due, Invariant::Settings, "opened out of turn");
+  ++record.settingsOpened;
 }
 
 void writesReceipt(Companion& companion, std::string_view path, std::string_view bytes) {

@@ -25,6 +25,10 @@ bool isMarker(std::string_view path) {
   return path.contains("core.db.revert");
 }
 
+bool isPrintFile(std::string_view path) {
+  return path.contains("tamo-core-print-");
+}
+
 /// What the companion learns of the application around it.
 void tellDefinition(Companion& companion, const std::string& path, const std::string* bytes) {
   if (path != companion.bundlePath() + std::string(Places::agentList)) return;
@@ -44,8 +48,15 @@ void tellInfo(Companion& companion, const std::string& path, const std::string* 
   record.judgedHomeKnown = record.homeKnown;
 }
 
-void noteMarker(Record& record, const Companion& companion) {
-  if (!companion.onMain() && !record.stops.empty()) record.stops.back().markerTold = true;
+void tellPrint(Companion& companion, const std::string& path, const std::optional<std::string>& bytes) {
+  if (isPrintFile(path)) companion.record.pidTold = bytes ? pidIn(*bytes) : std::nullopt;
+}
+
+/// What was known of the job counts no longer.
+void forgetPrint(Record& record) {
+  record.pidTold.reset();
+  record.lastLook.reset();
+  record.stopsBeforePrint = record.stops.size();
 }
 
 /// What a reader gets of a file that is not read as it is. No property list survives any of it.
@@ -67,6 +78,23 @@ std::string planted(Plant plant, std::string bytes) {
   return bytes;
 }
 
+/// The Core's data, looked for in the home of a user although the configuration has another.
+std::string plantedPlace(const Companion& companion, const std::string& path) {
+  const bool moved = companion.world.planted == Plant::DataInRealHome && companion.plan.proofHome;
+  const auto data = companion.dataDirectory();
+  if (!moved || !path.starts_with(data)) return path;
+  return std::string(Places::home) + std::string(Places::dataInHome) + path.substr(data.size());
+}
+
+/// What the companion is told of a marker.
+bool tellMarker(Companion& companion, const std::string& path, bool there) {
+  const auto planted = companion.world.planted;
+  const bool told = there && planted != Plant::DeafToMarkers;
+  const bool unasked = planted == Plant::MarkerUnasked && path.ends_with(".partial");
+  if (!unasked) Referee::asksForMarker(companion, path, told);
+  return told;
+}
+
 /// A write that is in two steps, so that a death between them shows.
 void plantBeforeWriting(World& world, const std::string& path, const std::string& bytes) {
   if (world.planted == Plant::TornWrites) world.files.write(path, bytes.substr(0, bytes.size() / 2));
@@ -75,32 +103,37 @@ void plantBeforeWriting(World& world, const std::string& path, const std::string
 
 }  // namespace
 
-bool SimulatedFiles::exists(const std::string& path) const {
+bool SimulatedFiles::exists(const std::string& asked) const {
+  const auto path = plantedPlace(companion_, asked);
   const bool fails = companion_.enter(Call::exists, path);
   const bool there = !fails && companion_.world.files.exists(path);
-  if (path == Places::installed) companion_.record.destinationExists = there;
-  if (isMarker(path) && companion_.world.planted == Plant::DeafToMarkers) return false;
-  if (there && isMarker(path)) noteMarker(companion_.record, companion_);
   companion_.note("exists ", path, ": ", there);
+  if (isMarker(path)) return tellMarker(companion_, path, there);
+  Referee::touches(companion_, Call::exists, path);
+  if (path == Places::installed) companion_.record.destinationExists = there;
   return there;
 }
 
 std::optional<std::string> SimulatedFiles::readWhole(const std::string& path) const {
   const bool fails = companion_.enter(Call::readWhole, path);
   const auto way = companion_.way();
+  Referee::touches(companion_, Call::readWhole, path);
   const auto* there = companion_.world.files.read(path);
   const auto* bytes = fails ? nullptr : there;
   tellInfo(companion_, path, bytes);
   tellDefinition(companion_, path, bytes);
   companion_.note("reads ", path, ": ", bytes != nullptr);
-  if (there != nullptr && fails) return damaged(*there, way);
-  if (bytes == nullptr) return std::nullopt;
-  return *bytes;
+  auto told = bytes == nullptr ? std::nullopt : std::optional(*bytes);
+  if (there != nullptr && fails) told = damaged(*there, way);
+  tellPrint(companion_, path, told);
+  if (companion_.world.planted == Plant::UnwatchedStop && isPrintFile(path)) return std::nullopt;
+  return told;
 }
 
 std::string SimulatedFiles::resolvedPath(const std::string& path) const {
-  if (companion_.enter(Call::resolvedPath, path)) return path;
-  return companion_.world.files.resolved(path);
+  const bool fails = companion_.enter(Call::resolvedPath, path);
+  Referee::touches(companion_, Call::resolvedPath, path);
+  return fails ? path : companion_.world.files.resolved(path);
 }
 
 bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view bytes) {
@@ -112,9 +145,11 @@ bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view b
   if (path.ends_with("/move-to-applications.json")) Referee::recordsMove(companion_, written);
   plantBeforeWriting(companion_.world, path, written);
   const bool fails = companion_.enter(Call::writeAtomically, path);
+  Referee::touches(companion_, Call::writeAtomically, path);
+  if (isPrintFile(path)) forgetPrint(companion_.record);
   if (receipt) companion_.record.receiptDenied = record.receiptDenied || fails;
   companion_.note("writes ", path, ": ", !fails);
-  if (path.contains("tamo-core-print-")) companion_.record.printed = true;
+  if (isPrintFile(path)) companion_.record.printed = true;
   if (!fails) companion_.world.files.write(path, written);
   if (companion_.world.planted == Plant::StrayFiles) companion_.world.files.remove(path + ".part");
   return !fails;
@@ -122,6 +157,7 @@ bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view b
 
 bool SimulatedFiles::createDirectories(const std::string& path) {
   const bool fails = companion_.enter(Call::createDirectories, path);
+  Referee::touches(companion_, Call::createDirectories, path);
   if (fails && path.contains("/TamoPKG1/")) companion_.record.receiptDenied = true;
   if (!fails) companion_.world.files.createFolder(path);
   return !fails;
@@ -129,12 +165,13 @@ bool SimulatedFiles::createDirectories(const std::string& path) {
 
 bool SimulatedFiles::remove(const std::string& path) {
   auto& world = companion_.world;
-  const bool print = path.contains("tamo-core-print-");
+  const bool print = isPrintFile(path);
   if (print && world.planted == Plant::PrintFileLeft) return true;
   if (companion_.enterQuietly(Call::remove, path)) {
     if (!print) world.copiesDisturbed = true;
     return false;
   }
+  Referee::touches(companion_, Call::remove, path);
   if (!print) Referee::acts(companion_, "remove");
   const bool removed = world.files.remove(path);
   companion_.note("removes ", path, ": ", removed);
@@ -144,26 +181,34 @@ bool SimulatedFiles::remove(const std::string& path) {
 
 std::unique_ptr<platform::OutputFile> SimulatedFiles::openForWriting(const std::string& path) {
   auto& world = companion_.world;
-  if (companion_.enter(Call::openForWriting, path) || world.files.read(path) == nullptr) return nullptr;
+  const bool fails = companion_.enter(Call::openForWriting, path);
+  Referee::touches(companion_, Call::openForWriting, path);
+  if (fails || world.files.read(path) == nullptr) return nullptr;
   const int descriptor = world.nextDescriptor++;
   world.descriptors[descriptor] = path;
   return std::make_unique<Output>(world, descriptor);
 }
 
 std::optional<std::string> SimulatedFiles::temporaryDirectory() const {
+  forgetPrint(companion_.record);
   if (companion_.world.director != nullptr && companion_.enter(Call::temporaryDirectory)) return std::nullopt;
   return std::string(Places::temporary);
 }
 
 bool SimulatedUserFiles::isWritable(const std::string& path) const {
-  if (companion_.enter(Call::isWritable, path)) return false;
-  return path == "/Applications" ? companion_.world.applicationsWritable
-                                 : companion_.world.files.exists(path);
+  const auto& world = companion_.world;
+  const bool fails = companion_.enter(Call::isWritable, path);
+  Referee::touches(companion_, Call::isWritable, path);
+  const bool writable = path == "/Applications" ? world.applicationsWritable : world.files.exists(path);
+  companion_.record.folderWritable = writable && !fails;
+  return writable && !fails;
 }
 
 bool SimulatedUserFiles::moveToTrash(const std::string& path) {
   auto& world = companion_.world;
-  if (companion_.enter(Call::moveToTrash, path)) return false;
+  const bool fails = companion_.enter(Call::moveToTrash, path);
+  Referee::touches(companion_, Call::moveToTrash, path);
+  if (fails) return false;
   Referee::acts(companion_, "trash");
   if (!world.files.exists(path)) return false;
   const auto place = std::string(Places::trash) + std::to_string(++world.trashedItems) + ".app";
@@ -180,6 +225,7 @@ int SimulatedLockFiles::open(const std::string& path) {
   auto& world = companion_.world;
   companion_.record.lockAsked = true;
   const bool fails = companion_.enter(Call::openLock);
+  Referee::touches(companion_, Call::openLock, path);
   if (world.planted == Plant::ForgottenLock) return -1;
   if (fails) {
     Referee::givesLockUp(companion_);
@@ -194,12 +240,12 @@ int SimulatedLockFiles::open(const std::string& path) {
 bool SimulatedLockFiles::tryLock(int descriptor) {
   auto& world = companion_.world;
   auto& record = companion_.record;
-  const bool fails = companion_.enter(Call::tryLock);
-  ++record.lockTries;
   if (!record.lockFirstTried) {
-    record.lockFirstTried = world.timeline.now();
+    record.lockFirstTried = world.clocks.now();
     record.lockSlowBefore = record.slow;
   }
+  const bool fails = companion_.enter(Call::tryLock);
+  ++record.lockTries;
   const bool free = world.planted == Plant::TwoHolders || world.lockHolder == nullptr;
   const bool gained = !fails && free && world.lockDescriptors.contains(descriptor);
   Referee::triesLock(companion_, gained);
@@ -224,9 +270,11 @@ void SimulatedLockFiles::close(int descriptor) {
   world.lockDescriptors.erase(descriptor);
 }
 
-std::optional<std::string> SimulatedBundles::originalLocation(const std::string& /*appPath*/) const {
-  if (companion_.enter(Call::originalLocation)) return std::nullopt;
-  return companion_.world.original;
+std::optional<std::string> SimulatedBundles::originalLocation(const std::string& appPath) const {
+  const bool fails = companion_.enter(Call::originalLocation);
+  Referee::touches(companion_, Call::originalLocation, appPath);
+  companion_.record.originalTold = fails ? std::nullopt : companion_.world.original;
+  return companion_.record.originalTold;
 }
 
 /// A receipt without a password entry stops the process, which is no run any more.
@@ -237,10 +285,14 @@ std::optional<platform::PasswordEntry> SimulatedUser::passwordEntry() const {
   return platform::PasswordEntry{std::string(Places::home)};
 }
 
-bool SimulatedLocalSockets::accepts(const std::string& path) {
-  if (companion_.enter(Call::accepts, path)) return false;
+bool SimulatedLocalSockets::accepts(const std::string& asked) {
+  const auto path = plantedPlace(companion_, asked);
+  const bool fails = companion_.enter(Call::accepts, path);
   const bool right = path.starts_with(companion_.dataDirectory());
-  return right && companion_.world.job.coreListens();
+  const bool accepted = !fails && right && companion_.world.job.coreListens();
+  companion_.note("tries ", path, ": ", accepted);
+  Referee::triesSocket(companion_, path, accepted);
+  return accepted;
 }
 
 }  // namespace tamo::simulation

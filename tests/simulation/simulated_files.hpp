@@ -14,7 +14,7 @@ namespace tamo::simulation {
 class SimulatedFiles final : public platform::Files {
  public:
   explicit SimulatedFiles(Companion& companion) : companion_(companion) {}
-  [[nodiscard]] bool exists(const std::string& path) const override;
+  [[nodiscard]] bool exists(const std::string& asked) const override;
   [[nodiscard]] std::optional<std::string> readWhole(const std::string& path) const override;
   [[nodiscard]] std::string resolvedPath(const std::string& path) const override;
   [[nodiscard]] bool writeAtomically(const std::string& path, std::string_view bytes) override;
@@ -72,7 +72,7 @@ class SimulatedUser final : public platform::User {
 class SimulatedLocalSockets final : public platform::LocalSockets {
  public:
   explicit SimulatedLocalSockets(Companion& companion) : companion_(companion) {}
-  [[nodiscard]] bool accepts(const std::string& path) override;
+  [[nodiscard]] bool accepts(const std::string& asked) override;
 
  private:
   Companion& companion_;

@@ -10,6 +10,7 @@ namespace tamo::simulation {
 namespace {
 
 constexpr std::uint64_t microsPerSecond = 1'000'000;
+constexpr std::chrono::seconds launchctlLimit(5);
 
 bool isKickstart(const platform::ToolLaunch& launch) {
   return launch.path == "/bin/launchctl" && launch.arguments.front() == "kickstart";
@@ -30,10 +31,17 @@ std::string_view workOf(const platform::ToolLaunch& launch) {
 class HeldTool final : public platform::Tool {
  public:
   HeldTool(Companion& companion, std::shared_ptr<RunningTool> tool)
-      : companion_(companion), tool_(std::move(tool)), slow_(companion.record.slow) {}
+      : companion_(companion),
+        tool_(std::move(tool)),
+        number_(companion.record.tools.size() - 1),
+        started_(companion.world.clocks.now()),
+        slow_(companion.record.slow) {}
 
   [[nodiscard]] bool running() override {
     static_cast<void>(companion_.enter(Call::toolRunning));
+    if (waited().monotonic >= launchctlLimit) ++lateLooks_;
+    // One look may have begun before the deadline, and one is due after it.
+    companion_.expect(lateLooks_ <= 2, Invariant::Waits, "a tool is looked at after its 5 s");
     return !tool_->done;
   }
 
@@ -45,6 +53,7 @@ class HeldTool final : public platform::Tool {
 
   void terminate() override {
     static_cast<void>(companion_.enter(Call::toolTerminate));
+    companion_.expect(waited().monotonic >= launchctlLimit, Invariant::Waits, "a tool is given up early");
     companion_.note("gives up on ", tool_->launch.arguments.front());
     ToolBench::terminate(companion_.world, tool_);
     static_cast<void>(settled(-1));
@@ -52,6 +61,7 @@ class HeldTool final : public platform::Tool {
 
   [[nodiscard]] std::string readErrors(std::size_t limit) override {
     const bool unread = companion_.enter(Call::toolErrors, workOf(tool_->launch));
+    Referee::readsErrors(companion_, tool_->launch, limit);
     waitForEnd();
     return unread ? "" : tool_->errors.substr(0, limit);
   }
@@ -69,11 +79,16 @@ class HeldTool final : public platform::Tool {
     companion_.record.waitedForTools += timeline.now() - from;
   }
 
-  /// What the companion learns of a launchctl in the end.
+  [[nodiscard]] Moment waited() const {
+    const auto now = companion_.world.clocks.now();
+    return {.awake = now.awake - started_.awake, .monotonic = now.monotonic - started_.monotonic};
+  }
+
+  /// What the companion learns of the tool in the end.
   std::int32_t settled(std::int32_t status) {
+    Referee::toolTold(companion_, number_, status);
     if (tool_->launch.path != "/bin/launchctl") return status;
-    const auto took = companion_.world.timeline.now() - tool_->started;
-    Referee::launchctlTook(companion_, took, companion_.record.slow - slow_);
+    Referee::launchctlTook(companion_, waited().awake, companion_.record.slow - slow_);
     if (!isKickstart(tool_->launch)) return status;
     companion_.record.kickstart = status;
     if (kills(tool_->launch) && status != 0) Referee::stopFailed(companion_);
@@ -82,7 +97,10 @@ class HeldTool final : public platform::Tool {
 
   Companion& companion_;
   std::shared_ptr<RunningTool> tool_;
+  std::size_t number_;
+  Moment started_;
   Time slow_;
+  int lateLooks_ = 0;
 };
 
 platform::ProcessInfo infoOf(const Process& process) {
@@ -94,6 +112,20 @@ platform::ProcessInfo infoOf(const Process& process) {
 
 }  // namespace
 
+/// False for a tool that, by a planted fault, is not started at all.
+bool SimulatedProcesses::judgeStart(const platform::ToolLaunch& launch) {
+  const auto planted = companion_.world.planted;
+  const bool print = workOf(launch) == "print";
+  auto asked = launch;
+  if (planted == Plant::QuarantineKept && workOf(launch) == "xattr") return false;
+  if (planted == Plant::WrongTarget && print) asked.arguments.back() = "user/501/studio.pell.tamo.core";
+  if (planted == Plant::PrintDiscarded && print) asked.standardOutput = -1;
+  if (planted == Plant::ErrorsDiscarded && !launch.path.ends_with("launchctl")) asked.capturesErrors = false;
+  if (planted == Plant::PrintedAgain && print) Referee::startsTool(companion_, asked);
+  Referee::startsTool(companion_, asked);
+  return true;
+}
+
 std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLaunch& launch) {
   auto& record = companion_.record;
   static_cast<void>(companion_.enter(Call::startTool, workOf(launch)));
@@ -101,6 +133,8 @@ std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLa
   const bool fails = way == Way::Fails;
   companion_.note("starts ", launch.path, " ", launch.arguments.front(), ": ", !fails);
   const bool kickstarts = isKickstart(launch);
+  if (!judgeStart(launch)) return nullptr;
+  if (kickstarts && kills(launch)) Referee::asksToStop(companion_);
   if (kickstarts) Referee::acts(companion_, kills(launch) ? "kickstart -k" : "kickstart");
   if (launch.path == "/usr/bin/ditto") {
     Referee::acts(companion_, "copy");
@@ -113,6 +147,7 @@ std::unique_ptr<platform::Tool> SimulatedProcesses::start(const platform::ToolLa
     auto tool = ToolBench::start(world, launch, way == Way::None ? world.faults.toolTrouble() : way);
     return std::make_unique<HeldTool>(companion_, std::move(tool));
   }
+  Referee::toolTold(companion_, record.tools.size() - 1, -1);
   if (kickstarts) {
     record.kickstart = -1;
     if (kills(launch)) Referee::stopFailed(companion_);
@@ -125,6 +160,7 @@ std::optional<platform::ProcessInfo> SimulatedKernelProcesses::info(std::int32_t
   const bool fails = companion_.enter(Call::processInfo, pid == companion_.pid() ? "own" : "core");
   const auto* process = fails ? nullptr : world.processes.find(pid);
   auto told = process == nullptr ? std::nullopt : std::optional(infoOf(*process));
+  if (world.planted == Plant::ForgedAge && told && pid == companion_.pid()) told->startSeconds -= 3600;
   Referee::looked(companion_, pid, told);
   const auto& stops = companion_.record.stops;
   if (world.planted == Plant::ForgedIdentity && told && !stops.empty() && !stops.back().ended) {
@@ -183,12 +219,16 @@ bool SimulatedThreads::detach(std::function<void()> work) {
 std::chrono::system_clock::time_point SimulatedClock::wallNow() const {
   constexpr std::chrono::seconds newYear(1'767'225'600);
   return std::chrono::system_clock::time_point(
-      std::chrono::duration_cast<std::chrono::system_clock::duration>(companion_.world.wallNow() + newYear));
+      std::chrono::duration_cast<std::chrono::system_clock::duration>(companion_.world.clocks.wallNow() +
+                                                                      newYear));
 }
 
 platform::Instant SimulatedClock::monotonicNow() const {
-  const auto now = companion_.world.timeline.now();
-  return companion_.world.planted == Plant::FastClock && !companion_.onMain() ? now * 3 : now;
+  const auto& world = companion_.world;
+  const auto now = world.clocks.monotonicNow();
+  if (world.planted == Plant::ClockStopsAsleep) return world.timeline.now();
+  if (world.planted == Plant::ClockIsSet) return world.clocks.wallNow();
+  return world.planted == Plant::FastClock && !companion_.onMain() ? now * 3 : now;
 }
 
 void SimulatedClock::sleep(std::chrono::nanoseconds duration) {

@@ -15,6 +15,8 @@ class SimulatedProcesses final : public platform::Processes {
   [[nodiscard]] std::unique_ptr<platform::Tool> start(const platform::ToolLaunch& launch) override;
 
  private:
+  [[nodiscard]] bool judgeStart(const platform::ToolLaunch& launch);
+
   Companion& companion_;
 };
 

@@ -4,6 +4,7 @@
 
 #include "simulation/job_texts.hpp"
 #include "simulation/referee.hpp"
+#include "simulation/simulated_files.hpp"
 
 namespace tamo::simulation {
 namespace {
@@ -30,7 +31,8 @@ class Agent final : public platform::AgentService {
     companion_.record.statuses.push_back(told);
     companion_.note("is told status ", told);
     const auto planted = companion_.world.planted;
-    if (planted == Plant::StatusTouches && companion_.record.requested == "status") registerAgent();
+    if (planted == Plant::StatusTouches && companion_.record.requested == "status")
+      Referee::acts(companion_, "register");
     if (planted == Plant::Unrepeatable) told += runs % 2;
     return told;
   }
@@ -54,6 +56,7 @@ class Agent final : public platform::AgentService {
     const bool fails = companion_.enter(Call::unregisterAgent);
     const bool afterGrace = companion_.way() == Way::Late;
     Referee::acts(companion_, "unregister");
+    Referee::asksToStop(companion_);
     ++record.unregistrations;
     companion_.note("unregisters the agent");
     const auto asked = companion_.world.timeline.now();
@@ -79,6 +82,8 @@ class Agent final : public platform::AgentService {
   [[noreturn]] void raise(const Error& error) {
     companion_.record.lastError = error;
     companion_.note("is refused a registration");
+    const bool withheld = companion_.world.job.status == 2;
+    if (withheld && companion_.world.planted == Plant::SettingsAfterError) Referee::opensSettings(companion_);
     throw Error(error);
   }
 
@@ -144,13 +149,19 @@ void SimulatedApplication::terminate() {
 }
 
 std::unique_ptr<platform::AgentService> SimulatedAgentServices::agent(const std::string& /*plistName*/) {
+  const auto planted = companion_.world.planted;
+  SimulatedFiles files(companion_);
+  if (planted == Plant::StrayRead) static_cast<void>(files.readWhole(companion_.dataDirectory() + "core.db"));
+  if (planted == Plant::GuardAskedAgain)
+    static_cast<void>(files.readWhole(companion_.plan.copy + "/Contents/Info.plist"));
   ++Agent::runs;
   return std::make_unique<Agent>(companion_);
 }
 
 void SimulatedAgentServices::openSystemSettingsLoginItems() {
   static_cast<void>(companion_.enter(Call::openLoginItems));
-  ++companion_.record.settingsOpened;
+  if (companion_.world.planted == Plant::SettingsForgotten) return;
+  Referee::opensSettings(companion_);
 }
 
 void SimulatedWorkspace::turn() {
@@ -158,10 +169,14 @@ void SimulatedWorkspace::turn() {
 }
 
 std::vector<platform::RunningApplication> SimulatedWorkspace::runningApplications() {
+  companion_.record.oldCopyRuns = false;
   if (companion_.enter(Call::runningApplications)) return {};
   std::vector<platform::RunningApplication> running;
-  for (const auto& app : known_)
+  for (const auto& app : known_) {
     running.push_back({.bundleIdentifier = app.bundleID, .bundlePath = app.path});
+    const bool isOld = app.bundleID == Places::releaseID && app.path == companion_.plan.copy;
+    companion_.record.oldCopyRuns = companion_.record.oldCopyRuns || isOld;
+  }
   return running;
 }
 
@@ -169,7 +184,7 @@ void SimulatedWorkspace::openApplication(const std::string& path, Completion com
   auto& world = companion_.world;
   const bool fails = companion_.enter(Call::openApplication);
   companion_.note("opens ", path);
-  Referee::opensInstalled(companion_);
+  Referee::opensInstalled(companion_, path);
   const auto delay = world.dice.between(milliseconds(1), milliseconds(500));
   companion_.record.waitedForAnswers += delay;
   if (world.planted == Plant::LostCompletion) return;

@@ -55,6 +55,9 @@ void count(Report& report, const Companion& companion) {
   if (companion.wasKilled()) ++report.met["companions killed"];
   if (record.lockGivenUp) ++report.met["lock given up"];
   if (record.receipt) ++report.met["receipts"];
+  if (companion.plan.proofHome) ++report.met["companions with another home"];
+  if (record.settingsOpened > 0) ++report.met["settings opened"];
+  if (record.socketsTried > 0) ++report.met["sockets tried"];
   if (record.struck.any()) ++report.met["companions with failing calls"];
   if (record.slow > Time(0)) ++report.met["companions with slow calls"];
 }
@@ -81,6 +84,15 @@ Report Simulator::run(std::uint64_t seed, const RunOptions& options) {
   const auto add = [&report](const char* name, int times) {
     if (times > 0) report.met[name] += static_cast<std::uint64_t>(times);
   };
+  add("machine slept", world.clocks.slept() > Time(0) ? 1 : 0);
+  add("wall clock was set", world.clocks.wasSet() ? 1 : 0);
+  add("signals after a grace that the machine slept through a part of", world.gracesSleptThrough);
+  add("locks given up after a wait that the machine slept through a part of", world.locksSleptThrough);
+  add("old Cores spared as young after the clock was set", world.sparedThoughOld);
+  add("young Cores killed as old after the clock was set", world.killedThoughYoung);
+  add("parts of a copy left after a disturbance", world.partsLeft);
+  add("moves that told of a part of a copy after a disturbance", world.partsTold);
+  add("whole copies in the Trash only, after a disturbance", world.onlyInTrash ? 1 : 0);
   add("signals too late", world.lateSignals);
   add("signals too late, to a stranger", world.strangersHit);
   add("last copy lost after a look at it failed", world.overlooked);

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "simulation/course_rules.hpp"
+
 namespace tamo::simulation::Referee {
 namespace {
 
@@ -12,6 +14,9 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr std::uint64_t microsPerSecond = 1'000'000;
+constexpr seconds graceTime(2);
+constexpr seconds reapTime(2);
+constexpr seconds spareTime(20);
 constexpr std::array<std::string_view, 3> markers{"core.db.revert.pending", "core.db.revert.partial",
                                                   "core.db.revert.partial.json"};
 
@@ -24,6 +29,21 @@ bool sawGone(const StopRecord& stop) {
   return !told || told->zombie || startOf(*told) != startOf(*stop.first.told);
 }
 
+/// The wait that a look belongs to: the grace, what follows the signal, or what follows the decision to spare.
+/// The decision cannot be seen where no marker is asked for.
+std::optional<Time> deadlineOf(const StopRecord& stop) {
+  if (stop.signalledAt) return *stop.signalledAt + reapTime;
+  if (stop.decidedAt) return *stop.decidedAt + spareTime;
+  return stop.homeKnown ? std::optional(stop.from.monotonic + graceTime) : std::nullopt;
+}
+
+/// One look may have begun before the deadline, and one is due after it.
+void judgeLookInTime(const Companion& companion, StopRecord& stop) {
+  const auto deadline = deadlineOf(stop);
+  if (deadline && companion.world.clocks.monotonicNow() >= *deadline) ++stop.lateLooks;
+  companion.expect(stop.lateLooks <= 2, Invariant::Waits, "it is looked on after the wait is over");
+}
+
 bool struck(const Companion& companion, Call call) {
   return companion.record.struck.test(static_cast<std::size_t>(call));
 }
@@ -33,6 +53,14 @@ bool markerExists(const Companion& companion) {
   return std::any_of(markers.begin(), markers.end(), [&](std::string_view marker) {
     return companion.world.files.exists(directory + std::string(marker));
   });
+}
+
+/// The clock that is set makes start times that are compared tell another age than the true one.
+void judgeAge(Companion& companion, const StopRecord& stop) {
+  if (!stop.younger || !stop.ownStartMicros) return;
+  auto& world = companion.world;
+  const bool told = *stop.ownStartMicros < startOf(*stop.first.told);
+  companion.expect(told == *stop.younger || world.clocks.wasSet(), Invariant::Spared, "another age was told");
 }
 
 /// Empty when nothing spoke for sparing the process, by what the companion was told.
@@ -71,6 +99,7 @@ void judgeTarget(Companion& companion, const StopRecord& stop) {
 /// The state of the files counts only when the companion had no way to miss it.
 void judgeReason(Companion& companion, const StopRecord& stop) {
   companion.expect(reasonTold(stop).empty(), Invariant::Spared, "a reason was told");
+  if (stop.younger.value_or(false) && stop.ownStartMicros) ++companion.world.killedThoughYoung;
   const bool sure = !struck(companion, Call::exists) && !struck(companion, Call::passwordEntry) &&
                     companion.record.slow == stop.last.slow;
   companion.expect(!sure || !markerExists(companion), Invariant::Spared, "a marker file is there");
@@ -84,11 +113,11 @@ std::string killText(const StopRecord& stop) {
 /// A watch ends before its time only when a look found the process gone, which the last one need not confirm.
 bool fits(const StopRecord& stop, const std::string& text, Time after) {
   const std::string end = sawGone(stop) ? "true)" : "false)";
-  if (stop.signals > 0) return text == killText(stop) && (stop.onceGone || after >= seconds(4));
+  if (stop.signals > 0) return text == killText(stop) && (stop.onceGone || after >= graceTime + reapTime);
   if (text == "exited") return sawGone(stop);
   if (text == "cancelled") return !sawGone(stop) && stop.failedAt.has_value();
   const auto reason = reasonTold(stop);
-  return !reason.empty() && (stop.onceGone || after >= seconds(22)) &&
+  return !reason.empty() && (stop.onceGone || after >= graceTime + spareTime) &&
          text == "spared(\"" + std::string(reason) + "\", gone: " + end;
 }
 
@@ -97,7 +126,34 @@ StopRecord* running(Companion& companion) {
   return stops.empty() || stops.back().ended ? nullptr : &stops.back();
 }
 
+/// Whether the process started after the companion, whatever their start times say; absent when it is gone.
+std::optional<bool> isYounger(const Companion& companion, const Look& look) {
+  auto& processes = companion.world.processes;
+  const auto* own = processes.find(companion.pid());
+  const auto* watched = processes.find(look.pid, startOf(*look.told));
+  if (own == nullptr || watched == nullptr) return std::nullopt;
+  return own->number < watched->number;
+}
+
 }  // namespace
+
+void asksForMarker(Companion& companion, std::string_view path, bool told) {
+  constexpr auto rule = Invariant::DataPlaces;
+  auto* stop = running(companion);
+  const bool due = stop != nullptr && !companion.onMain() && stop->homeKnown && !stop->markerTold &&
+                   stop->signals == 0 && stop->markersAsked < markers.size();
+  companion.expect(due, rule, "a marker is looked for out of turn");
+  if (!due) return;
+  const auto here = companion.dataDirectory() + std::string(markers[stop->markersAsked]);
+  companion.expect(path == here, rule, path);
+  const auto now = companion.world.clocks.monotonicNow();
+  companion.expect(now - stop->from.monotonic >= graceTime, rule,
+                   "a marker is looked for before the decision");
+  ++stop->markersAsked;
+  stop->markerTold = told;
+  stop->decidedAt = now;
+  stop->lateLooks = 0;
+}
 
 void looked(Companion& companion, std::int32_t pid, const std::optional<platform::ProcessInfo>& told) {
   auto& record = companion.record;
@@ -110,6 +166,7 @@ void looked(Companion& companion, std::int32_t pid, const std::optional<platform
     if (stop == nullptr) return;
     stop->last = look;
     stop->onceGone = stop->onceGone || sawGone(*stop);
+    judgeLookInTime(companion, *stop);
   } else if (pid == companion.pid()) {
     record.ownStartMicros = told ? std::optional(startOf(*told)) : std::nullopt;
   } else {
@@ -124,12 +181,23 @@ void watching(Companion& companion) {
                    "a watcher with nothing to watch");
   companion.note("watches ", found ? record.lastLook->pid : 0);
   record.stops.push_back({.first = record.lastLook.value_or(Look()),
-                          .from = companion.world.timeline.now(),
+                          .from = companion.world.clocks.now(),
                           .slowBefore = record.slow,
+                          .homeKnown = record.homeKnown,
                           .version = record.infoVersion,
                           .ownStartMicros = record.ownStartMicros,
+                          .younger = found ? isYounger(companion, *record.lastLook) : std::nullopt,
                           .last = {},
+                          .decidedAt = std::nullopt,
+                          .signalledAt = std::nullopt,
                           .failedAt = std::nullopt});
+  judgeAge(companion, record.stops.back());
+}
+
+void watchBegins(Companion& companion, std::size_t index) {
+  auto& stop = companion.record.stops[index];
+  stop.from = companion.world.clocks.now();
+  stop.slowBefore = companion.record.slow;
 }
 
 void signals(Companion& companion, std::int32_t target, bool toGroup) {
@@ -140,12 +208,17 @@ void signals(Companion& companion, std::int32_t target, bool toGroup) {
   ++stop->signals;
   stop->target = target;
   stop->toGroup = toGroup;
-  companion.expect(companion.world.timeline.now() - stop->from >= seconds(2), Invariant::Grace,
-                   "killed early");
+  const auto now = companion.world.clocks.now();
+  companion.expect(now.monotonic - stop->from.monotonic >= graceTime, Invariant::Grace, "killed early");
+  if (now.awake - stop->from.awake < graceTime) ++companion.world.gracesSleptThrough;
   companion.expect(!stop->failedAt || *stop->failedAt >= stop->last.at, Invariant::CalledOff,
                    "killed all the same");
   judgeTarget(companion, *stop);
   judgeReason(companion, *stop);
+  companion.expect(!stop->homeKnown || stop->markersAsked == markers.size(), Invariant::DataPlaces,
+                   "not every marker was looked for");
+  stop->signalledAt = now.monotonic;
+  stop->lateLooks = 0;
 }
 
 void stopFailed(Companion& companion) {
@@ -153,12 +226,24 @@ void stopFailed(Companion& companion) {
   if (!stops.empty() && !stops.back().noted) stops.back().failedAt = companion.world.timeline.now();
 }
 
+/// Who saw the Core's pid in the print looks at the process, and watches what is there.
+void asksToStop(Companion& companion) {
+  const auto& record = companion.record;
+  if (actionOf(companion) == "unregister" || !record.pidTold) return;
+  const bool looked = record.lastLook && record.lastLook->pid == *record.pidTold;
+  companion.expect(looked, Invariant::Watched, "a Core that was told of is not looked at");
+  const bool watches = record.stops.size() == record.stopsBeforePrint + 1;
+  companion.expect(!looked || !record.lastLook->told || watches, Invariant::Watched, "nothing is watched");
+}
+
 void watchEnded(Companion& companion, std::size_t index) {
   auto& stop = companion.record.stops[index];
   stop.ended = true;
-  const auto took = companion.world.timeline.now() - stop.from - (companion.record.slow - stop.slowBefore);
-  companion.expect(took <= seconds(22) + milliseconds(100), Invariant::Waits, "a hard stop beyond 22 s");
-  const bool reaps = stop.signals == 0 || took <= seconds(4) + milliseconds(100);
+  const auto took =
+      companion.world.timeline.now() - stop.from.awake - (companion.record.slow - stop.slowBefore);
+  companion.expect(took <= graceTime + spareTime + milliseconds(100), Invariant::Waits,
+                   "a hard stop beyond 22 s");
+  const bool reaps = stop.signals == 0 || took <= graceTime + reapTime + milliseconds(100);
   companion.expect(reaps, Invariant::Waits, "a kill beyond 4 s");
 }
 
@@ -170,10 +255,12 @@ void stopNoted(Companion& companion, const platform::LogLine& line) {
   auto& stop = stops.back();
   stop.noted = true;
   const auto& text = std::get<std::string>(line.arguments[1]);
-  const auto after = companion.world.timeline.now() - stop.from;
+  const auto after = companion.world.clocks.monotonicNow() - stop.from.monotonic;
   companion.expect(std::get<std::int64_t>(line.arguments[0]) == stop.first.pid, Invariant::StopNote,
                    "another pid");
   companion.expect(fits(stop, text, after), Invariant::StopNote, text);
+  const bool old = !stop.younger.value_or(true);
+  if (old && text.starts_with("spared(\"young_core\"")) ++companion.world.sparedThoughOld;
   companion.record.stopText = text + (stop.failedAt ? " stopFailed" : "");
 }
 

@@ -29,15 +29,25 @@ void print(World& world, const Tool& tool, std::string_view text) {
   if (found != world.descriptors.end()) world.files.append(found->second, text);
 }
 
+bool isPrint(const Tool& tool) {
+  return tool->launch.arguments.front() == "print";
+}
+
+/// Nothing is printed of a job that is not loaded.
+void answer(World& world, const Tool& tool) {
+  if (!world.job.loaded) return;
+  print(world, tool, jobPrint(world.job.definition, world.job.corePid()));
+}
+
 void printJob(World& world, const Tool& tool) {
   if (!world.job.loaded) return end(world, tool, 113);
-  print(world, tool, jobPrint(world.job.definition, world.job.corePid()));
+  answer(world, tool);
   end(world, tool, 0);
 }
 
 void launchctl(World& world, const Tool& tool) {
   const auto& arguments = tool->launch.arguments;
-  if (arguments.front() == "print") return printJob(world, tool);
+  if (isPrint(tool)) return printJob(world, tool);
   const bool kill = arguments[1] == "-k";
   world.job.kickstart(kill, [&world, tool](std::int32_t status) {
     world.timeline.after(world.dice.between(Time(0), milliseconds(5)),
@@ -151,6 +161,8 @@ void begin(World& world, const Tool& tool, Way trouble) {
   constexpr std::array<std::int32_t, 3> signals{6, 9, 15};
   auto& dice = world.dice;
   const bool onlyLaunchctl = trouble == Way::Garbage || trouble == Way::Hangs;
+  // A launchctl may have answered before it goes wrong.
+  if (trouble != Way::None && isPrint(tool) && dice.chance(200)) answer(world, tool);
   switch (onlyLaunchctl && tool->launch.path != "/bin/launchctl" ? Way::None : trouble) {
     case Way::Slow:
       return workAfter(world, tool, dice.between(milliseconds(100), seconds(7)));
@@ -176,6 +188,11 @@ void begin(World& world, const Tool& tool, Way trouble) {
     case Way::Part:
     case Way::Cancelled:
       return failInPart(world, tool, trouble);
+    case Way::Answered:
+      answer(world, tool);
+      return failAfter(world, tool, 1);
+    case Way::AnsweredHangs:
+      return answer(world, tool);
     case Way::Hangs:
       return;
     case Way::None:

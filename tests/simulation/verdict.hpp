@@ -33,11 +33,19 @@ namespace tamo::simulation {
   INVARIANT(Ends, "every companion comes to an end")                                                      \
   INVARIANT(Requested, "the last request within the 0.4 seconds is carried out")                          \
   INVARIANT(Leftovers, "no print file is left behind")                                                    \
+  INVARIANT(Watched, "a stop request is watched when the Core was told of and is there")                  \
+  INVARIANT(DataPlaces, "markers and sockets are looked for where the configuration has the data")        \
+  INVARIANT(Settings, "the login-items settings are opened once where approval is needed, or never")      \
+  INVARIANT(Tools, "a tool is started when it is due, with its own words and streams")                    \
+  INVARIANT(Files, "no file is looked at or changed that the action does not ask for")                    \
   INVARIANT(Repeats, "a seed gives the same run each time")
 
 #define TAMO_INVARIANT_NAME(name, sentence) name,
 enum class Invariant : std::size_t { TAMO_INVARIANTS(TAMO_INVARIANT_NAME) };
 #undef TAMO_INVARIANT_NAME
+#define TAMO_INVARIANT_ONE(name, sentence) +1
+inline constexpr std::size_t invariantCount = 0 TAMO_INVARIANTS(TAMO_INVARIANT_ONE);
+#undef TAMO_INVARIANT_ONE
 [[nodiscard]] std::string_view nameOf(Invariant invariant);
 [[nodiscard]] std::string_view sentenceOf(Invariant invariant);
 

@@ -19,13 +19,14 @@ std::string joined(std::string_view left, std::string_view middle, std::string_v
 
 World::World(Timeline& time, const Dice& thrown, Plant plant, bool traced)
     : timeline(time),
+      clocks(time),
       planted(plant),
       dice(thrown),
       trace(traced),
       verdict(trace),
       faults(dice),
       processes(dice),
-      job({.timeline = timeline, .dice = dice, .processes = processes, .trace = trace}) {}
+      job({.timeline = timeline, .clocks = clocks, .dice = dice, .processes = processes, .trace = trace}) {}
 
 World::~World() = default;
 
@@ -53,6 +54,18 @@ int World::wholeCopies(bool withTrash) const {
     if (counts && app != Places::translocated && isWhole(app)) ++found;
   }
   return found;
+}
+
+void World::sleepMachine(Time duration) {
+  const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(duration).count();
+  trace.note(timeline.now(), "machine", "sleeps for ", millis, " ms");
+  clocks.sleep(duration);
+}
+
+void World::setWallClock(Time by) {
+  const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(by).count();
+  trace.note(timeline.now(), "somebody", "sets the wall clock by ", millis, " ms");
+  clocks.setWall(by);
 }
 
 }  // namespace tamo::simulation

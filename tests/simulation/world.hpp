@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "simulation/clocks.hpp"
 #include "simulation/core_job.hpp"
 #include "simulation/dice.hpp"
 #include "simulation/faults.hpp"
@@ -54,6 +55,7 @@ struct World {
   ~World();
 
   Timeline& timeline;
+  Clocks clocks;
   const Plant planted;
   Dice dice;
   Trace trace;
@@ -80,20 +82,33 @@ struct World {
   int trashedItems = 0;
   Companion* lockHolder = nullptr;
   std::map<int, Companion*> lockDescriptors;
-  Time wallOffset{0};
-  /// How much the wall clock was set back in all.
-  Time setBack{0};
+  /// The call, of all companions together, at which the machine sleeps, and for how long. 0: at none.
+  std::uint64_t sleepsAtCall = 0;
+  Time sleepsFor{0};
+  std::uint64_t calls = 0;
   /// When the last companion so far ended.
   Time lastEnd{0};
   /// Something cut a copy short or left the rest of one: a mover was killed, could not clean up, or went
   /// without the lock.
   bool copiesDisturbed = false;
+  /// What is not judged in a run that was so disturbed: a part of a copy that is left in the end, or after a move that
+  /// told how it went; and a time at which the only whole copies were in the Trash.
+  int partsLeft = 0;
+  int partsTold = 0;
+  bool onlyInTrash = false;
   int copiesAtFirst = 0;
   /// Signals that came too late: a slow call lay between the last look and the signal, and the process had
   /// changed meanwhile.
   int lateSignals = 0;
   /// Those of them that hit another process under the old pid.
   int strangersHit = 0;
+  /// Cores killed after a grace of which the machine slept through a part, and locks given up after such a
+  /// wait: the clock went on, and whoever was waited for stood still.
+  int gracesSleptThrough = 0;
+  int locksSleptThrough = 0;
+  /// Cores that a clock which was set made look younger or older than they are.
+  int sparedThoughOld = 0;
+  int killedThoughYoung = 0;
   /// Losses of the last copy because a look at the destination failed.
   int overlooked = 0;
 
@@ -103,7 +118,8 @@ struct World {
                  std::size_t definition);
   /// Whole release copies, in the Trash or elsewhere.
   [[nodiscard]] int wholeCopies(bool withTrash) const;
-  [[nodiscard]] Time wallNow() const { return timeline.now() + wallOffset; }
+  void sleepMachine(Time duration);
+  void setWallClock(Time by);
 };
 
 /// Puts copies, files, the agent, applications and coming events into an empty world, as the dice say.
