@@ -21,7 +21,8 @@ constexpr std::string_view homelessResult =
     "/var/empty/Library/Containers/studio.pell.Tamo/Data/Library/Application "
     "Support/Tamo/move-to-applications.json";
 constexpr std::string_view lockFile = "/tmp/u/studio.pell.tamo.core.job.lock";
-constexpr std::string_view marker = "/Users/u/Library/Application Support/Tamo/core.db.revert.pending";
+constexpr std::array markers{"/Users/u/Library/Application Support/Tamo/core.db.revert.pending",
+                             "/Users/proof/Library/Application Support/Tamo/core.db.revert.pending"};
 
 bool within(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (folder.ends_with('/') || path.substr(folder.size()).starts_with('/'));
@@ -70,8 +71,8 @@ bool isWholeResult(std::string_view bytes) {
 }
 
 std::string wrongWith(const World& world, const std::string& path, const std::string& bytes) {
-  if (belongsToCopy(path) || path == lockFile || path == marker || isPrintOfTheHindered(world, path))
-    return "";
+  const bool isMarker = std::find(markers.begin(), markers.end(), path) != markers.end();
+  if (belongsToCopy(path) || path == lockFile || isMarker || isPrintOfTheHindered(world, path)) return "";
   if (path == homelessResult && !knewHome(world)) return "";
   if (path == moveResult)
     return isWholeResult(bytes) ? "" : "a result of a move that cannot be read: " + bytes;

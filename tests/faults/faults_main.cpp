@@ -6,6 +6,7 @@
 
 #include "faults/outcomes.hpp"
 #include "faults/sweep.hpp"
+#include "faults/take_check.hpp"
 
 namespace {
 
@@ -23,6 +24,10 @@ int playOne(const char* words) {
     return 2;
   }
   Player player;
+  if (const auto why = whyNotPlayed(player, *take); !why.empty()) {
+    std::fprintf(stderr, "not played: %s\n", why.c_str());
+    return 2;
+  }
   const auto played = player.play(*take, {.traced = true});
   std::fputs(played.trace.c_str(), stdout);
   std::printf("told: %s\nleft: %s\n", played.told.c_str(), played.left.c_str());

@@ -1,10 +1,13 @@
 #include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
 #include <set>
 #include <sstream>
 
 #include "faults/outcomes.hpp"
 #include "faults/sweep.hpp"
+#include "faults/take_check.hpp"
 
 /// Every call of every action made to fail, and the companion killed at every one. The build says how many of
 /// these its check can bear; `./faults` plays them all.
@@ -111,9 +114,51 @@ TEST(TakeNameTest, ATakeIsReadBackFromItsName) {
   }
 }
 
+std::string whyNot(const std::string& words) {
+  Player player;
+  const auto take = takeNamed(words);
+  return take ? whyNotPlayed(player, *take) : "no take";
+}
+
+/// The calls of a restart that nothing disturbs are 67; the 16th starts a print, and the 41st the kickstart, which a
+/// print that is torn makes the 43rd.
+TEST(TakeCheckTest, AFaultThatTheCallCannotHaveIsToldOf) {
+  EXPECT_EQ(whyNot("restart switch 16:Torn"), "");
+  EXPECT_EQ(whyNot("restart switch 1:Fails"), "call 1, becomeAccessory, has no way to fail");
+  EXPECT_EQ(whyNot("restart switch 36:Torn"), "call 36, processInfo core, fails only so: Fails");
+}
+
+TEST(TakeCheckTest, AFaultThatIsNotReachedIsToldOf) {
+  EXPECT_EQ(whyNot("restart switch 500:Fails"), "there is no call 500: the run has 67");
+  EXPECT_EQ(whyNot("restart switch 0:Fails"), "there is no call 0: the run has 67");
+  EXPECT_EQ(whyNot("restart switch 43:Exits 16:Torn"), "");
+  EXPECT_EQ(whyNot("restart switch 16:Torn 16:Exits"), "a call has two faults");
+  EXPECT_EQ(whyNot("restart switch 41:Exits before 20"), "not every fault is reached before the death");
+}
+
+TEST(TakeCheckTest, ADeathThatIsNotReachedIsToldOf) {
+  EXPECT_EQ(whyNot("restart switch before 67"), "");
+  EXPECT_EQ(whyNot("restart switch before 68"), "the death is not reached");
+  EXPECT_EQ(whyNot("restart switch at 3600000"), "the death is not reached");
+}
+
+/// What a reader is shown has to be a take, and one of which everything happens.
+TEST(TakeCheckTest, TheExamplesThatAreToldOfArePlayed) {
+  const std::regex example("faults play '([^']+)'");
+  for (const auto* name : {"/faults", "/docs/proof.md"}) {
+    std::ifstream file(TAMO_SOURCE_DIR + std::string(name));
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    std::sregex_iterator found(text.begin(), text.end(), example);
+    ASSERT_NE(found, std::sregex_iterator()) << name;
+    for (; found != std::sregex_iterator(); ++found)
+      EXPECT_EQ(whyNot((*found)[1]), "") << name;
+  }
+}
+
 TEST(TakeNameTest, OtherWordsAreNoTake) {
   for (const auto* name : {"", "restart", "restart fax", "bogus url", "restart url 5", "restart url x:Torn",
-                           "restart url 5:Worn", "restart url before", "restart url before x"}) {
+                           "restart url 5:Worn", "restart url before", "restart url before x",
+                           "restart url again", "restart url tools-die", "restart url before 5 then x"}) {
     EXPECT_FALSE(takeNamed(name)) << name;
   }
 }

@@ -24,7 +24,7 @@ std::vector<Scene> agentScenes() {
       {.name = "reseat-new", .action = "reseat", .status = 0, .loaded = false, .coreRuns = false},
       {.name = "restart", .action = "restart"},
       {.name = "restart-ignored", .action = "restart", .coreIgnoresStops = true},
-      {.name = "restart-spared", .action = "restart", .coreIgnoresStops = true, .marker = true},
+      {.name = "restart-spared", .action = "restart", .coreIgnoresStops = true, .markerIn = Places::home},
       {.name = "restart-changed", .action = "restart", .definition = 1},
       {.name = "restart-unloaded", .action = "restart", .loaded = false, .coreRuns = false},
       {.name = "restart-new", .action = "restart", .status = 0, .loaded = false, .coreRuns = false},
@@ -40,6 +40,19 @@ std::vector<Scene> agentScenes() {
       {.name = "status", .action = "status"},
       {.name = "unknown", .action = unknownAction},
       {.name = "refused", .action = "restart", .copy = Places::downloaded, .installed = "41"},
+      {.name = "proof-restart-ignored",
+       .action = "restart",
+       .copy = Places::downloaded,
+       .coreIgnoresStops = true,
+       .markerIn = Places::home,
+       .proofHome = true},
+      {.name = "proof-restart-spared",
+       .action = "restart",
+       .copy = Places::downloaded,
+       .coreIgnoresStops = true,
+       .markerIn = Places::proofHome,
+       .proofHome = true},
+      {.name = "proof-register", .action = "register", .copy = Places::downloaded, .proofHome = true},
       {.name = "status-elsewhere", .action = "status", .copy = Places::downloaded, .installed = "41"},
   };
 }
@@ -105,9 +118,9 @@ void furnish(World& world, const Scene& scene) {
   world.copiesAtFirst = world.wholeCopies(false);
   world.applicationsWritable = scene.applicationsWritable;
   world.administrator = scene.administrator;
-  if (scene.marker)
-    world.files.write(std::string(Places::home) + std::string(Places::dataInHome) + "core.db.revert.pending",
-                      "");
+  if (!scene.markerIn.empty())
+    world.files.write(
+        std::string(scene.markerIn) + std::string(Places::dataInHome) + "core.db.revert.pending", "");
   auto& job = world.job;
   job.status = scene.status;
   job.loaded = scene.loaded;
@@ -124,6 +137,7 @@ CompanionPlan planOf(const Scene& scene, By by, std::string_view action, std::st
   plan.copy = scene.copy;
   plan.arguments.emplace_back("Tamo Core");
   plan.writesReceipts = by == By::Switch;
+  plan.proofHome = scene.proofHome;
   plan.exitsInTerminate = by == By::Switch;
   if (action.empty()) return plan;
   const std::string asked(action);

@@ -32,8 +32,10 @@ struct Scene {
   bool coreRuns = true;
   bool coreIgnoresStops = false;
   bool approvalWithheld = false;
-  /// A revert is going on.
-  bool marker = false;
+  /// The home in whose data a marker tells that a revert is going on; empty: there is none.
+  std::string_view markerIn = {};
+  /// Whether the companion is of the build that has another home.
+  bool proofHome = false;
   bool applicationsWritable = true;
   /// How the administrator's prompt is answered: 0 closed, 1 refused, 2 allowed.
   std::uint64_t administrator = 2;

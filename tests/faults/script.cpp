@@ -7,8 +7,8 @@ namespace {
 
 std::vector<Way> waysOfTool(std::string_view work) {
   if (work == "print") {
-    return {Way::Fails, Way::Exits, Way::NotLoaded, Way::Signalled, Way::Hangs,
-            Way::Late,  Way::Empty, Way::Garbage,   Way::Binary,    Way::Torn};
+    return {Way::Fails, Way::Exits, Way::NotLoaded, Way::Signalled, Way::Answered, Way::AnsweredHangs,
+            Way::Hangs, Way::Late,  Way::Empty,     Way::Garbage,   Way::Binary,   Way::Torn};
   }
   if (work == "kickstart") {
     return {Way::Fails, Way::Exits, Way::NotLoaded, Way::Signalled, Way::Hangs, Way::Late, Way::Idle};

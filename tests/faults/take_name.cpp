@@ -77,6 +77,7 @@ bool understood(Take& take, const std::string& word, std::istream& rest) {
     std::string action;
     rest >> action;
     take.sequel.last = actionNamed(action);
+    return !take.sequel.last.empty();
   } else {
     take.death = deathNamed(word, rest);
     return take.death.has_value();
@@ -108,6 +109,10 @@ std::optional<Take> takeNamed(std::string_view words) {
   for (std::string word; rest >> word;) {
     if (!understood(take, word, rest)) return std::nullopt;
   }
+  // What follows a death means nothing without one.
+  const auto& sequel = take.sequel;
+  const bool follows = sequel.toolsDieToo || sequel.again || !sequel.last.empty();
+  if (follows && !take.death) return std::nullopt;
   return take;
 }
 
