@@ -9,10 +9,23 @@ namespace {
 
 constexpr std::uint64_t tickMicros = 10'000;
 
-}  // namespace
+class Ageless final : public platform::KernelProcesses {
+ public:
+  [[nodiscard]] std::optional<platform::ProcessInfo> info(std::int32_t pid) const override {
+    auto told = stage_.info(pid);
+    if (told) told->startSeconds = told->startMicroseconds = 0;
+    return told;
+  }
+  [[nodiscard]] std::int32_t ownPid() const override { return stage_.ownPid(); }
+  [[nodiscard]] std::int32_t ownGroup() const override { return stage_.ownGroup(); }
+  void kill(std::int32_t /*pid*/) override {}
+  void killGroup(std::int32_t /*group*/) override {}
 
-void reusePids(Tally& tally, int times) {
-  const stage::StageKernelProcesses processes;
+ private:
+  stage::StageKernelProcesses stage_;
+};
+
+void reusePids(Tally& tally, const platform::KernelProcesses& processes, int times) {
   for (int i = 0; i < times; ++i) {
     auto first = Bystander::start({});
     const auto pid = first->pid();
@@ -30,6 +43,16 @@ void reusePids(Tally& tally, int times) {
     if (HardStop::alive(*before, after))
       tally.wrong("a stranger with the same pid is taken for the first process");
   }
+}
+
+}  // namespace
+
+void reusePids(Tally& tally, int times) {
+  reusePids(tally, stage::StageKernelProcesses(), times);
+}
+
+void identityCanary(Tally& tally) {
+  reusePids(tally, Ageless(), 20);
 }
 
 }  // namespace tamo::soak

@@ -27,6 +27,11 @@ int endTools(pid_t companion) {
   return ended;
 }
 
+std::string textOf(Destination destination) {
+  const std::string texts[] = {"absent", "whole", "still of the old build", "unfinished"};
+  return texts[static_cast<std::size_t>(destination)];
+}
+
 }  // namespace
 
 void MoveRounds::endTamos() const {
@@ -42,7 +47,7 @@ void MoveRounds::reset(bool replaces) {
   stage_.place({.where = "downloaded", .build = "5000", .quarantined = true});
   if (replaces) stage_.install("4999");
   downloaded_ = stage_.tree(downloadedPath);
-  older_ = replaces ? stage_.tree(installedPath) : scenario::Tree();
+  older_ = replaces ? std::optional(stage_.tree(installedPath)) : std::nullopt;
 }
 
 /// Half of the moments are in the copy itself: soon after the destination has appeared with something in it.
@@ -97,27 +102,24 @@ bool MoveRounds::keptSomewhere(const scenario::Tree& tree) const {
 
 void MoveRounds::judgeLoss(const std::string& round) {
   if (!keptSomewhere(downloaded_)) tally_.wrong(round + ": the moved copy is lost");
-  if (!older_.empty() && !keptSomewhere(older_)) tally_.wrong(round + ": the replaced copy is lost");
+  if (older_ && !keptSomewhere(*older_)) tally_.wrong(round + ": the replaced copy is lost");
+}
+
+Destination MoveRounds::destination() const {
+  const bool there = stage_.exists(installedPath);
+  return destinationOf(there ? std::optional(stage_.tree(installedPath)) : std::nullopt, downloaded_, older_);
 }
 
 void MoveRounds::moveAgain(const std::string& round, Victim victim) {
-  const auto unfinished = [&] {
-    const auto tree = stage_.tree(installedPath);
-    return stage_.exists(installedPath) && tree != downloaded_ && tree != older_;
-  };
-  const bool before = unfinished();
-  tally_.count(before                          ? "destinations unfinished after a disturbed move"
-               : !stage_.exists(installedPath) ? "destinations absent after a disturbed move"
-               : stage_.tree(installedPath) == downloaded_
-                   ? "destinations whole after a disturbed move"
-                   : "destinations still of the old build after a disturbed move");
-  if (before && victim != Victim::Both) tally_.wrong(round + ": the destination is unfinished");
+  const auto before = destination();
+  const bool unfinished = before == Destination::Unfinished;
+  tally_.count("destinations " + textOf(before) + " after a disturbed move");
+  if (unfinished && victim != Victim::Both) tally_.wrong(round + ": the destination is unfinished");
   if (stage_.exists(downloadedPath)) finish(stage_.startMove(), round);
   waitForQuiet();
   judgeLoss(round);
-  if (stage_.tree(installedPath) == downloaded_)
-    return tally_.count("destinations whole after the second move");
-  if (before)
+  if (destination() == Destination::Whole) return tally_.count("destinations whole after the second move");
+  if (unfinished)
     return tally_.count("destinations unfinished after the second move, companion and tool both killed");
   tally_.wrong(round + ": after the second move the destination is not whole, " + stage_.result());
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "scenario/move_stage.hpp"
 #include "soak/chance.hpp"
+#include "soak/destination.hpp"
 #include "soak/tally.hpp"
 
 namespace tamo::soak {
@@ -29,13 +31,15 @@ class MoveRounds {
   void finish(const scenario::Started& companion, const std::string& round);
   [[nodiscard]] bool keptSomewhere(const scenario::Tree& tree) const;
   void judgeLoss(const std::string& round);
+  [[nodiscard]] Destination destination() const;
   void moveAgain(const std::string& round, Victim victim);
 
   Tally& tally_;
   Chance& chance_;
   const scenario::MoveStage stage_;
   scenario::Tree downloaded_;
-  scenario::Tree older_;
+  /// What was to be replaced; absent when nothing was.
+  std::optional<scenario::Tree> older_;
 };
 
 }  // namespace tamo::soak

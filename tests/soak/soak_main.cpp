@@ -97,6 +97,9 @@ int playCanaries(const Order& order, const std::string& file) {
        [](Lane& lane) { MoveRounds(lane.tally, lane.chance).canary(); }},
       {"a stranger that is hit", "a stranger with the Core's pid was killed",
        [](Lane& lane) { StopRounds(lane.tally, lane.chance).canary(); }},
+      {"a Core that is hit", "the Core was hit", [](Lane& lane) { toolCanary(lane.tally); }},
+      {"a look that knows no start times", "is taken for the first process",
+       [](Lane& lane) { identityCanary(lane.tally); }},
   };
   int missed = 0;
   for (const auto& canary : canaries) {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "soak/bystander.hpp"
+#include "soak/destination.hpp"
 #include "soak/overlaps.hpp"
 #include "soak/stop_rounds.hpp"
 #include "soak/tally.hpp"
@@ -58,6 +59,23 @@ TEST(SignalsTest, OnlyTheKillThatWasReportedIsRight) {
         Case{"killedProcess(9, gone: true)", {request}, false},
         Case{"killedProcess(9, gone: true)", {group}, false}})
     EXPECT_EQ(wrongInSignals(outcome, 9, sent).empty(), right) << outcome;
+}
+
+TEST(DestinationTest, OnlyAWholeTreeIsACopy) {
+  const scenario::Tree moved{{"Contents", "folder"}, {"Contents/a", "5000"}};
+  const scenario::Tree older{{"Contents", "folder"}, {"Contents/a", "4999"}};
+  const scenario::Tree part{{"Contents", "folder"}};
+  EXPECT_EQ(destinationOf(std::nullopt, moved, older), Destination::Absent);
+  EXPECT_EQ(destinationOf(moved, moved, older), Destination::Whole);
+  EXPECT_EQ(destinationOf(older, moved, older), Destination::Old);
+  EXPECT_EQ(destinationOf(part, moved, older), Destination::Unfinished);
+}
+
+/// A tool that is killed early leaves the folder with nothing in it, which was taken for the old build's tree.
+TEST(DestinationTest, AnEmptyFolderIsUnfinishedWhereNothingWasToBeReplaced) {
+  EXPECT_EQ(destinationOf(scenario::Tree(), {{"a", "5000"}}, std::nullopt), Destination::Unfinished);
+  EXPECT_EQ(destinationOf(scenario::Tree(), {{"a", "5000"}}, scenario::Tree{{"a", "4999"}}),
+            Destination::Unfinished);
 }
 
 TEST(BystanderTest, WhateverIsDoneToItShows) {

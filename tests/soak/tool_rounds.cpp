@@ -176,12 +176,13 @@ std::string astray(const std::vector<Sent>& sent, pid_t companion, pid_t core) {
   return "";
 }
 
-void play(Tally& tally, const Case& one, const scenario::Stage& stage) {
+void play(Tally& tally, const Case& one, const scenario::Stage& stage, bool hitsCore = false) {
   const auto name = one.tool + ", " + one.fault + ", " + one.action;
   const auto& root = stage.root();
   const auto core = one.action == moving ? 0 : stage.corePid();
   root.set("tool-" + one.tool, one.fault);
   Witness witness(companion(root, one));
+  if (hitsCore) ::kill(core, SIGKILL);
   if (one.endedByHarness && !witness.serveUntil(witness.begun() + milliseconds(2000))) endTools(root);
   const auto pid = witness.pid();
   const auto ended = witness.finish(one.bound + milliseconds(5000));
@@ -220,6 +221,12 @@ void playTool(Tally& tally, std::size_t number) {
   for (const auto& process : stage::processesOfStage(stage.root().directory()))
     if (process.command.ends_with("/MacOS/Tamo")) ::kill(process.pid, SIGKILL);
   fs::permissions(folder, fs::perms::owner_all);
+}
+
+void toolCanary(Tally& tally) {
+  const Case one{
+      .tool = "launchctl", .fault = "print die 11", .action = "sync", .answer = "", .keepsCore = true};
+  play(tally, one, scenario::Stage({.core = "term=obey"}), true);
 }
 
 }  // namespace tamo::soak

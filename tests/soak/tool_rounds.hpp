@@ -14,4 +14,7 @@ void playTool(Tally& tally, std::size_t number);
 
 [[nodiscard]] std::size_t toolCases();
 
+/// Somebody hits the Core behind the companion's back while a tool misbehaves; that has to be counted.
+void toolCanary(Tally& tally);
+
 }  // namespace tamo::soak
