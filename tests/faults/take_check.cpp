@@ -38,7 +38,7 @@ bool sameCall(const Fault& left, const Fault& right) {
 /// A fault changes what follows it, so each is asked for in a run that has the ones before it.
 std::string whyNotPlayed(Player& player, const Take& take) {
   auto faults = take.faults;
-  std::ranges::stable_sort(faults, {}, &Fault::call);
+  std::ranges::sort(faults, {}, &Fault::call);
   if (std::ranges::adjacent_find(faults, sameCall) != faults.end()) return "a call has two faults";
   Take before{.scene = take.scene, .by = take.by};
   for (const auto& fault : faults) {

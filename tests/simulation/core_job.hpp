@@ -9,6 +9,7 @@
 
 #include "platform/error.hpp"
 #include "simulation/clocks.hpp"
+#include "simulation/job_texts.hpp"
 #include "simulation/process_table.hpp"
 #include "simulation/timeline.hpp"
 #include "simulation/trace.hpp"
@@ -35,6 +36,7 @@ class CoreJob {
   std::size_t definition = 0;
   /// Whether a registration waits for the user's approval.
   bool approvalWithheld = false;
+  PrintForm printForm = PrintForm::Plain;
   /// Whether no Core stops by itself when it is asked to.
   bool coresIgnoreStops = false;
 

@@ -9,6 +9,11 @@ constexpr std::string_view listBegin =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\"><dict>";
 constexpr std::string_view listEnd = "</dict></plist>\n";
 
+constexpr std::string_view managedBlock =
+    "\tLWCR = {\n\t\t\"reqs\" => {\n\t\t\t\"cdhash\" => {\n\t\t\t\t\"$in\" => [\n\t\t\t\t\t0 = "
+    "\t\t\t\t]\n\t\t\t}\n"
+    "\t\t}\n\t\t\"vers\" => 1\n\t}\n\n";
+
 std::string entry(std::string_view key, std::string_view value) {
   return "<key>" + std::string(key) + "</key>" + std::string(value);
 }
@@ -74,15 +79,7 @@ std::optional<std::string> valueOf(std::string_view key, std::string_view infoPl
   return std::string(value.substr(0, value.find('<')));
 }
 
-namespace {
-
-/// The newest systems print a launch constraint between the environment and what the readers look for.
-constexpr std::string_view constraint =
-    "\tLWCR = {\n\t\t\"reqs\" => {\n\t\t\t\"team-identifier\" => \"A\"\n\t\t}\n\t\t\"vers\" => 1\n\t}\n\n";
-
-}  // namespace
-
-std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid) {
+std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid, PrintForm form) {
   const auto& job = jobDefinitions()[definition];
   std::string print = "gui/501/studio.pell.tamo.core = {\n\tactive count = 1\n\ttype = LaunchAgent\n";
   print += pid ? "\tstate = running\n" : "\tstate = not running\n";
@@ -90,22 +87,24 @@ std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid) {
   for (const auto& argument : job.arguments)
     print += "\t\t" + argument + "\n";
   print += "\t}\n\n\tdefault environment = {\n\t\tPATH => /usr/bin:/bin\n\t}\n\n";
-  // Every other definition is printed as older systems do.
-  if (definition % 2 == 0) print += constraint;
+  if (form == PrintForm::Managed) print += managedBlock;
   print += "\tminimum runtime = 10\n";
   if (job.exitTimeout) print += "\texit timeout = " + std::to_string(*job.exitTimeout) + "\n";
   if (pid) print += "\tpid = " + std::to_string(*pid) + "\n";
   return print + "\tendpoints = {\n\t\t\"studio.pell.tamo.core\" = {\n\t\t\tport = 0x907\n\t\t}\n\t}\n}\n";
 }
 
-std::optional<std::int32_t> pidIn(std::string_view print) {
+std::optional<PrintTold> toldBy(std::string_view print) {
   constexpr std::string_view opening = "\tpid = ";
   const auto found = print.find(opening);
-  if (found == std::string_view::npos) return std::nullopt;
-  std::int32_t pid = 0;
-  std::from_chars(print.data() + found + opening.size(), print.data() + print.size(), pid);
-  for (std::size_t definition = 0; definition < jobDefinitions().size(); ++definition) {
-    if (jobPrint(definition, pid) == print) return pid;
+  PrintTold told;
+  if (found != std::string_view::npos) {
+    told.pid = 0;
+    std::from_chars(print.data() + found + opening.size(), print.data() + print.size(), *told.pid);
+  }
+  for (; told.definition < jobDefinitions().size(); ++told.definition) {
+    for (const auto form : {PrintForm::Plain, PrintForm::Managed})
+      if (jobPrint(told.definition, told.pid, form) == print) return told;
   }
   return std::nullopt;
 }

@@ -25,9 +25,17 @@ struct JobDefinition {
 /// The text after a key of an Info.plist of the form above; absent when there is none.
 [[nodiscard]] std::optional<std::string> valueOf(std::string_view key, std::string_view infoPlist);
 
+/// The form of launchctl's print: newer systems have blocks that open with `=> {` before the exit timeout and the pid.
+enum class PrintForm { Plain, Managed };
+
 /// The print of the loaded job; `pid` is its process's.
-[[nodiscard]] std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid);
-/// The pid in a print of the form above; absent for any other text.
-[[nodiscard]] std::optional<std::int32_t> pidIn(std::string_view print);
+[[nodiscard]] std::string jobPrint(std::size_t definition, std::optional<std::int32_t> pid,
+                                   PrintForm form = PrintForm::Plain);
+struct PrintTold {
+  std::size_t definition = 0;
+  std::optional<std::int32_t> pid;
+};
+/// What a whole print of either form tells; absent for any other text.
+[[nodiscard]] std::optional<PrintTold> toldBy(std::string_view print);
 
 }  // namespace tamo::simulation

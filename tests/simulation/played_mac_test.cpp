@@ -111,12 +111,17 @@ TEST(JobTextsTest, TheTextsAreReadAsTheDefinitionsThatTheyTell) {
   }
 }
 
-TEST(JobTextsTest, OnlyAWholePrintTellsThePid) {
-  const auto print = jobPrint(1, 100);
-  EXPECT_EQ(pidIn(print), 100);
-  EXPECT_EQ(pidIn(jobPrint(1, std::nullopt)), std::nullopt);
-  EXPECT_EQ(pidIn(print.substr(0, print.size() - 1)), std::nullopt);
-  EXPECT_EQ(pidIn("\tpid = 100\n"), std::nullopt);
+TEST(JobTextsTest, OnlyAWholePrintTellsSomething) {
+  for (const auto form : {PrintForm::Plain, PrintForm::Managed}) {
+    const auto print = jobPrint(1, 100, form);
+    ASSERT_TRUE(toldBy(print));
+    EXPECT_EQ(toldBy(print)->definition, 1U);
+    EXPECT_EQ(toldBy(print)->pid, 100);
+    EXPECT_FALSE(toldBy(print.substr(0, print.size() - 1)));
+  }
+  ASSERT_TRUE(toldBy(jobPrint(2, std::nullopt)));
+  EXPECT_FALSE(toldBy(jobPrint(2, std::nullopt))->pid);
+  EXPECT_FALSE(toldBy("\tpid = 100\n"));
 }
 
 TEST(JobTextsTest, AnInfoListGivesItsValuesBack) {

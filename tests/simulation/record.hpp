@@ -12,6 +12,7 @@
 #include "platform/log.hpp"
 #include "simulation/clocks.hpp"
 #include "simulation/faults.hpp"
+#include "simulation/job_texts.hpp"
 
 namespace tamo::simulation {
 
@@ -110,8 +111,8 @@ struct Record {
   std::optional<std::string> originalTold;
   std::size_t socketsTried = 0;
   bool socketAnswered = false;
-  /// The pid in the last print of the job, when the print came as launchctl makes it.
-  std::optional<std::int32_t> pidTold;
+  /// What the last print of the job told, when it came as launchctl makes it.
+  std::optional<PrintTold> print;
   /// How many hard stops there had been by then.
   std::size_t stopsBeforePrint = 0;
 

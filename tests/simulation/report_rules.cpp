@@ -77,20 +77,33 @@ void judgeOutcome(Companion& companion, const LogLine& line) {
   companion.expect(text(line, 5) == (error ? " " + error->description() : ""), rule, text(line, 5));
 }
 
-/// The line of a comparison has to agree with itself, and its bundled side with what was read of the bundle.
+/// Whether a side of a comparison is told as the definition is.
+bool tells(const LogLine& line, std::size_t side, const JobDefinition& definition) {
+  std::string arguments;
+  for (const auto& argument : definition.arguments)
+    arguments += (arguments.empty() ? "" : " ") + argument;
+  const auto timeout = definition.exitTimeout ? std::to_string(*definition.exitTimeout) : "-";
+  return text(line, side) == arguments && text(line, side + 1) == timeout;
+}
+
+/// The line of a comparison has to agree with itself, and its sides with what was read of the bundle and of a print that
+/// succeeded.
 void judgeDefinition(Companion& companion, const LogLine& line) {
   const bool known = text(line, 0) != "unknown" && text(line, 2) != "unknown";
   const bool timed = text(line, 1) != "-" && text(line, 3) != "-";
   const bool differs = text(line, 0) != text(line, 2) || (timed && text(line, 1) != text(line, 3));
   const bool changed = std::get<bool>(line.arguments[4]);
+  auto& record = companion.record;
   companion.expect(changed == (known && differs), Invariant::Truth, "whether the definition changed");
-  companion.record.definitionChanged = changed;
-  const auto& bundled = companion.record.bundledDefinition;
-  if (!bundled) return;
-  const auto& definition = jobDefinitions()[*bundled];
-  const auto timeout = definition.exitTimeout ? std::to_string(*definition.exitTimeout) : "-";
-  companion.expect(text(line, 2).starts_with(definition.arguments.front()) && text(line, 3) == timeout,
-                   Invariant::Truth, "the bundled definition");
+  record.definitionChanged = changed;
+  const auto& bundled = record.bundledDefinition;
+  companion.expect(!bundled || tells(line, 2, jobDefinitions()[*bundled]), Invariant::Truth,
+                   "the bundled definition");
+  const bool succeeded = !record.tools.empty() && record.tools.back().status == 0;
+  const auto& print = record.print;
+  companion.expect(!print || !succeeded || tells(line, 0, jobDefinitions()[print->definition]),
+                   Invariant::Truth, "the loaded definition");
+  companion.expect(succeeded || text(line, 0) == "unknown", Invariant::Truth, "a print that failed");
 }
 
 void judgeRefusal(Companion& companion, const LogLine& line) {

@@ -49,12 +49,12 @@ void tellInfo(Companion& companion, const std::string& path, const std::string* 
 }
 
 void tellPrint(Companion& companion, const std::string& path, const std::optional<std::string>& bytes) {
-  if (isPrintFile(path)) companion.record.pidTold = bytes ? pidIn(*bytes) : std::nullopt;
+  if (isPrintFile(path)) companion.record.print = bytes ? toldBy(*bytes) : std::nullopt;
 }
 
 /// What was known of the job counts no longer.
 void forgetPrint(Record& record) {
-  record.pidTold.reset();
+  record.print.reset();
   record.lastLook.reset();
   record.stopsBeforePrint = record.stops.size();
 }

@@ -33,10 +33,14 @@ bool isPrint(const Tool& tool) {
   return tool->launch.arguments.front() == "print";
 }
 
+std::string printOf(const World& world) {
+  return jobPrint(world.job.definition, world.job.corePid(), world.job.printForm);
+}
+
 /// Nothing is printed of a job that is not loaded.
 void answer(World& world, const Tool& tool) {
   if (!world.job.loaded) return;
-  print(world, tool, jobPrint(world.job.definition, world.job.corePid()));
+  print(world, tool, printOf(world));
 }
 
 void printJob(World& world, const Tool& tool) {
@@ -141,7 +145,7 @@ void printGarbage(World& world, const Tool& tool) {
 
 /// An answer of which only the first half was written.
 void printTorn(World& world, const Tool& tool) {
-  const auto whole = jobPrint(world.job.definition, world.job.corePid());
+  const auto whole = printOf(world);
   print(world, tool, whole.substr(0, whole.size() / 2));
   failAfter(world, tool, 0);
 }
