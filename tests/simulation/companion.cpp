@@ -214,6 +214,13 @@ std::string Companion::dataDirectory() const {
   return std::string(plan.proofHome ? Places::proofHome : Places::home) + std::string(Places::dataInHome);
 }
 
+std::string Companion::plantedPlace(const std::string& path) const {
+  const auto data = dataDirectory();
+  const bool moved = world.planted == Plant::DataInRealHome && plan.proofHome && path.starts_with(data);
+  if (!moved) return path;
+  return std::string(Places::home) + std::string(Places::dataInHome) + path.substr(data.size());
+}
+
 void Companion::expect(bool holds, Invariant invariant, std::string_view detail) const {
   if (holds) return;
   world.verdict.broken({invariant, world.timeline.now(), plan.name, std::string(detail)});

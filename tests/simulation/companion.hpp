@@ -91,6 +91,9 @@ class Companion {
   [[nodiscard]] std::int32_t group() const;
   [[nodiscard]] std::string bundlePath() const;
   [[nodiscard]] std::string dataDirectory() const;
+  /// Where it looks for a path that it asks for: there, but for a planted fault that has the Core's data in the home of a
+  /// user although the configuration has another.
+  [[nodiscard]] std::string plantedPlace(const std::string& path) const;
   /// Notes a broken invariant unless `holds`.
   void expect(bool holds, Invariant invariant, std::string_view detail) const;
   template <class... Parts>

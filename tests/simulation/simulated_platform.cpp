@@ -3,6 +3,7 @@
 #include "simulation/simulated_files.hpp"
 #include "simulation/simulated_processes.hpp"
 #include "simulation/simulated_surroundings.hpp"
+#include "simulation/simulated_user.hpp"
 
 namespace tamo::simulation {
 
