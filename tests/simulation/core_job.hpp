@@ -36,7 +36,7 @@ class CoreJob {
   std::size_t definition = 0;
   /// Whether a registration waits for the user's approval.
   bool approvalWithheld = false;
-  PrintForm printForm = PrintForm::Plain;
+  PrintForm printForm = PrintForm::Managed;
   /// Whether no Core stops by itself when it is asked to.
   bool coresIgnoreStops = false;
 

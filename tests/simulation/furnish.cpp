@@ -15,8 +15,8 @@ constexpr std::array<std::string_view, 6> versions{"41", "42", "42", "43", "1.4.
 constexpr std::array<std::string_view, 3> markerFiles{"core.db.revert.pending", "core.db.revert.partial",
                                                       "core.db.revert.partial.json"};
 
-/// How many in a thousand Macs print the job in the newer form. None, while its readers lose their place in it.
-constexpr unsigned managed = 0;
+/// How many in a thousand Macs print the job in the older form.
+constexpr unsigned older = 300;
 
 std::size_t someDefinition(Dice& dice) {
   return dice.chance(700) ? 0 : dice.below(jobDefinitions().size());
@@ -64,7 +64,7 @@ void settleAgent(World& world) {
   world.job.approvalWithheld = dice.chance(150);
   world.job.definition = someDefinition(dice);
   world.job.loaded = world.job.status == 1 && dice.chance(950);
-  if (dice.chance(managed)) world.job.printForm = PrintForm::Managed;
+  if (dice.chance(older)) world.job.printForm = PrintForm::Plain;
   if (dice.chance(900)) world.job.startCore();
   if (!dice.chance(100)) return;
   world.timeline.after(dice.between(Time(0), seconds(5)), [&world] {

@@ -102,8 +102,9 @@ TEST(ProcessTableTest, APidIsUsedAgainButNotWhileAGroupHasItsName) {
 TEST(JobTextsTest, TheTextsAreReadAsTheDefinitionsThatTheyTell) {
   const auto count = jobDefinitions().size();
   for (std::size_t loaded = 0; loaded < count; ++loaded) {
-    const auto read = LaunchJob::loaded(withoutQuotedBlocks(jobPrint(loaded, 100)));
+    const auto read = LaunchJob::loaded(jobPrint(loaded, 100));
     ASSERT_TRUE(read);
+    EXPECT_EQ(LaunchJob::loaded(withoutQuotedBlocks(jobPrint(loaded, 100, PrintForm::Managed))), read);
     EXPECT_EQ(read->arguments, jobDefinitions()[loaded].arguments);
     EXPECT_EQ(read->exitTimeout, jobDefinitions()[loaded].exitTimeout);
     EXPECT_EQ(definitionOf(agentPlist(loaded)), loaded);
