@@ -109,6 +109,32 @@ TEST_F(BuildTest, ABinaryInfoFileIsReadLikeAnyOther) {
   EXPECT_EQ(read(), 4211);
 }
 
+TEST_F(BuildTest, ATextOfWideCharactersIsReadLikeAnyOther) {
+  files.contents[info] = BinaryListBuilder()
+                             .addDictionary("\x01", "\x02")
+                             .add(
+                                 "\x5F\x10\x0F"
+                                 "CFBundleVersion")
+                             .add(
+                                 "\x62\0"
+                                 "4\0"
+                                 "2"s)
+                             .bytes();
+  EXPECT_EQ(read(), 42);
+}
+
+TEST_F(BuildTest, ADictionaryWithAKeyThatIsNoTextTellsNoBuild) {
+  files.contents[info] = BinaryListBuilder()
+                             .addDictionary("\x01\x03", "\x02\x02")
+                             .add(
+                                 "\x5F\x10\x0F"
+                                 "CFBundleVersion")
+                             .addText("42")
+                             .add("\x10\x07")
+                             .bytes();
+  EXPECT_EQ(read(), std::nullopt);
+}
+
 TEST_F(BuildTest, OneFileIsReadAndNothingElseIsLookedAt) {
   placeEntries(versionEntry("4211"));
   EXPECT_EQ(read(), 4211);

@@ -107,6 +107,8 @@ TEST(OldCopyTest, WhatTheUserDownloadedIsLeftBehind) {
       {"/Applications/Other/Tamo.app", std::nullopt, "/Applications/Other/Tamo.app"},
       {"/Applications/tamo.app", std::nullopt, "/Applications/tamo.app"},
       {"/Applications/Tamo.app ", std::nullopt, "/Applications/Tamo.app "},
+      {"/Applications/Utilities/Tamo.app", std::nullopt, "/Applications/Utilities/Tamo.app"},
+      {"/Volumes/Tamo/Tamo.app", std::nullopt, "/Volumes/Tamo/Tamo.app"},
       {"/private/Applications/Tamo.app", std::nullopt, "/private/Applications/Tamo.app"},
       {"/Users/u/Applications/Tamo.app", std::nullopt, "/Users/u/Applications/Tamo.app"},
       {"/Users/u/./Downloads/Tamo.app/", std::nullopt, "/Users/u/./Downloads/Tamo.app/"},

@@ -84,6 +84,21 @@ TEST_F(MoveToApplicationsTest, AnInstalledFolderWithoutAnInfoFileIsOnlyOpened) {
   EXPECT_TRUE(rig.userFiles.trashed.empty());
 }
 
+TEST_F(MoveToApplicationsTest, AFileInTheInstalledCopysPlaceIsOnlyOpened) {
+  rig.files.contents[app] = "no bundle";
+  EXPECT_TRUE(rig.move());
+  EXPECT_EQ(effects(), (Texts{says("opened"), createsContainer, writesResult, opens}));
+}
+
+TEST_F(MoveToApplicationsTest, AnOlderInstalledCopyIsReplacedWhateverItsIdentifier) {
+  for (const auto* identifier : {"studio.pell.Tamo.dev", "com.example.other", ""}) {
+    MoveRig replacing;
+    replacing.place(app, "41", identifier);
+    EXPECT_TRUE(replacing.move());
+    EXPECT_EQ(replacing.userFiles.trashed, (Texts{app, MoveRig::downloads})) << identifier;
+  }
+}
+
 TEST_F(MoveToApplicationsTest, ACopyWhoseOwnBuildIsUnknownReplacesNothing) {
   rig.place(MoveRig::downloads, "unknown");
   rig.place(app, "1");
