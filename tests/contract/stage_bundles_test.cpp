@@ -44,6 +44,7 @@ TEST_F(StageBundlesTest, TheMainBundleIsAStagePath) {
 
 TEST_F(StageBundlesTest, TheLinkOfTheLaunchIsKept) {
   stage.folder(std::string(companion) + "/Contents/MacOS");
+  stage.file(std::string(companion) + "/Contents/MacOS/Tamo Core", "a program");
   stage.link("/Users/tamo/Desktop/Tamo.app", "../../../Applications/Tamo.app");
   const std::string inside = "/Users/tamo/Desktop/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
   EXPECT_EQ(launchedAs(inside + "/Contents/MacOS/Tamo Core").mainBundlePath(), inside);
