@@ -1,7 +1,6 @@
 #include "guard/live_data_guard.hpp"
 
 #include <array>
-#include <cstddef>
 
 #include "platform/bundle_info.hpp"
 #include "platform/fatal.hpp"
@@ -14,13 +13,13 @@ namespace {
 using platform::joinedPath;
 using platform::standardisedPath;
 
-/// Whether `candidate` is the directory `root` or lies below it. `root` is in lower case and has `length`
-/// characters.
-bool leadsInto(const std::string& candidate, const std::string& root, std::size_t length) {
-  const auto lower = platform::lowercased(candidate);
-  const auto rest = platform::droppingCharacters(lower, length);
-  const auto front = std::string_view(lower).substr(0, lower.size() - rest.size());
-  return platform::canonicallyEqual(front, root) && (rest.empty() || rest.starts_with('/'));
+/// What `path` has behind the directory `root`, from the "/" on; empty when it is that directory, absent when
+/// it leads elsewhere. `root` is in lower case. Only a whole name is compared with a whole name, so nothing
+/// rests on how many bytes or characters a name has in another spelling.
+std::optional<std::string_view> behind(const std::string& root, std::string_view path) {
+  for (auto front = path; front != "/"; front = platform::parentPath(front))
+    if (platform::canonicallyEqual(platform::lowercased(front), root)) return path.substr(front.size());
+  return std::nullopt;
 }
 
 }  // namespace
@@ -77,11 +76,8 @@ ClampedPath clampedPath(std::string_view path, const platform::FileReader& files
 std::string clamp(const ClampedPath& path, const Access& access) {
   if (access.live) return path.path;
   const auto root = platform::lowercased(standardisedPath(joinedPath(access.real, dataRel)));
-  const auto length = platform::characterCount(root);
-  for (const auto* candidate : std::array{&path.standardised, &path.viaParent}) {
-    if (!leadsInto(*candidate, root, length)) continue;
-    return std::string(isolatedData).append(platform::droppingCharacters(*candidate, length));
-  }
+  for (const auto* candidate : std::array{&path.standardised, &path.viaParent})
+    if (const auto rest = behind(root, *candidate)) return std::string(isolatedData).append(*rest);
   return path.path;
 }
 

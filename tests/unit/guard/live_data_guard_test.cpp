@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "contract/binary_list_builder.hpp"
 #include "fakes/fake_files.hpp"
 #include "fakes/fake_surroundings.hpp"
 
@@ -10,34 +11,10 @@ namespace tamo::LiveDataGuard {
 namespace {
 
 const std::string staged = "/Users/u/Library/Application Support/Tamo/staged/Tamo.app";
-const std::string liveData = "/Users/u/Library/Application Support/Tamo";
 
 /// A copy of user u that is reached without links.
 AppCopy releaseCopyAt(const std::string& path) {
   return {.appPath = path, .resolvedPath = path, .bundleID = "studio.pell.Tamo", .home = "/Users/u"};
-}
-
-/// A path that leads where it says, without links.
-ClampedPath plain(const std::string& path) {
-  return {.path = path, .standardised = path, .viaParent = path};
-}
-
-/// Files that nobody is to ask.
-class UnaskedFiles final : public platform::FileReader {
- public:
-  bool exists(const std::string& path) const override { return asked(path).empty(); }
-  std::optional<std::string> readWhole(const std::string& path) const override { return asked(path); }
-  std::string resolvedPath(const std::string& path) const override { return asked(path); }
-
- private:
-  static std::string asked(const std::string& path) {
-    ADD_FAILURE() << "a question about " << path;
-    return "";
-  }
-};
-
-Access isolatedFrom(const std::string& home) {
-  return {.live = false, .real = home};
 }
 
 TEST(ConstantsTest, TheIsolatedDataLieInTheIsolatedHome) {
@@ -57,6 +34,14 @@ TEST(RealHomeTest, AnUnknownUserHasAnEmptyHome) {
   EXPECT_EQ(realHome(user), "/var/empty");
 }
 
+TEST(RealHomeTest, AHomeIsTakenAsItIsWritten) {
+  fakes::FakeUser user;
+  for (const auto* home : {"", "/Users/./v/", "relative", "/var/empty"}) {
+    user.entry->home = home;
+    EXPECT_EQ(realHome(user), home);
+  }
+}
+
 TEST(RealHomeDeathTest, AnEntryWithoutAHomeStopsTheProcess) {
   fakes::FakeUser user;
   user.entry->home = std::nullopt;
@@ -66,6 +51,8 @@ TEST(RealHomeDeathTest, AnEntryWithoutAHomeStopsTheProcess) {
 TEST(StagedAppTest, TheStagedCopyLiesInTheLiveData) {
   EXPECT_EQ(stagedApp("/Users/u"), staged);
   EXPECT_EQ(stagedApp("/Users/./u/"), staged);
+  EXPECT_EQ(stagedApp("/Users/v/.."), "/Users/Library/Application Support/Tamo/staged/Tamo.app");
+  EXPECT_EQ(stagedApp("/Users/U"), "/Users/U/Library/Application Support/Tamo/staged/Tamo.app");
 }
 
 struct Outer {
@@ -80,6 +67,8 @@ TEST(OuterAppTest, TheCutIsAtTheLastLoginItems) {
       {"/A.app/Contents/Library/LoginItems/B.app/Contents/Library/LoginItems/C.app",
        "/A.app/Contents/Library/LoginItems/B.app"},
       {"/A.app/Contents/./Library//LoginItems/../LoginItems/B.app/", "/A.app"},
+      {"/Users/u/Tools/Contents/Library/LoginItems/tool", "/Users/u/Tools"},
+      {"/Contents/Library/LoginItems/tool", ""},
   };
   for (const auto& row : table)
     EXPECT_EQ(outerApp(row.path), row.outer) << row.path;
@@ -92,6 +81,9 @@ TEST(OuterAppTest, APathOutsideHelpersIsOnlyStandardised) {
       {"/Applications/Tamo.app/Contents/MacOS/Tamo", "/Applications/Tamo.app/Contents/MacOS/Tamo"},
       {"/A.app/Contents/Library/LoginItems/", "/A.app/Contents/Library/LoginItems"},
       {"/A.app/contents/library/loginitems/B.app", "/A.app/contents/library/loginitems/B.app"},
+      {"/A.app/Contents/Library/LoginItems/../B.app", "/A.app/Contents/Library/B.app"},
+      {"/A.app/Contents/Library/LoginItems2/B.app", "/A.app/Contents/Library/LoginItems2/B.app"},
+      {"/A.app/Library/LoginItems/B.app", "/A.app/Library/LoginItems/B.app"},
   };
   for (const auto& row : table)
     EXPECT_EQ(outerApp(row.path), row.outer) << row.path;
@@ -111,6 +103,29 @@ TEST(MayOpenLiveTest, BothPathsAreStandardisedBeforeTheyAreCompared) {
 
 TEST(MayOpenLiveTest, TheStagedCopyOfThisHomeMay) {
   EXPECT_TRUE(mayOpenLive(releaseCopyAt(staged)));
+  EXPECT_TRUE(mayOpenLive(releaseCopyAt(staged + "/")));
+}
+
+TEST(MayOpenLiveTest, TheHomeIsStandardisedAndKeepsItsLetterCase) {
+  auto copy = releaseCopyAt(staged);
+  copy.home = "/Users/v/../u/";
+  EXPECT_TRUE(mayOpenLive(copy));
+  copy.home = "/Users/U";
+  EXPECT_FALSE(mayOpenLive(copy));
+}
+
+TEST(MayOpenLiveTest, TheStagedCopyMustNotBeReachedThroughALinkEither) {
+  auto copy = releaseCopyAt(staged);
+  copy.resolvedPath = "/Applications/Tamo.app";
+  EXPECT_FALSE(mayOpenLive(copy));
+}
+
+TEST(MayOpenLiveTest, TheInstalledCopyMayWhateverTheHomeIs) {
+  auto copy = releaseCopyAt("/Applications/Tamo.app");
+  for (const auto* home : {"", "/var/empty", "/Users/v"}) {
+    copy.home = home;
+    EXPECT_TRUE(mayOpenLive(copy)) << home;
+  }
 }
 
 TEST(MayOpenLiveTest, AnAccentInTheHomeCountsHoweverItIsComposed) {
@@ -131,11 +146,23 @@ TEST(MayOpenLiveTest, TheStagedCopyOfAnotherHomeMayNot) {
 }
 
 TEST(MayOpenLiveTest, AnyOtherPlaceMayNot) {
-  for (const auto* path : {"/applications/tamo.app", "/Applications/tamo.app", "/Users/u/Downloads/Tamo.app",
-                           "/Applications/Tamo.app/Contents", "/Applications/Tamo 2.app", "/",
-                           "/Users/u/Library/Application Support/Tamo/Staged/Tamo.app"}) {
+  for (const auto* path :
+       {"/applications/tamo.app", "/Applications/tamo.app", "/APPLICATIONS/TAMO.APP", "/Applications",
+        "/Users/u/Downloads/Tamo.app", "/Users/u/Applications/Tamo.app", "/Applications/Tamo.app/Contents",
+        "/Applications/Tamo 2.app", "/Applications/Tamo.app2", "/Applications/ Tamo.app",
+        "/Applications/Tamo.app ", "/Applications/Tamo", "/Volumes/X/Applications/Tamo.app",
+        "/private/Applications/Tamo.app", "/Applications/x/Tamo.app", "/", ""}) {
     EXPECT_FALSE(mayOpenLive(releaseCopyAt(path))) << path;
   }
+}
+
+TEST(MayOpenLiveTest, OnlyTheStagedCopyItselfMayInTheLiveData) {
+  const std::string data = "/Users/u/Library/Application Support/Tamo";
+  for (const auto* place : {"", "/staged", "/Tamo.app", "/staged/Tamo.app/Contents", "/staged/x/Tamo.app",
+                            "/Staged/Tamo.app", "/staged/tamo.app", "/staged/Tamo 2.app"}) {
+    EXPECT_FALSE(mayOpenLive(releaseCopyAt(data + place))) << place;
+  }
+  EXPECT_FALSE(mayOpenLive(releaseCopyAt("/users/u/Library/Application Support/Tamo/staged/Tamo.app")));
 }
 
 TEST(MayOpenLiveTest, ACopyReachedThroughALinkMayNot) {
@@ -152,7 +179,11 @@ TEST(MayOpenLiveTest, ALinkToTheInstalledCopyMayNot) {
 
 TEST(MayOpenLiveTest, WithoutTheReleaseIdentifierNoPlaceHelps) {
   auto copy = releaseCopyAt("/Applications/Tamo.app");
-  for (const auto* identifier : {"studio.pell.Tamo.Core", "studio.pell.tamo", "studio.pell.Tamo ", ""}) {
+  for (const auto& identifier : std::vector<std::string>{
+           "studio.pell.Tamo.Core", "studio.pell.Tamo2", "studio.pell", "studio.pell.tamo",
+           "STUDIO.PELL.TAMO", "studio.pell.Tamo ", " studio.pell.Tamo", "studio.pell. Tamo",
+           "\uFEFFstudio.pell.Tamo", "studio.pell.Tamo\u0301", "studio.pell.Tamo\u200B",
+           std::string("studio.pell.Tamo\0", 17), "studio.pell.Tamo\n", ""}) {
     copy.bundleID = identifier;
     EXPECT_FALSE(mayOpenLive(copy)) << identifier;
   }
@@ -162,83 +193,27 @@ TEST(MayOpenLiveTest, WithoutTheReleaseIdentifierNoPlaceHelps) {
 
 TEST(DataHomeTest, OnlyLiveDataAreInTheRealHome) {
   EXPECT_EQ(dataHome({.live = true, .real = "/Users/u"}), "/Users/u");
-  EXPECT_EQ(dataHome(isolatedFrom("/Users/u")), "/private/tmp/studio.pell.Tamo-isolated");
-  EXPECT_EQ(dataHome(isolatedFrom("")), "/private/tmp/studio.pell.Tamo-isolated");
+  for (const auto* home : {"/Users/u", "", "/private/tmp/studio.pell.Tamo-isolated/"})
+    EXPECT_EQ(dataHome({.live = false, .real = home}), "/private/tmp/studio.pell.Tamo-isolated") << home;
 }
 
-std::string clampedPlainly(const std::string& path, const std::string& home = "/Users/u") {
-  return clamp(plain(path), isolatedFrom(home));
-}
-
-TEST(ClampTest, APathInTheLiveDataIsSentToTheIsolatedData) {
-  EXPECT_EQ(clampedPlainly(liveData + "/db.sqlite"),
-            "/private/tmp/studio.pell.Tamo-isolated/Library/Application Support/Tamo/db.sqlite");
-}
-
-TEST(ClampTest, TheLiveDataDirectoryItselfBecomesTheIsolatedOne) {
-  EXPECT_EQ(clampedPlainly(liveData),
-            "/private/tmp/studio.pell.Tamo-isolated/Library/Application Support/Tamo");
-}
-
-TEST(ClampTest, LetterCaseDoesNotHideTheLiveDataAndIsKeptBelowThem) {
-  EXPECT_EQ(clampedPlainly("/USERS/U/LIBRARY/APPLICATION SUPPORT/TAMO/DB.SQLITE"),
-            std::string(isolatedData) + "/DB.SQLITE");
-}
-
-TEST(ClampTest, PathsBesideTheLiveDataStay) {
-  for (const auto& path : {liveData + "PKG1", liveData + "PKG1/M2", liveData + ".app", std::string("/"),
-                           std::string("/Users/u/Library/Application Support"),
-                           std::string("/Users/v/Library/Application Support/Tamo/db.sqlite")}) {
-    EXPECT_EQ(clampedPlainly(path), path);
-  }
-}
-
-TEST(ClampTest, ALinkedParentIsFollowed) {
-  const ClampedPath path{.path = "/tmp/l/db", .standardised = "/tmp/l/db", .viaParent = liveData + "/db"};
-  EXPECT_EQ(clamp(path, isolatedFrom("/Users/u")), std::string(isolatedData) + "/db");
-}
-
-TEST(ClampTest, ThePathAsWrittenGoesBeforeTheOneWithItsParentResolved) {
-  const ClampedPath path{
-      .path = liveData + "/a", .standardised = liveData + "/a", .viaParent = liveData + "/b/a"};
-  EXPECT_EQ(clamp(path, isolatedFrom("/Users/u")), std::string(isolatedData) + "/a");
-}
-
-TEST(ClampTest, APathThatStaysIsTheCallersText) {
-  const ClampedPath path{.path = "/a/../b/", .standardised = "/b", .viaParent = "/c/b"};
-  EXPECT_EQ(clamp(path, isolatedFrom("/Users/u")), "/a/../b/");
-}
-
-TEST(ClampTest, LiveAccessChangesNoPath) {
-  const auto path = plain(liveData + "/db.sqlite");
-  EXPECT_EQ(clamp(path, {.live = true, .real = "/Users/u"}), path.path);
-}
-
-TEST(ClampTest, LiveAccessAsksNothingOfTheFileSystem) {
-  const UnaskedFiles files;
-  EXPECT_EQ(clamp(liveData + "/db", {.live = true, .real = "/Users/u"}, files), liveData + "/db");
-}
-
-TEST(ClampTest, WhatIsCutOffIsCountedInCharacters) {
-  const std::string rest = "/Library/Application Support/Tamo/db";
-  // The Kelvin sign and the dotted capital I have another size in bytes than their lower case.
-  EXPECT_EQ(clampedPlainly("/Users/\u212A" + rest, "/Users/k"), std::string(isolatedData) + "/db");
-  EXPECT_EQ(clampedPlainly("/Users/k" + rest, "/Users/\u212A"), std::string(isolatedData) + "/db");
-  EXPECT_EQ(clampedPlainly("/Users/\u0130" + rest, "/Users/\u0130"), std::string(isolatedData) + "/db");
-  EXPECT_EQ(clampedPlainly("/Users/\u0416" + rest, "/Users/\u0436"), std::string(isolatedData) + "/db");
-}
-
-TEST(ClampTest, ComposedAndDecomposedNamesAreTheSamePlace) {
-  const std::string rest = "/Library/Application Support/Tamo/e\u0301";
-  EXPECT_EQ(clampedPlainly("/Users/e\u0301" + rest, "/Users/\u00E9"), std::string(isolatedData) + "/e\u0301");
-  EXPECT_EQ(clampedPlainly("/Users/\u00C9" + rest, "/Users/e\u0301"), std::string(isolatedData) + "/e\u0301");
-  EXPECT_EQ(clampedPlainly("/Users/e" + rest, "/Users/\u00E9"), "/Users/e" + rest);
+TEST(DataHomeTest, TheRealHomeIsGivenAsItStandsInTheDatabase) {
+  for (const auto* home : {"/Users/./u/", "/users/U", ""})
+    EXPECT_EQ(dataHome({.live = true, .real = home}), home);
 }
 
 TEST(RefusalTest, ThePathStandsInAFixedSentence) {
   EXPECT_EQ(refusal("/Users/u/Downloads/Tamo.app"),
             "tamo.test_copy_refused_live_data app=/Users/u/Downloads/Tamo.app (only /Applications/Tamo.app "
             "opens the founder's data and Core)");
+}
+
+TEST(RefusalTest, ThePathStandsAsItWasGiven) {
+  EXPECT_EQ(refusal(""),
+            "tamo.test_copy_refused_live_data app= (only /Applications/Tamo.app opens the founder's data and "
+            "Core)");
+  EXPECT_TRUE(
+      refusal("/a/../\u00E9 /").starts_with("tamo.test_copy_refused_live_data app=/a/../\u00E9 / (only "));
 }
 
 class GuardOnFilesTest : public ::testing::Test {
@@ -271,6 +246,61 @@ TEST_F(GuardOnFilesTest, AFolderThatIsNoBundleMayNot) {
   EXPECT_FALSE(mayOpen("/Applications/Tamo.app"));
 }
 
+TEST_F(GuardOnFilesTest, ACopyThatDeclaresNoIdentifierMayNot) {
+  auto& info = files.contents["/Applications/Tamo.app/Contents/Info.plist"];
+  for (const auto* list :
+       {"<plist><dict/></plist>", "<plist><string>studio.pell.Tamo</string></plist>",
+        "<plist><dict><key>CFBundleName</key><string>studio.pell.Tamo</string></dict></plist>",
+        "<plist><dict><key>CFBundleIdentifier</key><array><string>studio.pell.Tamo</string>"
+        "</array></dict></plist>",
+        "<plist><dict><key>CFBundleIdentifier</key><string>studio.pell.Tamo</string></dict>", ""}) {
+    info = list;
+    EXPECT_FALSE(mayOpen("/Applications/Tamo.app")) << list;
+  }
+  placeCopy("/Applications/Tamo.app", "studio.pell.Tamo");
+  EXPECT_TRUE(mayOpen("/Applications/Tamo.app"));
+  files.failsToRead = true;
+  EXPECT_FALSE(mayOpen("/Applications/Tamo.app"));
+}
+
+TEST_F(GuardOnFilesTest, ACopyWithABinaryInfoFileMay) {
+  files.contents["/Applications/Tamo.app/Contents/Info.plist"] = BinaryListBuilder()
+                                                                     .addDictionary("\1", "\2")
+                                                                     .add(
+                                                                         "\x5F\x10\x12"
+                                                                         "CFBundleIdentifier")
+                                                                     .add(
+                                                                         "\x5F\x10\x10"
+                                                                         "studio.pell.Tamo")
+                                                                     .bytes();
+  EXPECT_TRUE(mayOpen("/Applications/Tamo.app"));
+}
+
+TEST_F(GuardOnFilesTest, AByteOrderMarkInFrontOfTheIdentifierIsAPartOfIt) {
+  placeCopy("/Applications/Tamo.app", "\uFEFFstudio.pell.Tamo");
+  EXPECT_FALSE(mayOpen("/Applications/Tamo.app"));
+}
+
+TEST_F(GuardOnFilesTest, TheStagedCopyMayWithItsHelpers) {
+  placeCopy(staged, "studio.pell.Tamo");
+  EXPECT_TRUE(mayOpen(staged));
+  EXPECT_TRUE(mayOpen(staged + "/Contents/Library/LoginItems/Tamo Core.app/Contents/MacOS/Tamo Core"));
+  EXPECT_FALSE(mayOpenLive(staged, "/Users/v", files));
+}
+
+TEST_F(GuardOnFilesTest, AHelperThatIsALinkIsJudgedByTheApplicationAroundIt) {
+  const std::string helper = "/Applications/Tamo.app/Contents/Library/LoginItems/Core.app";
+  placeCopy("/Applications/Tamo.app", "studio.pell.Tamo");
+  files.resolved[helper] = "/Volumes/X/Core.app";
+  EXPECT_TRUE(mayOpen(helper));
+}
+
+TEST_F(GuardOnFilesTest, AHelperOfACopyElsewhereMayNot) {
+  placeCopy("/Users/u/Downloads/Tamo.app", "studio.pell.Tamo");
+  placeCopy("/Applications/Tamo.app", "studio.pell.Tamo");
+  EXPECT_FALSE(mayOpen("/Users/u/Downloads/Tamo.app/Contents/Library/LoginItems/Core.app"));
+}
+
 TEST_F(GuardOnFilesTest, AnInstalledPathThatIsALinkMayNot) {
   placeCopy("/Applications/Tamo.app", "studio.pell.Tamo");
   files.resolved["/Applications/Tamo.app"] = "/Volumes/X/Tamo.app";
@@ -285,27 +315,6 @@ TEST_F(GuardOnFilesTest, TheLookAtACopyGathersWhatTheRuleAsks) {
   EXPECT_EQ(copy.resolvedPath, "/E/Tamo.app");
   EXPECT_EQ(copy.bundleID, "a.b");
   EXPECT_EQ(copy.home, "/Users/u");
-}
-
-TEST_F(GuardOnFilesTest, OnlyTheParentOfAClampedPathIsResolved) {
-  files.resolved["/tmp/l"] = liveData;
-  files.resolved["/tmp/l/db"] = "/elsewhere/db";
-  const auto path = clampedPath("/tmp/./l/db/", files);
-  EXPECT_EQ(path.path, "/tmp/./l/db/");
-  EXPECT_EQ(path.standardised, "/tmp/l/db");
-  EXPECT_EQ(path.viaParent, liveData + "/db");
-}
-
-TEST_F(GuardOnFilesTest, AClampedPathIsFollowedThroughItsParent) {
-  files.resolved["/tmp/l"] = liveData;
-  EXPECT_EQ(clamp("/tmp/l/db", isolatedFrom("/Users/u"), files), std::string(isolatedData) + "/db");
-  EXPECT_EQ(clamp("/tmp/l/db", {.live = true, .real = "/Users/u"}, files), "/tmp/l/db");
-  EXPECT_EQ(clamp("/tmp/m/../x", isolatedFrom("/Users/u"), files), "/tmp/m/../x");
-}
-
-TEST_F(GuardOnFilesTest, TheRootIsItsOwnParent) {
-  EXPECT_EQ(clamp("/", isolatedFrom("/Users/u"), files), "/");
-  EXPECT_EQ(clampedPath("/", files).viaParent, "/");
 }
 
 }  // namespace

@@ -55,6 +55,34 @@ TEST_F(LiveDataTest, TheStagedCopyIsTheOneInTheHomeOfTheUser) {
   EXPECT_EQ(liveData.dataHome(), "/Users/v");
 }
 
+TEST_F(LiveDataTest, AnUnknownUsersHomeIsTheEmptyOne) {
+  install();
+  user.entry = std::nullopt;
+  EXPECT_TRUE(liveData.current());
+  EXPECT_EQ(liveData.dataHome(), "/var/empty");
+}
+
+TEST_F(LiveDataTest, LiveAccessLeavesAPathAsItIsWritten) {
+  install();
+  EXPECT_EQ(liveData.clamp("/a/../b/"), "/a/../b/");
+}
+
+TEST_F(LiveDataTest, AnIsolatedCompanionKeepsPathsOutsideTheLiveDataOfThisUser) {
+  const std::string otherFile = "/Users/v/Library/Application Support/Tamo/db.sqlite";
+  EXPECT_EQ(liveData.clamp(otherFile), otherFile);
+  user.entry->home = "/Users/v";
+  EXPECT_EQ(liveData.clamp(otherFile), isolatedFile);
+  EXPECT_EQ(liveData.clamp(liveFile), liveFile);
+}
+
+TEST_F(LiveDataTest, TheCopyIsLookedAtOnce) {
+  EXPECT_FALSE(liveData.current());
+  static_cast<void>(liveData.dataHome());
+  static_cast<void>(liveData.clamp(liveFile));
+  EXPECT_FALSE(liveData.current());
+  EXPECT_EQ(ledger.count("files: read " + installedInfo), 1U);
+}
+
 TEST_F(LiveDataTest, NothingIsLookedAtBeforeTheFirstQuestion) {
   EXPECT_TRUE(ledger.entries().empty());
   install();
