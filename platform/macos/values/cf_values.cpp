@@ -1,11 +1,43 @@
 #include "platform/macos/values/cf_values.hpp"
 
+#include <cstdint>
+#include <vector>
+
+#include "platform/text.hpp"
+
 namespace tamo::macos {
+namespace {
+
+/// Takes the first code point off a text that is UTF-8 and not empty.
+std::uint32_t takeCodePoint(std::string_view& text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  const std::size_t size = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+  std::uint32_t point = size == 1 ? lead : lead & (0x7FU >> size);
+  for (const char follower : text.substr(1, size - 1))
+    point = point << 6U | (static_cast<unsigned char>(follower) & 0x3FU);
+  text.remove_prefix(size);
+  return point;
+}
+
+std::vector<UniChar> utf16(std::string_view text) {
+  std::vector<UniChar> units;
+  while (!text.empty()) {
+    const auto point = takeCodePoint(text);
+    const auto beyond = point - 0x10000;
+    if (point >= 0x10000) units.push_back(static_cast<UniChar>(0xD800 + (beyond >> 10U)));
+    units.push_back(static_cast<UniChar>(point < 0x10000 ? point : 0xDC00 + (beyond & 0x3FFU)));
+  }
+  return units;
+}
+
+}  // namespace
 
 Owned<CFStringRef> cfText(std::string_view text) {
-  const auto* bytes = static_cast<const UInt8*>(static_cast<const void*>(text.data()));
-  return Owned<CFStringRef>(CFStringCreateWithBytes(nullptr, bytes, static_cast<CFIndex>(text.size()),
-                                                    kCFStringEncodingUTF8, /*isExternal*/ false));
+  // The system's own reading of UTF-8 loses a byte order mark in front and takes a byte A9 for a character.
+  if (!platform::isUtf8(text)) return nullptr;
+  const auto units = utf16(text);
+  return Owned<CFStringRef>(
+      CFStringCreateWithCharacters(nullptr, units.data(), static_cast<CFIndex>(units.size())));
 }
 
 std::optional<std::string> textOf(CFStringRef string) {

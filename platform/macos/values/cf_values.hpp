@@ -18,7 +18,7 @@ struct ReleaseCF {
 template <class Ref>
 using Owned = std::unique_ptr<std::remove_pointer_t<Ref>, ReleaseCF>;
 
-/// A string of the system. Null when `text` is not UTF-8.
+/// A string of the system, every character of the text in it. Null when `text` is not UTF-8.
 [[nodiscard]] Owned<CFStringRef> cfText(std::string_view text);
 
 /// The UTF-8 of a string; absent for null. Half a surrogate pair, which no UTF-8 can hold, becomes a "?".

@@ -45,21 +45,6 @@ void appendLowercased(std::string& text, utf8proc_int32_t codePoint) {
   }
 }
 
-/// The size in bytes of the first character. A byte that is no UTF-8 is one by itself.
-std::size_t firstCharacterSize(std::string_view text) {
-  auto scalar = firstScalar(text);
-  std::size_t size = scalar.size;
-  utf8proc_int32_t state = 0;
-  while (scalar.codePoint && size < text.size()) {
-    const auto next = firstScalar(text.substr(size));
-    if (!next.codePoint || utf8proc_grapheme_break_stateful(*scalar.codePoint, *next.codePoint, &state))
-      break;
-    size += next.size;
-    scalar = next;
-  }
-  return size;
-}
-
 std::string decomposed(std::string_view text) {
   utf8proc_uint8_t* raw = nullptr;
   const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_STABLE);
@@ -90,19 +75,6 @@ bool canonicallyEqual(std::string_view left, std::string_view right) {
   if (left == right) return true;
   if (!isUtf8(left) || !isUtf8(right)) return false;
   return decomposed(left) == decomposed(right);
-}
-
-std::size_t characterCount(std::string_view text) {
-  std::size_t count = 0;
-  for (; !text.empty(); ++count)
-    text.remove_prefix(firstCharacterSize(text));
-  return count;
-}
-
-std::string_view droppingCharacters(std::string_view text, std::size_t count) {
-  for (; count > 0 && !text.empty(); --count)
-    text.remove_prefix(firstCharacterSize(text));
-  return text;
 }
 
 }  // namespace tamo::platform
