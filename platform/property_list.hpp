@@ -31,10 +31,15 @@ struct PropertyList {
 /// boolean is another kind, not a number.
 [[nodiscard]] std::optional<std::int64_t> exactInt64(const PropertyList& list);
 
-/// Reads an XML or binary property list; a Mac reads the old ASCII form too. Absent for anything else, and past
-/// the limits of property_list_limits.hpp: one wrong number or stray byte makes the whole list unreadable, as
-/// on macOS. A key that a dictionary has twice keeps its last value. Each backend brings its own reader; one
-/// suite holds them to the same answers, another says where the stage's gives up. Any thread.
+/// Reads an XML or binary property list. Absent for anything else, and past the limits of
+/// property_list_limits.hpp: one wrong number or date makes the whole list unreadable. A key that a dictionary
+/// has twice keeps its last value in XML and its first in the binary form.
+///
+/// Each backend brings its own reader. What the stage's reads, a Mac's reads as the same; one suite holds both
+/// to that. A Mac's reads more, as its system does: the old ASCII form, in which any bare word is a text; a
+/// value without <plist> around it, and one with anything behind it; a key in the place of a value; other
+/// encodings; characters that XML forbids, and a byte A9 as U+FFFD; all that binary lists can hold. Another
+/// suite says where the stage's gives up. Any thread.
 [[nodiscard]] std::optional<PropertyList> readPropertyList(std::string_view bytes);
 
 }  // namespace tamo::platform

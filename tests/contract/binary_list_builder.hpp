@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,9 +16,18 @@ class BinaryListBuilder {
   std::uint64_t top = 0;
   /// The size of the table of offsets, when it is to differ from the number of objects.
   std::uint64_t statedCount = 0;
+  /// Bytes between the table of offsets and the trailer, where none belong.
+  std::string behindTable;
 
   BinaryListBuilder& add(std::string_view object) {
+    offsets_.emplace_back(std::nullopt);
     objects_.emplace_back(object);
+    return *this;
+  }
+  /// An object that lies at `offset`, whatever is there.
+  BinaryListBuilder& addOffset(std::uint64_t offset) {
+    offsets_.emplace_back(offset);
+    objects_.emplace_back();
     return *this;
   }
   /// At most 14 characters, all ASCII.
@@ -36,12 +46,12 @@ class BinaryListBuilder {
   [[nodiscard]] std::string bytes() const {
     std::string list = "bplist00";
     std::string offsets;
-    for (const auto& object : objects_) {
-      offsets += bigEndian(list.size(), 2);
-      list += object;
+    for (std::size_t at = 0; at < objects_.size(); ++at) {
+      offsets += bigEndian(offsets_[at].value_or(list.size()), 2);
+      list += objects_[at];
     }
     const auto table = list.size();
-    list += offsets + std::string(6, '\0') + "\x02\x01";
+    list += offsets + behindTable + std::string(6, '\0') + "\x02\x01";
     list += bigEndian(statedCount == 0 ? objects_.size() : statedCount, 8);
     return list + bigEndian(top, 8) + bigEndian(table, 8);
   }
@@ -56,6 +66,8 @@ class BinaryListBuilder {
   }
 
   std::vector<std::string> objects_;
+  /// Where each lies when that is not just behind the one before it.
+  std::vector<std::optional<std::uint64_t>> offsets_;
 };
 
 }  // namespace tamo

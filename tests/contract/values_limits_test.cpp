@@ -1,4 +1,7 @@
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
+#include <string>
 
 #include "contract/binary_list_builder.hpp"
 #include "platform/property_list.hpp"
@@ -30,7 +33,46 @@ std::string shared(std::size_t depth, std::size_t width) {
 
 TEST(ValuesLimitsTest, TheOldAsciiFormIsUnreadable) {
   EXPECT_FALSE(readPropertyList("{ ProgramArguments = (\"/bin/sh\", \"-c\"); ExitTimeOut = 20; }"));
-  EXPECT_FALSE(readPropertyList("\"a\""));
+  std::ostringstream file;
+  file << std::ifstream(std::string(TAMO_SOURCE_DIR) + "/tests/data/plists/old_ascii_form.plist").rdbuf();
+  EXPECT_NE(file.str(), "");
+  EXPECT_FALSE(readPropertyList(file.str()));
+}
+
+/// A text of the old ASCII form for a Mac.
+TEST(ValuesLimitsTest, ABareWordIsUnreadable) {
+  for (const auto* word : {"a", "\"a\"", "bplist00", "bplist", "b", " ", "\n"})
+    EXPECT_FALSE(readPropertyList(word)) << word;
+}
+
+TEST(ValuesLimitsTest, AKeyStandsInADictionaryOnly) {
+  for (const auto* list : {"<plist><key>a</key></plist>", "<plist><array><key>a</key></array></plist>",
+                           "<plist><dict><key>a</key><key>b</key></dict></plist>", "<key>a</key>"}) {
+    EXPECT_FALSE(readPropertyList(list)) << list;
+  }
+}
+
+TEST(ValuesLimitsTest, AListIsOnePlistAndNothingElse) {
+  const std::string list = "<plist><dict/></plist>";
+  EXPECT_TRUE(readPropertyList(list + "\n<!-- -->"));
+  for (const auto& document :
+       {"<dict/>"s, "<plist>" + list + "</plist>", list + "a", list + list, "<dict/>" + list}) {
+    EXPECT_FALSE(readPropertyList(document)) << document;
+  }
+}
+
+TEST(ValuesLimitsTest, AnXmlListIsGoodXmlThroughout) {
+  const auto list = [](const std::string& text) { return "<plist><string>" + text + "</string></plist>"; };
+  for (const auto& text : {"a\0b"s, "a\1b"s, "a\xA9"s, "a]]>b"s, "a\uFFFF"s, "&#0;"s})
+    EXPECT_FALSE(readPropertyList(list(text))) << text;
+  EXPECT_FALSE(readPropertyList("<plist version=1><true/></plist>"));
+  EXPECT_FALSE(readPropertyList("<?xml version=\"1.0\" encoding=\"windows-1252\"?>" + list("a")));
+}
+
+TEST(ValuesLimitsTest, WideBlanksStandBeforeNoNumber) {
+  for (const auto* number :
+       {"<integer>\u00A05</integer>", "<integer>\u20035</integer>", "<real>\u00A05</real>"})
+    EXPECT_FALSE(readPropertyList("<plist>" + std::string(number) + "</plist>")) << number;
 }
 
 TEST(ValuesLimitsTest, AnXmlListMayBeNestedFiveHundredAndTwelveTimes) {
@@ -68,6 +110,43 @@ TEST(ValuesLimitsTest, AnIntegerOfMoreThanSixtyFourBitsIsUnreadable) {
 TEST(ValuesLimitsTest, ASetMakesABinaryListUnreadable) {
   EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\xC1\1").addText("a").bytes()));
   EXPECT_FALSE(readPropertyList(BinaryListBuilder().addArray("\1").add("\xC1\2").addText("a").bytes()));
+}
+
+TEST(ValuesLimitsTest, ANullMakesABinaryListUnreadable) {
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().add("\0"s).bytes()));
+  EXPECT_FALSE(readPropertyList(BinaryListBuilder().addArray("\1").add("\0"s).bytes()));
+}
+
+TEST(ValuesLimitsTest, AnotherVersionOfABinaryListIsUnreadable) {
+  auto list = BinaryListBuilder().addText("a").bytes();
+  EXPECT_TRUE(readPropertyList(list));
+  list[7] = 'p';
+  EXPECT_FALSE(readPropertyList(list));
+}
+
+TEST(ValuesLimitsTest, ATextWithAZeroInItMakesABinaryListUnreadable) {
+  for (const auto& text : {"\x53"
+                           "a\0b"s,
+                           "\x51\0"s,
+                           "\x5F\x10\x03"
+                           "a\0b"s,
+                           "\x63\0a\0\0\0b"s, "\x61\0\0"s}) {
+    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add(text).bytes()));
+    EXPECT_FALSE(readPropertyList(BinaryListBuilder().addArray("\1\2").addText("a").add(text).bytes()));
+  }
+}
+
+TEST(ValuesLimitsTest, ANarrowTextBeyondAsciiMakesABinaryListUnreadable) {
+  for (const auto* text : {"\x52\xC3\x28", "\x52\xC3\xA9", "\x51\x80", "\x51\xFF"})
+    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add(text).bytes()));
+}
+
+TEST(ValuesLimitsTest, HalfASurrogatePairMakesABinaryListUnreadable) {
+  EXPECT_TRUE(readPropertyList(BinaryListBuilder().add("\x62\xD8\x3D\xDE\0"s).bytes()));
+  for (const auto& text : {"\x61\xD8\x3D"s, "\x61\xDE\0"s, "\x62\xDE\0\xD8\x3D"s, "\x62\xD8\x3D\0a"s,
+                           "\x63\xD8\x3D\xD8\x3D\xDE\0"s, "\x63\xD8\x3D\xDE\0\xDE\0"s}) {
+    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add(text).bytes()));
+  }
 }
 
 TEST(ValuesLimitsTest, AKeyWithAZeroInItMakesABinaryListUnreadable) {

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "platform/stage/values/binary_property_list_shape.hpp"
-#include "platform/text.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -56,9 +55,7 @@ std::optional<PropertyList> textOf(plist_t node) {
   std::uint64_t size = 0;
   const char* bytes = plist_get_string_ptr(node, &size);
   if (bytes == nullptr) return std::nullopt;
-  std::string text(bytes, size);
-  if (!platform::isUtf8(text)) return std::nullopt;
-  return PropertyList{std::move(text)};
+  return PropertyList{std::string(bytes, size)};
 }
 
 std::optional<PropertyList> arrayOf(plist_t node) {
@@ -84,8 +81,8 @@ std::optional<PropertyList> dictionaryOf(plist_t node) {
     plist_dict_next_item(node, iterator, &key, &child);
     const std::unique_ptr<char, FreeMemory> ownedKey(key);
     auto value = child == nullptr ? std::nullopt : valueOf(child);
-    if (key == nullptr || !platform::isUtf8(key) || !value) return std::nullopt;
-    entries.insert_or_assign(key, std::move(*value));
+    if (key == nullptr || !value) return std::nullopt;
+    entries.try_emplace(key, std::move(*value));
   }
   return PropertyList{std::move(entries)};
 }

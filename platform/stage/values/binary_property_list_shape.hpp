@@ -4,16 +4,16 @@
 
 namespace tamo::stage {
 
-/// Whether a binary property list can be handed to the library that reads it. The library checks that every
-/// object lies within the bytes; this looks for what it does not check:
-///   - containers nested too deep, or in themselves;
-///   - containers that are named so often that the list would grow without bound;
-///   - an integer of more than 64 bits, which the library would silently cut. macOS keeps such a number; here
-///     the whole list counts as unreadable;
-///   - a set, which the library would take for an array. macOS keeps it as what it is; here the whole list
-///     counts as unreadable;
-///   - a key that is no text, or has a zero in it, at which the library would end the process. macOS takes
-///     the zero for a character; here the whole list counts as unreadable.
+/// Whether a binary property list can be handed to the library that reads it. Not so, because macOS refuses it
+/// and the library does not:
+///   - a table of offsets that is not exactly as large as the list says, or leads out of the objects;
+///   - an object that reaches into the table;
+///   - containers nested too deep, in themselves, or named so often that the list would grow without bound;
+///   - a key that is no text.
+/// Nor so, although macOS reads it, because the library would read something else or end the process:
+///   - a zero in a text, at which the library would cut it;
+///   - a byte beyond ASCII in a narrow text, or half a surrogate pair in a wide one;
+///   - an integer of more than 64 bits, a set, a null.
 /// Pure, any thread.
 [[nodiscard]] bool binaryListIsSound(std::string_view bytes);
 

@@ -8,12 +8,20 @@
 #include "platform/stage/values/property_list_scalars.hpp"
 
 namespace tamo::stage {
+namespace {
+
+bool isAscii(char character) {
+  return static_cast<unsigned char>(character) < 0x80;
+}
+
+}  // namespace
 
 using platform::PropertyList;
 
-bool PropertyListBuilder::begin(std::string_view name) {
+bool PropertyListBuilder::begin(std::string_view name, bool isEmpty) {
   const auto element = elementNamed(name);
   if (!element || open_.size() > platform::deepestNesting || !mayBegin(*element)) return false;
+  if (isEmpty && (*element == Element::Date || *element == Element::Data)) return false;
   const bool isValue = *element != Element::Plist && *element != Element::Key;
   if (isValue && ++values_ > platform::mostValues) return false;
   Open opened{.element = *element};
@@ -26,8 +34,23 @@ bool PropertyListBuilder::begin(std::string_view name) {
 bool PropertyListBuilder::text(std::string_view piece) {
   auto& open = open_.back();
   if (isContainer(open.element)) return piece.find_first_not_of(" \t\n\r") == std::string_view::npos;
+  if (open.element == Element::Data) return std::all_of(piece.begin(), piece.end(), &isAscii);
   open.text += piece;
   return true;
+}
+
+bool PropertyListBuilder::reference(std::string_view character) {
+  auto& open = open_.back();
+  if (takesAnySpelling(open.element)) open.text += character;
+  return takesAnySpelling(open.element) || open.element == Element::Data;
+}
+
+bool PropertyListBuilder::literal() const {
+  return takesAnySpelling(open_.back().element);
+}
+
+bool PropertyListBuilder::aside() const {
+  return open_.empty() || isContainer(open_.back().element);
 }
 
 bool PropertyListBuilder::end() {
@@ -51,9 +74,9 @@ auto PropertyListBuilder::elementNamed(std::string_view name) -> std::optional<E
   using enum Element;
   using Named = std::pair<std::string_view, Element>;
   constexpr std::array elements{
-      Named{"plist", Plist},   Named{"dict", Dict},       Named{"array", Array}, Named{"key", Key},
-      Named{"string", String}, Named{"integer", Integer}, Named{"real", Real},   Named{"true", True},
-      Named{"false", False},   Named{"date", Opaque},     Named{"data", Opaque},
+      Named{"plist", Plist},   Named{"dict", Dict}, Named{"array", Array},     Named{"key", Key},
+      Named{"string", String}, Named{"real", Real}, Named{"integer", Integer}, Named{"true", True},
+      Named{"false", False},   Named{"date", Date}, Named{"data", Data},
   };
   const auto* found = std::find_if(elements.begin(), elements.end(),
                                    [name](const Named& element) { return element.first == name; });
@@ -93,7 +116,10 @@ std::optional<PropertyList> PropertyListBuilder::valueOf(Open open) {
     case Element::False:
       if (!open.text.empty()) return std::nullopt;
       return PropertyList{open.element == Element::True};
-    case Element::Opaque:
+    case Element::Date:
+      if (!isDate(open.text)) return std::nullopt;
+      return PropertyList{PropertyList::Other()};
+    case Element::Data:
       return PropertyList{PropertyList::Other()};
     default:
       return PropertyList{std::move(open.text)};

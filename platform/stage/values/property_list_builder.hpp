@@ -14,10 +14,16 @@ namespace tamo::stage {
 /// be a property list; after a no there are no more events. One thread.
 class PropertyListBuilder {
  public:
-  /// The beginning of an element.
-  [[nodiscard]] bool begin(std::string_view name);
+  /// The beginning of an element, and whether it is written as an empty one ("<data/>").
+  [[nodiscard]] bool begin(std::string_view name, bool isEmpty);
   /// A piece of text within an element; an element can have several.
   [[nodiscard]] bool text(std::string_view piece);
+  /// A character within an element that is written as a reference ("&amp;", "&#38;").
+  [[nodiscard]] bool reference(std::string_view character);
+  /// The beginning of a literal part within an element ("<![CDATA[").
+  [[nodiscard]] bool literal() const;
+  /// A comment or an instruction.
+  [[nodiscard]] bool aside() const;
   /// The end of the element that began last.
   [[nodiscard]] bool end();
 
@@ -25,7 +31,7 @@ class PropertyListBuilder {
   [[nodiscard]] std::optional<platform::PropertyList> result();
 
  private:
-  enum class Element { Plist, Dict, Array, Key, String, Integer, Real, True, False, Opaque };
+  enum class Element { Plist, Dict, Array, Key, String, Real, Integer, True, False, Date, Data };
 
   /// An element whose end has not come yet, with what it holds so far.
   struct Open {
@@ -40,6 +46,10 @@ class PropertyListBuilder {
 
   static std::optional<Element> elementNamed(std::string_view name);
   static bool isContainer(Element element) { return element <= Element::Array; }
+  /// Whether macOS takes the text with references and literal parts in it.
+  static bool takesAnySpelling(Element element) {
+    return element >= Element::Key && element <= Element::Real;
+  }
   static std::optional<platform::PropertyList> valueOf(Open open);
   [[nodiscard]] bool mayBegin(Element element) const;
   void put(platform::PropertyList value);

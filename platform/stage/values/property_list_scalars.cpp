@@ -13,6 +13,11 @@ namespace {
 using platform::PropertyList;
 
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+constexpr std::string_view digits = "0123456789";
+
+bool isDigit(char character) {
+  return digits.find(character) != std::string_view::npos;
+}
 
 void skipWhiteSpace(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(whiteSpace), text.size()));
@@ -25,15 +30,15 @@ bool takeMinus(std::string_view& text) {
   return minus;
 }
 
-std::optional<std::uint64_t> magnitude(std::string_view digits) {
+std::optional<std::uint64_t> magnitude(std::string_view number) {
   int base = 10;
-  if (digits.starts_with("0x") || digits.starts_with("0X")) {
-    digits.remove_prefix(2);
+  if (number.starts_with("0x") || number.starts_with("0X")) {
+    number.remove_prefix(2);
     base = 16;
   }
   std::uint64_t value = 0;
-  const auto* end = digits.data() + digits.size();
-  const auto [stopped, error] = std::from_chars(digits.data(), end, value, base);
+  const auto* end = number.data() + number.size();
+  const auto [stopped, error] = std::from_chars(number.data(), end, value, base);
   if (error != std::errc() || stopped != end) return std::nullopt;
   return value;
 }
@@ -96,6 +101,14 @@ std::optional<PropertyList> realValue(const std::string& text) {
   const double value = std::strtod(text.c_str(), &stopped);
   if (stopped == text.c_str() || stopped != text.c_str() + text.size()) return std::nullopt;
   return PropertyList{value};
+}
+
+bool isDate(std::string_view text) {
+  constexpr std::string_view behindTheYear = "-00-00T00:00:00Z";
+  if (text.starts_with('-')) text.remove_prefix(1);
+  text.remove_prefix(std::min(text.find_first_not_of(digits), text.size()));
+  return std::equal(text.begin(), text.end(), behindTheYear.begin(), behindTheYear.end(),
+                    [](char seen, char meant) { return meant == '0' ? isDigit(seen) : seen == meant; });
 }
 
 }  // namespace tamo::stage
