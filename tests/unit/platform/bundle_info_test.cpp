@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "contract/binary_list_builder.hpp"
 #include "fakes/fake_files.hpp"
 
 namespace tamo::platform {
@@ -53,6 +54,36 @@ TEST_F(BundleInfoTest, AValueThatIsNoTextGivesNothing) {
 TEST_F(BundleInfoTest, ABundleThatDeclaresNoIdentifierHasNone) {
   placeInfo("<dict><key>CFBundleName</key><string>a.b</string></dict>");
   EXPECT_TRUE(bundleInfo(files, "/A.app"));
+  EXPECT_EQ(bundleIdentifier(files, "/A.app"), std::nullopt);
+}
+
+TEST_F(BundleInfoTest, AnEmptyTextIsPresent) {
+  placeInfo("<dict><key>CFBundleVersion</key><string/><key>CFBundleIdentifier</key><string></string></dict>");
+  EXPECT_EQ(bundleText(files, "/A.app", "CFBundleVersion"), "");
+  EXPECT_EQ(bundleIdentifier(files, "/A.app"), "");
+}
+
+TEST_F(BundleInfoTest, AnEmptyDictionaryIsThereAndSaysNothing) {
+  placeInfo("<dict/>");
+  EXPECT_TRUE(bundleInfo(files, "/A.app"));
+  EXPECT_EQ(bundleIdentifier(files, "/A.app"), std::nullopt);
+}
+
+TEST_F(BundleInfoTest, ABinaryInfoFileIsReadAsWell) {
+  files.contents["/A.app/Contents/Info.plist"] = BinaryListBuilder()
+                                                     .addDictionary("\1", "\2")
+                                                     .add(
+                                                         "\x5F\x10\x12"
+                                                         "CFBundleIdentifier")
+                                                     .addText("a.b")
+                                                     .bytes();
+  EXPECT_EQ(bundleIdentifier(files, "/A.app"), "a.b");
+}
+
+TEST_F(BundleInfoTest, AKeyIsTheWholeKeyWithItsLetterCase) {
+  placeInfo(
+      "<dict><key>cfbundleidentifier</key><string>a</string><key>CFBundleIdentifier </key>"
+      "<string>b</string><key>\uFEFFCFBundleIdentifier</key><string>c</string></dict>");
   EXPECT_EQ(bundleIdentifier(files, "/A.app"), std::nullopt);
 }
 
