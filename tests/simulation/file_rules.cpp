@@ -56,7 +56,7 @@ int mostInfos(const Companion& companion) {
   if (!record.dispatched) return 1;
   if (moves(companion)) return 3;
   const bool stops = mayPrint(companion) && record.lastLook && record.lastLook->told;
-  return guards(companion) + static_cast<int>(record.stops.size()) + (stops ? 1 : 0);
+  return guards(companion) + static_cast<int>(record.begunStops()) + (stops ? 1 : 0);
 }
 
 int mostResolutions(const Companion& companion) {

@@ -113,8 +113,11 @@ struct Record {
   bool socketAnswered = false;
   /// What the last print of the job told, when it came as launchctl makes it.
   std::optional<PrintTold> print;
-  /// How many hard stops there had been by then.
+  /// How many hard stops had been begun by then.
   std::size_t stopsBeforePrint = 0;
+  /// The hard stops whose watcher found no thread; they are not among `stops`.
+  std::size_t unwatchedStops = 0;
+  [[nodiscard]] std::size_t begunStops() const { return stops.size() + unwatchedStops; }
 
   /// What the move was told of the folder of the destination.
   std::optional<bool> folderWritable;

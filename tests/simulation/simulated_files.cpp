@@ -56,7 +56,7 @@ void tellPrint(Companion& companion, const std::string& path, const std::optiona
 void forgetPrint(Record& record) {
   record.print.reset();
   record.lastLook.reset();
-  record.stopsBeforePrint = record.stops.size();
+  record.stopsBeforePrint = record.begunStops();
 }
 
 /// What a reader gets of a file that is not read as it is. No property list survives any of it.

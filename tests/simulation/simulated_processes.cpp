@@ -211,7 +211,10 @@ void SimulatedKernelProcesses::strike(const Process& process) {
 }
 
 bool SimulatedThreads::detach(std::function<void()> work) {
-  if (companion_.enter(Call::detach)) return false;
+  if (companion_.enter(Call::detach)) {
+    ++companion_.record.unwatchedStops;
+    return false;
+  }
   companion_.detach(std::move(work));
   return true;
 }

@@ -226,13 +226,13 @@ void stopFailed(Companion& companion) {
   if (!stops.empty() && !stops.back().noted) stops.back().failedAt = companion.world.timeline.now();
 }
 
-/// Who saw the Core's pid in the print looks at the process, and watches what is there.
+/// Who saw the Core's pid in the print looks at the process, and asks for a thread to watch what is there.
 void asksToStop(Companion& companion) {
   const auto& record = companion.record;
   if (actionOf(companion) == "unregister" || !record.print || !record.print->pid) return;
   const bool looked = record.lastLook && record.lastLook->pid == *record.print->pid;
   companion.expect(looked, Invariant::Watched, "a Core that was told of is not looked at");
-  const bool watches = record.stops.size() == record.stopsBeforePrint + 1;
+  const bool watches = record.begunStops() == record.stopsBeforePrint + 1;
   companion.expect(!looked || !record.lastLook->told || watches, Invariant::Watched, "nothing is watched");
 }
 

@@ -33,7 +33,8 @@ namespace tamo::simulation {
   INVARIANT(Ends, "every companion comes to an end")                                                      \
   INVARIANT(Requested, "the last request within the 0.4 seconds is carried out")                          \
   INVARIANT(Leftovers, "no print file is left behind")                                                    \
-  INVARIANT(Watched, "a stop request is watched when the Core was told of and is there")                  \
+  INVARIANT(Watched,                                                                                      \
+            "a stop request is watched when the Core was told of and is there, and a thread can be had")  \
   INVARIANT(DataPlaces, "markers and sockets are looked for where the configuration has the data")        \
   INVARIANT(Settings, "the login-items settings are opened once where approval is needed, or never")      \
   INVARIANT(Tools, "a tool is started when it is due, with its own words and streams")                    \
