@@ -159,7 +159,7 @@ TEST_F(MisreadingTreeTest, APlaceThatIsGoneOrNoLongerOneIsAFault) {
 }
 
 /// Fewer would mean that tables are lost.
-constexpr std::size_t fewest = 50;
+constexpr std::size_t fewest = 150;
 
 /// The tables of this tree. A change of the product that takes a misreading its place is told here at once.
 TEST(MisreadingTablesTest, EveryPlaceStandsInTheTree) {
