@@ -122,7 +122,9 @@ TEST(ValuesListFormsTest, ADeclarationWithinTheDocumentMakesItUnreadable) {
 
 TEST(ValuesListFormsTest, ATagEndsAtItsFirstBracket) {
   EXPECT_TRUE(isUnreadable("<array a=\">\"/>"));
-  EXPECT_FALSE(readPropertyList("<!DOCTYPE plist SYSTEM \">\"><plist><true/></plist>"));
+  for (const auto* name : {">", "["})
+    EXPECT_FALSE(
+        readPropertyList("<!DOCTYPE plist SYSTEM \"" + std::string(name) + "\"><plist><true/></plist>"));
   EXPECT_FALSE(isUnreadable("<array a=\"/\"/>"));
 }
 
@@ -135,6 +137,26 @@ TEST(ValuesBinaryFormsTest, TheTableOfOffsetsIsExact) {
   EXPECT_FALSE(readPropertyList(list.bytes()));
   list.statedCount = 2;
   EXPECT_TRUE(readPropertyList(list.bytes()));
+}
+
+TEST(ValuesBinaryFormsTest, NumbersOfTheTableMayBeOfAnyWidth) {
+  for (const std::size_t width : {1U, 2U, 3U, 8U, 9U, 16U}) {
+    const auto number = [width](char value) { return std::string(width - 1, '\0') + value; };
+    const auto objects = "bplist00\xA2" + number(1) + number(2) +
+                         "\x51"
+                         "a"
+                         "\x51"
+                         "b";
+    const auto texts = static_cast<char>(objects.size() - 4);
+    const auto offsets = number(8) + number(texts) + number(static_cast<char>(texts + 2));
+    const auto widths = std::string(6, '\0') + std::string(2, static_cast<char>(width));
+    const auto trailer =
+        widths + std::string(7, '\0') + '\3' + std::string(15, '\0') + static_cast<char>(objects.size());
+    const auto list = readPropertyList(objects + offsets + trailer);
+    ASSERT_TRUE(list && list->array()) << width;
+    EXPECT_EQ(*list->array()->front().text(), "a") << width;
+    EXPECT_EQ(*list->array()->back().text(), "b") << width;
+  }
 }
 
 TEST(ValuesBinaryFormsTest, EveryOffsetLeadsToTheObjects) {

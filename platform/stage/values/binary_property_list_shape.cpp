@@ -36,10 +36,11 @@ class Walk {
     Dictionary = 0xD
   };
 
-  /// The big-endian number of `size` bytes at `at`; absent when it is not within `bytes`.
+  /// The big-endian number of `size` bytes at `at`, of which the last eight count; absent when it is not within
+  /// `bytes`.
   [[nodiscard]] static std::optional<std::uint64_t> number(std::string_view bytes, std::uint64_t at,
                                                            std::uint64_t size) {
-    if (size == 0 || size > 8 || at > bytes.size() || size > bytes.size() - at) return std::nullopt;
+    if (at > bytes.size() || size > bytes.size() - at) return std::nullopt;
     std::uint64_t value = 0;
     for (const char byte : bytes.substr(at, size))
       value = value << 8U | static_cast<unsigned char>(byte);
@@ -47,7 +48,7 @@ class Walk {
   }
 
   [[nodiscard]] static bool reaches(std::uint64_t width, std::uint64_t limit) {
-    return width == 8 || limit < std::uint64_t{1} << 8U * width;
+    return width >= 8 || limit < std::uint64_t{1} << 8U * width;
   }
 
   /// The objects lie behind the first eight bytes, then comes one offset for each of them, then what says so.
@@ -62,8 +63,7 @@ class Walk {
     count_ = stated(8, 8);
     top_ = stated(16, 8);
     const auto table = stated(24, 8);
-    const auto isWidth = [](std::uint64_t width) { return width > 0 && width <= 8; };
-    if (!isWidth(offsetSize_) || !isWidth(referenceSize_) || table <= frontSize) return false;
+    if (offsetSize_ == 0 || referenceSize_ == 0 || table <= frontSize) return false;
     if (count_ > bytes_.size() || table > trailer || table + count_ * offsetSize_ != trailer) return false;
     if (!reaches(referenceSize_, count_) || !reaches(offsetSize_, table)) return false;
     objects_ = bytes_.substr(0, table);
@@ -132,7 +132,7 @@ class Walk {
       const auto marker = number(objects_, at + 1, 1).value_or(0);
       const auto size = std::uint64_t{1} << (marker & 0xFU);
       const auto count = number(objects_, at + 2, size);
-      if (marker >> 4U != Integer || !count) return std::nullopt;
+      if (marker >> 4U != Integer || size > 8 || !count) return std::nullopt;
       inside = {.at = at + 2 + size, .count = *count};
     }
     if (inside.count > (objects_.size() - inside.at) / width) return std::nullopt;

@@ -62,13 +62,13 @@ class Reading {
     return builder_.text(text == "\n" ? first : text);
   }
 
-  static bool endsATag(const XML_Char* value) {
-    return value != nullptr && std::string_view(value).find('>') != std::string_view::npos;
+  static bool holdsOneOf(const XML_Char* brackets, const XML_Char* value) {
+    return value != nullptr && std::string_view(value).find_first_of(brackets) != std::string_view::npos;
   }
 
   bool takeBegin(const XML_Char* name, const XML_Char** attributes) {
     for (; *attributes != nullptr; ++attributes)
-      if (endsATag(*attributes)) return false;
+      if (holdsOneOf(">", *attributes)) return false;
     return builder_.begin(name, written(End::Back).ends_with("/>"));
   }
 
@@ -98,7 +98,7 @@ class Reading {
   }
   static void onDocumentType(void* data, const XML_Char* /*name*/, const XML_Char* systemId,
                              const XML_Char* /*publicId*/, int hasDeclarations) noexcept {
-    if (hasDeclarations != 0 || endsATag(systemId)) refuse(data);
+    if (hasDeclarations != 0 || holdsOneOf(">[", systemId)) refuse(data);
   }
   static void onSkippedEntity(void* data, const XML_Char* /*name*/, int /*isParameter*/) noexcept {
     refuse(data);
