@@ -119,8 +119,9 @@ Changed withMisreading(const fs::path& project, const Misreading& misreading) {
 }
 
 void sortForBuilding(std::vector<Misreading>& entries) {
-  std::ranges::stable_sort(
-      entries, {}, [](const auto& entry) { return std::pair(entry.table, entry.replacements.front().file); });
+  std::ranges::sort(entries, {}, [](const auto& entry) {
+    return std::tuple(entry.table, entry.replacements.front().file, entry.line);
+  });
 }
 
 std::map<std::string, Finding> findingsIn(const std::string& text) {
