@@ -4,6 +4,7 @@
 #include <array>
 #include <iomanip>
 #include <sstream>
+#include <tuple>
 
 namespace tamo::mutation {
 namespace {
