@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "mutation/misreading_round.hpp"
 
@@ -102,7 +103,9 @@ class MisreadingTreeTest : public ::testing::Test {
             .replacements = std::move(replacements)};
   }
 
-  const std::filesystem::path tree = std::filesystem::path(::testing::TempDir()) / "tamo-misreadings";
+  /// Each test has a folder of its own: others run beside it.
+  const std::filesystem::path tree =
+      std::filesystem::path(::testing::TempDir()) / ("tamo-misreadings-" + std::to_string(::getpid()));
 };
 
 TEST_F(MisreadingTreeTest, ANameIsUniqueOverAllTables) {
