@@ -1,0 +1,74 @@
+#include "acceptance/check.hpp"
+#include "acceptance/scene.hpp"
+
+namespace tamo::acceptance {
+namespace {
+
+using namespace std::chrono_literals;
+
+void approvalWithheld(Scene& scene) {
+  scene.place.user.approve(false);
+  scene.ended(scene.act("status"), "status -> status * ok Optional(true)");
+  const auto acted = scene.act("register");
+  scene.ended(acted, "register -> status 2 ok Optional(false)*");
+  scene.see.fact("registering with the approval withheld", acted.outcome());
+  scene.see.equal("no Core runs", "0", std::to_string(scene.coreNow()));
+  scene.place.user.approve(true);
+  scene.act("register");
+  scene.ended(scene.act("status"), enabled("status"));
+  scene.see.that(scene.alive(scene.core()), "the Core runs once it is allowed");
+}
+
+void theSignature(Scene& scene) {
+  scene.see.equal("the signature of the installed copy holds", "",
+                  scene.place.copies.signatureFault(Copy::Installed));
+  const auto print = scene.place.job.print().text;
+  const auto at = print.find("\"signing-identifier\" => \"");
+  const auto line = at == std::string::npos ? "no such line" : print.substr(at, print.find('\n', at) - at);
+  scene.see.fact("the signing identifier in the print of the job", line);
+}
+
+void asleepInTheGrace(Scene& scene) {
+  const auto before = scene.freshCore("term=ignore");
+  const auto going = scene.begin("restart");
+  Scene::pause(1s);
+  scene.place.user.sleepAWhile();
+  const auto acted = scene.finish(going);
+  scene.see.fact("a restart during which the machine slept", acted.outcome());
+  const auto killed = hardStop(before, "killedGroup(" + std::to_string(before) + ", gone: true)");
+  const bool told =
+      acted.lines.size() == 3 && (comparable(acted.lines.at(1)) == killed ||
+                                  comparable(acted.lines.at(1)) == hardStop(before, "cancelled"));
+  scene.see.that(told, "the hard stop killed the Core on waking, or was called off",
+                 acted.lines.size() < 2 ? "" : comparable(acted.lines.at(1)));
+  scene.replaced(before);
+}
+
+/// After a companion of each kind.
+void nothingEndedByItself(Scene& scene) {
+  const auto since = scene.place.evidence.now();
+  for (const auto* action :
+       {"register", "status", "sync", "reseat", "restart", "audit-install", "unregister"})
+    scene.act(action);
+  std::string noted;
+  for (const auto& one : scene.place.evidence.crashes(since))
+    noted += one + "\n";
+  scene.see.equal("no companion was ended by a condition of its own or by a signal", "", noted);
+}
+
+}  // namespace
+
+Theme systemChecks() {
+  using enum Setting;
+  return {"system",
+          {{"approval", "With the approval withheld nothing starts; given back, the Core runs.", Installed,
+            approvalWithheld, false,
+            "Switch Tamo off, and later on again, in System Settings, General, Login Items (& Extensions)."},
+           {"signature", "The signature of the installed copy holds.", Registered, theSignature},
+           {"sleep-in-the-grace", "A machine that sleeps in the grace kills on waking, or not at all.",
+            Registered, asleepInTheGrace, true, "The machine goes to sleep; wake it after a minute."},
+           {"nothing-ended-by-itself", "No action ends by a fault or a signal.", Installed,
+            nothingEndedByItself}}};
+}
+
+}  // namespace tamo::acceptance

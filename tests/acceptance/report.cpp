@@ -1,0 +1,120 @@
+#include "acceptance/report.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "platform/posix/posix_files.hpp"
+
+namespace tamo::acceptance {
+namespace {
+
+std::string inCell(const std::string& text) {
+  std::string cell;
+  for (const char character : text)
+    cell += character == '\n'  ? std::string("; ")
+            : character == '|' ? std::string("\\|")
+                               : std::string(1, character);
+  return cell.ends_with("; ") ? cell.substr(0, cell.size() - 2) : cell;
+}
+
+std::string fenced(const std::string& text) {
+  return "```\n" + text + (text.ends_with('\n') ? "" : "\n") + "```\n";
+}
+
+std::string head(const Report& report) {
+  const auto counts = countsOf(report.checks);
+  return "# Acceptance on a " + report.place.kind + "\n\n| | |\n|---|---|\n| system | " +
+         inCell(report.place.system) + " |\n| processor | " + inCell(report.place.processor) +
+         " |\n| signature | " + inCell(report.place.signature) + " |\n| begun | " + report.begun +
+         " |\n| took | " + secondsText(report.took) + " |\n| held | " + std::to_string(counts.held) +
+         " |\n| failed | " + std::to_string(counts.failed) + " |\n| not played here | " +
+         std::to_string(counts.notPlayed) + " |\n\n" +
+         "docs/first-time-on-a-mac.md says what each check means when it does not hold.\n";
+}
+
+std::string failure(const Played& played) {
+  std::string text =
+      "\n### " + std::string(played.check->name) + "\n\n" + std::string(played.check->sees) + "\n";
+  for (const auto& judgement : played.findings.judgements()) {
+    if (judgement.holds) continue;
+    text += "\nNot so: " + judgement.what + "\n\n";
+    if (!judgement.expected.empty()) text += "expected\n\n" + fenced(judgement.expected);
+    text += "seen\n\n" + fenced(judgement.seen);
+  }
+  return text;
+}
+
+std::string failures(const Report& report) {
+  std::string text;
+  for (const auto& played : report.checks)
+    if (played.outcome == Outcome::Failed) text += failure(played);
+  return text.empty() ? "\nNothing failed.\n" : "\n## What did not hold\n" + text;
+}
+
+std::string table(const Report& report) {
+  std::string text =
+      "\n## Every check\n\n| theme | check | outcome | time | what must be seen |\n|---|---|---|---|---|\n";
+  for (const auto& played : report.checks) {
+    const auto reason = played.reason.empty() ? "" : ": " + inCell(played.reason);
+    text += "| " + played.theme + " | " + std::string(played.check->name) + " | " +
+            outcomeText(played.outcome) + reason + " | " + secondsText(played.took) + " | " +
+            std::string(played.check->sees) + " |\n";
+  }
+  return text;
+}
+
+std::string facts(const Report& report) {
+  std::string text = "\n## Facts\n\nAsked and not judged.\n\n| check | question | answer |\n|---|---|---|\n";
+  for (const auto& played : report.checks)
+    for (const auto& fact : played.findings.facts())
+      text += "| " + std::string(played.check->name) + " | " + inCell(fact.question) + " | " +
+              inCell(fact.answer) + " |\n";
+  return text;
+}
+
+bool writeKept(const Played& played, const std::string& folder, const std::vector<Secret>& secrets) {
+  if (played.findings.kept().empty()) return true;
+  const auto own = folder + "/" + std::string(played.check->name);
+  bool written = platform::posix::createDirectories(own);
+  for (const auto& kept : played.findings.kept())
+    written =
+        platform::posix::writeAtomically(own + "/" + kept.name, redacted(kept.text, secrets)) && written;
+  return written;
+}
+
+}  // namespace
+
+Counts countsOf(const std::vector<Played>& checks) {
+  const auto count = [&](Outcome outcome) {
+    return static_cast<std::size_t>(std::ranges::count(checks, outcome, &Played::outcome));
+  };
+  return {count(Outcome::Held), count(Outcome::Failed), count(Outcome::NotPlayed)};
+}
+
+std::string outcomeText(Outcome outcome) {
+  static constexpr std::array texts = {"held", "failed", "not played here"};
+  return texts.at(static_cast<std::size_t>(outcome));
+}
+
+std::string secondsText(std::chrono::milliseconds time) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.1f s", static_cast<double>(time.count()) / 1000);
+  return text.data();
+}
+
+std::string markdownOf(const Report& report) {
+  return head(report) + failures(report) + table(report) + facts(report);
+}
+
+bool writeReport(const Report& report, const std::string& folder, const std::vector<Secret>& secrets) {
+  bool written = platform::posix::createDirectories(folder);
+  for (const auto& played : report.checks)
+    written = writeKept(played, folder, secrets) && written;
+  const auto json = redacted(jsonOf(report), secrets);
+  return platform::posix::writeAtomically(folder + "/report.json", json) &&
+         platform::posix::writeAtomically(folder + "/report.md", redacted(markdownOf(report), secrets)) &&
+         written;
+}
+
+}  // namespace tamo::acceptance

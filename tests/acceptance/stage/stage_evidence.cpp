@@ -1,0 +1,111 @@
+#include "acceptance/stage/stage_evidence.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <thread>
+
+namespace tamo::acceptance {
+namespace {
+
+using namespace std::chrono;
+
+std::string unescaped(std::string_view text) {
+  std::string plain;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool escape = text[at] == '\\' && at + 1 < text.size();
+    if (escape) ++at;
+    if (!escape || text[at] == '\\') {
+      plain += text[at];
+    } else {
+      plain += text[at] == 'n' ? '\n' : text[at] == 't' ? '\t' : text[at];
+    }
+  }
+  return plain;
+}
+
+std::optional<std::int64_t> timeOf(const std::string& text) {
+  int year = 0;
+  unsigned month = 0;
+  unsigned dayOfMonth = 0;
+  int hour = 0;
+  int minute = 0;
+  int second = 0;
+  int milli = 0;
+  const int read = std::sscanf(text.c_str(), "%d-%u-%uT%d:%d:%d.%dZ", &year, &month, &dayOfMonth, &hour,
+                               &minute, &second, &milli);
+  if (read != 7) return std::nullopt;
+  const sys_days date = std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(dayOfMonth);
+  const auto time =
+      date.time_since_epoch() + hours(hour) + minutes(minute) + seconds(second) + milliseconds(milli);
+  return duration_cast<microseconds>(time).count();
+}
+
+std::vector<Mark> marksOfColumn(std::string_view column) {
+  std::vector<Mark> marks;
+  for (std::size_t at = 0; at < column.size(); ++at) {
+    if (column[at] == '\\') {
+      ++at;
+    } else if (column[at] == '{') {
+      marks.push_back(column.substr(at).starts_with("{public") ? Mark::Public : Mark::Private);
+    }
+  }
+  return marks;
+}
+
+std::vector<std::string_view> split(std::string_view line) {
+  std::vector<std::string_view> columns;
+  for (std::size_t start = 0; start <= line.size();) {
+    const auto end = std::min(line.find('\t', start), line.size());
+    columns.push_back(line.substr(start, end - start));
+    start = end + 1;
+  }
+  return columns;
+}
+
+}  // namespace
+
+std::optional<Line> lineOfStage(std::string_view columns) {
+  const auto parts = split(columns);
+  if (parts.size() != 7) return std::nullopt;
+  const auto time = timeOf(std::string(parts[0]));
+  if (!time) return std::nullopt;
+  return Line{.time = *time,
+              .pid = std::atoi(std::string(parts[1]).c_str()),
+              .level = parts[2] == "error" ? Level::Error : Level::Default,
+              .text = unescaped(parts[5]),
+              .marks = marksOfColumn(parts[6])};
+}
+
+/// As coarse as the log's times.
+std::int64_t StageEvidence::now() {
+  // A line of what has just ended may bear the same millisecond.
+  std::this_thread::sleep_for(milliseconds(2));
+  return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count() * 1000;
+}
+
+/// A companion's lines are in the file before it ends, so nothing has to be waited for.
+std::vector<Line> StageEvidence::lines(std::int64_t since, std::size_t endings) {
+  std::vector<Line> found;
+  for (int look = 0; look < 500; ++look) {
+    found.clear();
+    std::ifstream log(root_.control("log"));
+    for (std::string text; std::getline(log, text);) {
+      auto line = lineOfStage(text);
+      if (line && line->time >= since) found.push_back(*std::move(line));
+    }
+    const auto ended = std::ranges::count_if(found, endsAction);
+    const bool everybodyIsDone = endings <= 1 && companions_.allEnded();
+    if (static_cast<std::size_t>(ended) >= endings || everybodyIsDone) break;
+    std::this_thread::sleep_for(milliseconds(10));
+  }
+  return found;
+}
+
+std::vector<std::string> StageEvidence::crashes(std::int64_t) {
+  return companions_.crashes();
+}
+
+}  // namespace tamo::acceptance

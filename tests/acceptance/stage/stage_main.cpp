@@ -1,0 +1,47 @@
+#include <iostream>
+
+#include "acceptance/identity.hpp"
+#include "acceptance/session.hpp"
+#include "acceptance/stage/canaries.hpp"
+#include "acceptance/stage/canary_session.hpp"
+#include "acceptance/stage/stage_place.hpp"
+#include "platform/stage/programs/stage_layout.hpp"
+
+namespace {
+
+using namespace tamo::acceptance;
+
+int playOnStages(const Orders& orders) {
+  if (orders.canaries)
+    return playCanaries(orders.names, tamo::stage::ownProgramFolder(), orders.atOnce, std::cout);
+  const auto* canary = orders.canary.empty() ? nullptr : canaryOf(orders.canary);
+  if (!orders.canary.empty() && canary == nullptr) {
+    std::cerr << "accept: \"" << orders.canary << "\" is no check with a canary\n";
+    return 2;
+  }
+  const auto programs = tamo::stage::ownProgramFolder();
+  const auto lay = [&](const Check& check) -> Lay {
+    const bool lies = canary != nullptr && canary->check == check.name;
+    return [&programs, lie = lies ? canary->plant : Lie()] { return laidStage(programs, lie); };
+  };
+  const Offer offer{.terms = {.repetitions = orders.repetitions, .underLoad = orders.underLoad}};
+  return playSession(
+      orders,
+      {.facts = stageFacts(), .lay = lay, .offer = offer, .secrets = secretsOf(identityOfThisProcess())});
+}
+
+}  // namespace
+
+/// Plays the checks on stages. The words are those of ./accept.
+int main(int count, char** words) {
+  const auto orders = ordersOf({words + 1, words + count});
+  if (!orders) {
+    std::cerr << "accept: " << orders.error() << "\n";
+    return 2;
+  }
+  if (orders->list) {
+    std::cout << listOfChecks();
+    return 0;
+  }
+  return playOnStages(*orders);
+}
