@@ -2,6 +2,8 @@
 
 #include "platform/stage/privileges.hpp"
 #include "platform/stage/programs/core_program.hpp"
+#include "platform/stage/stage_root.hpp"
+#include "platform/stage/stream_sockets.hpp"
 
 int main() {
   tamo::stage::renouncePrivileges();
@@ -11,5 +13,8 @@ int main() {
     std::cout << "core: \"" << behaviour.error() << "\" is no behaviour" << std::endl;
     return 64;
   }
-  return tamo::stage::runCore(root, *behaviour);
+  return tamo::stage::runCore({.dataDirectory = root.host(root.home() + "/Library/Application Support/Tamo"),
+                               .presence = root.directory(),
+                               .listen = tamo::stage::listeningAt},
+                              *behaviour);
 }

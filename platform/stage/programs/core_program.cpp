@@ -1,10 +1,10 @@
 #include "platform/stage/programs/core_program.hpp"
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
-#include <poll.h>
 #include <string>
-#include <sys/signalfd.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,7 +15,6 @@
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/programs/program_log.hpp"
 #include "platform/stage/programs/stage_presence.hpp"
-#include "platform/stage/stream_sockets.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -27,23 +26,36 @@ void say(const std::string& what) {
   logLine(STDOUT_FILENO, "core " + std::to_string(::getpid()) + ": " + what);
 }
 
-platform::Descriptor terminations() {
-  sigset_t signals;
-  ::sigemptyset(&signals);
-  ::sigaddset(&signals, SIGTERM);
-  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
-  return platform::Descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+/// Set when SIGTERM came, which it does only while the Core waits.
+volatile std::sig_atomic_t told = 0;
+
+void noteTermination(int) {
+  told = 1;
+}
+
+/// Keeps SIGTERM back but for the waits, for which it gives the signals to let through.
+sigset_t terminationsOnlyInWaits() {
+  sigset_t term;
+  sigset_t before;
+  sigemptyset(&term);
+  sigaddset(&term, SIGTERM);
+  ::sigprocmask(SIG_BLOCK, &term, &before);
+  sigdelset(&before, SIGTERM);
+  struct sigaction action {};
+  action.sa_handler = noteTermination;
+  ::sigaction(SIGTERM, &action, nullptr);
+  return before;
 }
 
 /// A helper does nothing but be there; it minds SIGTERM as the Core does.
-[[noreturn]] void help(const StageRoot& root, const CoreBehaviour& behaviour) {
+[[noreturn]] void help(const std::string& presenceDirectory, const CoreBehaviour& behaviour) {
   if (behaviour.childrenLeave) ::setpgid(0, 0);
   const bool obeys = behaviour.term == Term::Obey;
   ::signal(SIGTERM, obeys ? SIG_DFL : SIG_IGN);
   sigset_t none;
-  ::sigemptyset(&none);
+  sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
-  const StagePresence presence(root.directory());
+  const StagePresence presence(presenceDirectory);
   while (presence.isThere())
     ::sleep(1);
   ::_exit(0);
@@ -51,12 +63,12 @@ platform::Descriptor terminations() {
 
 class Core {
  public:
-  Core(const StageRoot& root, const CoreBehaviour& behaviour)
-      : root_(root),
+  Core(const CoreSurroundings& surroundings, const CoreBehaviour& behaviour)
+      : surroundings_(surroundings),
         behaviour_(behaviour),
-        presence_(root.directory()),
+        presence_(surroundings.presence),
         began_(Clock::now()),
-        data_(root.host(root.home() + "/Library/Application Support/Tamo")) {}
+        data_(surroundings.dataDirectory) {}
 
   int run() {
     if (!behaviour_.leadsGroup && ::setpgid(0, ::getpgid(::getppid())) != 0) say("could not join its parent");
@@ -77,7 +89,7 @@ class Core {
     const auto pid = ::fork();
     if (pid < 0) platform::fatal("the Core could not fork");
     if (pid == 0 && behaviour_.childrenAreOrphans && ::fork() != 0) ::_exit(0);
-    if (pid == 0) help(root_, behaviour_);
+    if (pid == 0) help(surroundings_.presence, behaviour_);
     if (behaviour_.childrenAreOrphans) return orphaned(pid);
     // Both sides name the group, so that it is settled whoever runs first.
     if (behaviour_.childrenLeave) ::setpgid(pid, pid);
@@ -92,15 +104,24 @@ class Core {
 
   void turn() {
     if (!up_ && Clock::now() >= began_ + behaviour_.startsSlowly) comeUp();
-    std::vector<pollfd> polled = {{.fd = terminations_.get(), .events = POLLIN, .revents = 0}};
-    for (const auto& socket : sockets_)
-      polled.push_back({.fd = socket.get(), .events = POLLIN, .revents = 0});
-    ::poll(polled.data(), polled.size(), static_cast<int>(pause().count()));
+    wait();
     hangUpCallers();
-    signalfd_siginfo info{};
-    while (::read(terminations_.get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info))
-      toldToEnd();
+    if (told != 0) toldToEnd();
     endWhenDue();
+  }
+
+  /// Until a caller comes, SIGTERM, or whatever is due next.
+  void wait() {
+    fd_set callers;
+    FD_ZERO(&callers);
+    int highest = -1;
+    for (const auto& socket : sockets_) {
+      FD_SET(socket.get(), &callers);
+      highest = std::max(highest, socket.get());
+    }
+    const auto limit = pause();
+    const timespec time{.tv_sec = limit.count() / 1000, .tv_nsec = limit.count() % 1000 * 1'000'000};
+    ::pselect(highest + 1, &callers, nullptr, nullptr, &time, &inWaits_);
   }
 
   void comeUp() {
@@ -115,7 +136,7 @@ class Core {
 
   void listen(const std::string& name) {
     const auto path = data_ + "/" + name;
-    auto socket = listeningAt(path);
+    auto socket = surroundings_.listen(path);
     if (!socket) return say("could not listen on " + name);
     sockets_.push_back(std::move(socket));
     socketPaths_.push_back(path);
@@ -124,11 +145,12 @@ class Core {
   /// Whoever connects wants to know no more than that the Core answers.
   void hangUpCallers() {
     for (const auto& socket : sockets_)
-      while (platform::Descriptor(::accept4(socket.get(), nullptr, nullptr, SOCK_CLOEXEC))) {
+      while (platform::Descriptor(::accept(socket.get(), nullptr, nullptr))) {
       }
   }
 
   void toldToEnd() {
+    told = 0;
     if (behaviour_.term == Term::Ignore || exitAt_) return say("ignores SIGTERM");
     say("obeys SIGTERM");
     exitAt_ = Clock::now() + behaviour_.termDelay;
@@ -157,12 +179,12 @@ class Core {
     return std::max(left, std::chrono::milliseconds(0));
   }
 
-  const StageRoot& root_;
+  const CoreSurroundings& surroundings_;
   const CoreBehaviour behaviour_;
   const StagePresence presence_;
   const Clock::time_point began_;
   const std::string data_;
-  platform::Descriptor terminations_ = terminations();
+  const sigset_t inWaits_ = terminationsOnlyInWaits();
   std::vector<platform::Descriptor> sockets_;
   std::vector<std::string> socketPaths_;
   bool up_ = false;
@@ -172,8 +194,8 @@ class Core {
 
 }  // namespace
 
-int runCore(const StageRoot& root, const CoreBehaviour& behaviour) {
-  return Core(root, behaviour).run();
+int runCore(const CoreSurroundings& surroundings, const CoreBehaviour& behaviour) {
+  return Core(surroundings, behaviour).run();
 }
 
 }  // namespace tamo::stage
