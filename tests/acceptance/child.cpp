@@ -29,8 +29,8 @@ std::vector<char*> pointers(std::vector<std::string>& words) {
 void setAttributes(posix_spawnattr_t& attributes) {
   sigset_t none;
   sigset_t all;
-  ::sigemptyset(&none);
-  ::sigfillset(&all);
+  sigemptyset(&none);
+  sigfillset(&all);
   ::posix_spawnattr_init(&attributes);
   ::posix_spawnattr_setflags(&attributes, static_cast<short>(POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK |
                                                              POSIX_SPAWN_SETSIGDEF));

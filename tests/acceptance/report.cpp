@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 
 #include "platform/posix/posix_files.hpp"
 
@@ -73,16 +74,6 @@ std::string facts(const Report& report) {
   return text;
 }
 
-bool writeKept(const Played& played, const std::string& folder, const std::vector<Secret>& secrets) {
-  if (played.findings.kept().empty()) return true;
-  const auto own = folder + "/" + std::string(played.check->name);
-  bool written = platform::posix::createDirectories(own);
-  for (const auto& kept : played.findings.kept())
-    written =
-        platform::posix::writeAtomically(own + "/" + kept.name, redacted(kept.text, secrets)) && written;
-  return written;
-}
-
 }  // namespace
 
 Counts countsOf(const std::vector<Played>& checks) {
@@ -107,14 +98,27 @@ std::string markdownOf(const Report& report) {
   return head(report) + failures(report) + table(report) + facts(report);
 }
 
-bool writeReport(const Report& report, const std::string& folder, const std::vector<Secret>& secrets) {
-  bool written = platform::posix::createDirectories(folder);
-  for (const auto& played : report.checks)
-    written = writeKept(played, folder, secrets) && written;
-  const auto json = redacted(jsonOf(report), secrets);
-  return platform::posix::writeAtomically(folder + "/report.json", json) &&
-         platform::posix::writeAtomically(folder + "/report.md", redacted(markdownOf(report), secrets)) &&
-         written;
+void clearReport(const std::string& folder) {
+  std::error_code ignored;
+  for (const auto& theme : allThemes())
+    for (const auto& check : theme.checks)
+      std::filesystem::remove_all(folder + "/" + std::string(check.name), ignored);
+}
+
+bool writeKept(const Played& played, const std::string& folder, const std::vector<Secret>& secrets) {
+  if (played.findings.kept().empty()) return true;
+  const auto own = folder + "/" + std::string(played.check->name);
+  bool written = platform::posix::createDirectories(own);
+  for (const auto& kept : played.findings.kept())
+    written =
+        platform::posix::writeAtomically(own + "/" + kept.name, redacted(kept.text, secrets)) && written;
+  return written;
+}
+
+bool writeTexts(const Report& report, const std::string& folder, const std::vector<Secret>& secrets) {
+  return platform::posix::createDirectories(folder) &&
+         platform::posix::writeAtomically(folder + "/report.json", redacted(jsonOf(report), secrets)) &&
+         platform::posix::writeAtomically(folder + "/report.md", redacted(markdownOf(report), secrets));
 }
 
 }  // namespace tamo::acceptance

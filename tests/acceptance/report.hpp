@@ -34,8 +34,13 @@ struct Counts {
 [[nodiscard]] std::string markdownOf(const Report& report);
 [[nodiscard]] std::string jsonOf(const Report& report);
 
-/// Writes it whole, without the secrets, replacing an earlier one of the same names. False when it could not be written.
-[[nodiscard]] bool writeReport(const Report& report, const std::string& folder,
-                               const std::vector<Secret>& secrets);
+/// Removes what an earlier report of the folder kept of any check, so that no two are mixed.
+void clearReport(const std::string& folder);
+/// Writes what one check keeps, and the two texts about all of them so far, without the secrets. False when something
+/// could not be written.
+[[nodiscard]] bool writeKept(const Played& played, const std::string& folder,
+                             const std::vector<Secret>& secrets);
+[[nodiscard]] bool writeTexts(const Report& report, const std::string& folder,
+                              const std::vector<Secret>& secrets);
 
 }  // namespace tamo::acceptance

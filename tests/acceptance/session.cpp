@@ -1,9 +1,11 @@
 #include "acceptance/session.hpp"
 
 #include <array>
+#include <chrono>
 #include <ctime>
 #include <iostream>
 #include <unistd.h>
+#include <utility>
 
 #include "acceptance/report.hpp"
 #include "acceptance/set.hpp"
@@ -21,6 +23,38 @@ std::string nowText() {
   return text.data();
 }
 
+/// Writes the report as it grows, so that a run that is cut off leaves what it has found.
+class GrowingReport {
+ public:
+  GrowingReport(const Orders& orders, const Venue& venue)
+      : folder_(orders.report), venue_(venue), report_{.place = venue.facts, .begun = nowText()} {
+    clearReport(folder_);
+  }
+  void add(const Played& played) {
+    report_.checks.push_back(played);
+    report_.took = sinceBegun();
+    written_ = writeKept(played, folder_, venue_.secrets) && writeTexts(report_, folder_, venue_.secrets);
+  }
+  /// In the order of the set.
+  Report whole(std::vector<Played> checks) {
+    report_.checks = std::move(checks);
+    report_.took = sinceBegun();
+    written_ = written_ && writeTexts(report_, folder_, venue_.secrets);
+    return report_;
+  }
+  [[nodiscard]] bool written() const { return written_; }
+
+ private:
+  [[nodiscard]] std::chrono::milliseconds sinceBegun() const {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - began_);
+  }
+  const std::string folder_;
+  const Venue& venue_;
+  const std::chrono::steady_clock::time_point began_ = std::chrono::steady_clock::now();
+  Report report_;
+  bool written_ = true;
+};
+
 }  // namespace
 
 int playSession(const Orders& orders, const Venue& venue) {
@@ -30,19 +64,20 @@ int playSession(const Orders& orders, const Venue& venue) {
     return 2;
   }
   Summary summary(std::cout, choice.checks.size(), ::isatty(STDOUT_FILENO) == 1);
+  GrowingReport growing(orders, venue);
   const Watching watching{.begins = [&](const Check& check) { summary.begins(check); },
-                          .ends = [&](const Played& played) { summary.ends(played); }};
-  Report report{.place = venue.facts, .begun = nowText()};
-  const auto began = std::chrono::steady_clock::now();
-  report.checks = playSet(choice.checks, venue.lay, venue.offer, orders.atOnce, watching);
-  report.took =
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - began);
-  const bool written = writeReport(report, orders.report, venue.secrets);
+                          .ends =
+                              [&](const Played& played) {
+                                growing.add(played);
+                                summary.ends(played);
+                              }};
+  const auto report = growing.whole(playSet(choice.checks, venue.lay, venue.offer, orders.atOnce, watching));
   summary.closes(report, orders.report);
-  if (!written) std::cerr << "accept: the report could not be written to " << orders.report << "\n";
+  if (!growing.written())
+    std::cerr << "accept: the report could not be written whole to " << orders.report << "\n";
   const auto counts = countsOf(report.checks);
   if (counts.failed > 0 || counts.held == 0) return 1;
-  return written ? 0 : 3;
+  return growing.written() ? 0 : 3;
 }
 
 }  // namespace tamo::acceptance

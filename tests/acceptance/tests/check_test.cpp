@@ -1,8 +1,12 @@
 #include "acceptance/check.hpp"
 
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <set>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "acceptance/checks/sequences.hpp"
 #include "acceptance/command_line.hpp"
@@ -30,6 +34,13 @@ TEST(ChecksTest, EachHasANameOfItsOwnASentenceAndACourse) {
     }
   }
   EXPECT_GT(seen.size(), 70U);
+}
+
+TEST(ChecksTest, ThePageExplainsEachCheck) {
+  std::ostringstream page;
+  page << std::ifstream(TAMO_SOURCE_DIR "/docs/first-time-on-a-mac.md").rdbuf();
+  for (const auto& name : names())
+    EXPECT_TRUE(page.str().contains("`" + name + "`")) << name;
 }
 
 TEST(ChosenTest, NoNameMeansAll) {

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string>
+#include <unistd.h>
 
 #include "acceptance/summary.hpp"
 
@@ -41,7 +43,13 @@ std::string contents(const std::filesystem::path& path) {
 
 class WrittenReportTest : public ::testing::Test {
  protected:
-  WrittenReportTest() { EXPECT_TRUE(writeReport(sampleReport(), folder.string(), {{"anna", "(user)"}})); }
+  WrittenReportTest() {
+    const std::vector<Secret> secrets{{"anna", "(user)"}};
+    const auto report = sampleReport();
+    for (const auto& played : report.checks)
+      EXPECT_TRUE(writeKept(played, folder.string(), secrets));
+    EXPECT_TRUE(writeTexts(report, folder.string(), secrets));
+  }
   ~WrittenReportTest() override { std::filesystem::remove_all(folder); }
   const std::filesystem::path folder =
       std::filesystem::path(::testing::TempDir()) / ("report-" + std::to_string(::getpid()));
@@ -87,8 +95,15 @@ TEST_F(WrittenReportTest, NoFileNamesWhoMustNotBeNamed) {
   EXPECT_EQ(contents(folder / "restart/lines.txt"), "a line of (user)\n");
 }
 
+TEST_F(WrittenReportTest, WhatAnEarlierOneKeptGoesAndNothingElse) {
+  std::ofstream(folder / "mine.txt") << "mine";
+  clearReport(folder.string());
+  EXPECT_FALSE(std::filesystem::exists(folder / "restart"));
+  EXPECT_TRUE(std::filesystem::exists(folder / "mine.txt"));
+}
+
 TEST(ReportTest, AFolderThatCannotBeMadeIsTold) {
-  EXPECT_FALSE(writeReport(sampleReport(), "/proc/nowhere", {}));
+  EXPECT_FALSE(writeTexts(sampleReport(), "/proc/nowhere", {}));
 }
 
 TEST(SummaryTest, EachThemeHasARow) {

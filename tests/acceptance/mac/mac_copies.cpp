@@ -1,0 +1,165 @@
+#include "acceptance/mac/mac_copies.hpp"
+
+#include <array>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/syslimits.h>
+#include <sys/xattr.h>
+#include <thread>
+
+#include "acceptance/mac/mac_tools.hpp"
+#include "acceptance/mac/sample_lists.hpp"
+#include "platform/posix/posix_files.hpp"
+
+namespace tamo::acceptance {
+namespace {
+
+namespace fs = std::filesystem;
+
+void write(const std::string& path, const std::string& text) {
+  fs::create_directories(fs::path(path).parent_path());
+  if (!platform::posix::writeAtomically(path, text)) throw PlaceError("cannot write " + path);
+}
+
+std::string agentOf(const std::string& app) {
+  return app + companionInCopy + "/Contents/MacOS/tamo-core-agent";
+}
+
+}  // namespace
+
+std::string MacCopies::path(Copy copy) const {
+  if (copy == Copy::Installed) return installedCopy;
+  if (copy == Copy::Downloaded) return settings_.home + "/Downloads/Tamo acceptance/Tamo.app";
+  if (copy == Copy::Staged) return settings_.dataDirectory() + "staged/Tamo.app";
+  return translocated_;
+}
+
+void MacCopies::onlyOfASample() const {
+  if (!settings_.isSample()) throw CannotArrange("a real Tamo is played with as it is");
+}
+
+void MacCopies::place(const Sample& sample) {
+  if (sample.copy == Copy::Translocated) return awaitTranslocation();
+  const bool asItIs = sample.copy == Copy::Installed && sample.build == "4211" &&
+                      sample.definition.exitTimeout == 20 && sample.definition.arguments.empty();
+  if (!asItIs) onlyOfASample();
+  const auto app = path(sample.copy);
+  const auto making = app + ".making";
+  journal_.willMake(sample.copy == Copy::Downloaded ? fs::path(app).parent_path().string() : app);
+  journal_.willMake(making);
+  remove(sample.copy);
+  fs::create_directories(fs::path(app).parent_path());
+  if (!settings_.isSample()) return need({"/usr/bin/ditto", settings_.tamoApp, app});
+  const auto made = fs::temp_directory_path() / "tamo-acceptance-sample" / "Tamo.app";
+  fs::remove_all(made);
+  assemble(made.string(), sample);
+  // Put in place by its name: whatever cuts this off, nothing lies there without its mark.
+  fs::remove_all(making);
+  need({"/usr/bin/ditto", made.string(), making});
+  fs::rename(making, app);
+  fs::remove_all(made.parent_path());
+  placed_.emplace_back(::open(app.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (sample.marked) need({"/usr/bin/xattr", "-rw", "com.apple.quarantine", "0081;00000000;Safari;", app});
+}
+
+void MacCopies::assemble(const std::string& app, const Sample& sample) const {
+  const auto inner = app + companionInCopy;
+  write(app + "/Contents/Info.plist", sampleInfo(sample.build));
+  write(app + sampleMark, "Made by ./accept, to be removed.\n");
+  fs::create_directories(app + "/Contents/MacOS");
+  fs::create_directories(fs::path(inner).parent_path());
+  fs::copy_file(settings_.parts + "/accept-app", app + "/Contents/MacOS/Tamo");
+  need({"/usr/bin/ditto", settings_.parts + "/Tamo Core.app", inner});
+  fs::copy_file(settings_.parts + "/accept-agent", agentOf(app), fs::copy_options::overwrite_existing);
+  writeList(app, sample.definition);
+  sign(app);
+}
+
+void MacCopies::writeList(const std::string& app, const Definition& definition) const {
+  const auto list = app + companionInCopy + "/Contents/Library/LaunchAgents/studio.pell.tamo.core.plist";
+  write(list, sampleAgentList(definition, agentOf(installedCopy)));
+  if (definition.binary) need({"/usr/bin/plutil", "-convert", "binary1", list});
+}
+
+/// From the inside out, the agent under the identifier that the building page names.
+void MacCopies::sign(const std::string& app) const {
+  std::vector<std::string> sign{"/usr/bin/codesign", "--force", "--options",
+                                "runtime",           "--sign",  settings_.identity};
+  if (settings_.identity != "-") sign.emplace_back("--timestamp");
+  auto agent = sign;
+  agent.insert(agent.end(), {"--identifier", "studio.pell.tamo.core-agent", agentOf(app)});
+  need(agent);
+  for (const auto& bundle : {app + companionInCopy, app}) {
+    auto words = sign;
+    words.push_back(bundle);
+    need(words);
+  }
+}
+
+void MacCopies::remove(Copy copy) {
+  const auto app = path(copy);
+  if (app.empty() || copy == Copy::Translocated || !fs::exists(app)) return;
+  if (settings_.isSample() && !fs::exists(app + sampleMark))
+    throw PlaceError(app + " is no sample and is left alone");
+  fs::remove_all(app + ".making");
+  fs::rename(app, app + ".making");
+  fs::remove_all(app + ".making");
+}
+
+void MacCopies::define(Copy copy, const Definition& definition) {
+  onlyOfASample();
+  writeList(path(copy), definition);
+  sign(path(copy));
+}
+
+/// A second build of the same program, put in place as a new file.
+void MacCopies::changeExecutable(Copy copy) {
+  onlyOfASample();
+  const auto agent = agentOf(path(copy));
+  fs::copy_file(settings_.parts + "/accept-agent-two", agent + ".new", fs::copy_options::overwrite_existing);
+  fs::rename(agent + ".new", agent);
+  sign(path(copy));
+}
+
+void MacCopies::emptyTrash() {
+  for (const auto& copy : placed_) {
+    std::array<char, PATH_MAX> path{};
+    if (::fcntl(copy.get(), F_GETPATH, path.data()) != 0) continue;
+    const std::string now = path.data();
+    std::error_code ignored;
+    if (now.starts_with(settings_.home + "/.Trash/") && fs::exists(now + sampleMark, ignored))
+      fs::remove_all(now, ignored);
+  }
+  placed_.clear();
+}
+
+int MacCopies::marked(Copy copy) const {
+  int count = 0;
+  for (const auto& item : fs::recursive_directory_iterator(folder(copy)))
+    if (::getxattr(item.path().c_str(), "com.apple.quarantine", nullptr, 0, 0, XATTR_NOFOLLOW) >= 0) ++count;
+  return count;
+}
+
+std::string MacCopies::signatureFault(Copy copy) const {
+  const auto run = runProgram(
+      {.words = {"/usr/bin/codesign", "--verify", "--strict", "--deep", "--verbose=2", folder(copy)}});
+  return run.status == 0 ? "" : run.text + "(status " + std::to_string(run.status) + ")";
+}
+
+/// Only a person's double click makes the system run a copy from a place of its own.
+void MacCopies::awaitTranslocation() {
+  if (!settings_.withMe) throw CannotArrange("it needs a person: ./accept --with-me");
+  need({"/usr/bin/open", "-R", path(Copy::Downloaded)});
+  const std::string program = "/Tamo.app/Contents/MacOS/Tamo";
+  for (int look = 0; look < 360; ++look) {
+    for (const auto& one : processesEndingWith(program)) {
+      if (!one.path.contains("/AppTranslocation/")) continue;
+      translocated_ = one.path.substr(0, one.path.size() - program.size()) + "/Tamo.app";
+      return;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  }
+  throw CannotArrange("no translocated copy was opened within three minutes");
+}
+
+}  // namespace tamo::acceptance

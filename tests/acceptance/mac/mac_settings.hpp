@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+namespace tamo::acceptance {
+
+/// What ./accept tells the place on a Mac.
+struct MacSettings {
+  /// The folder with the companion's bundle and the sample's programs.
+  std::string parts;
+  /// For codesign; "-" is ad hoc.
+  std::string identity = "-";
+  /// A real Tamo.app to be played with in place of the sample; empty for the sample.
+  std::string tamoApp;
+  std::string journal;
+  std::string home;
+  bool withMe = false;
+
+  [[nodiscard]] bool isSample() const { return tamoApp.empty(); }
+  [[nodiscard]] std::string dataDirectory() const { return home + "/Library/Application Support/Tamo/"; }
+  /// What the sample's Core reads and writes, and what it ends without.
+  [[nodiscard]] std::string coreFolder() const { return dataDirectory() + "acceptance"; }
+  [[nodiscard]] std::string container() const { return home + "/Library/Containers/studio.pell.Tamo"; }
+};
+
+inline constexpr auto installedCopy = "/Applications/Tamo.app";
+inline constexpr auto companionInCopy = "/Contents/Library/LoginItems/Tamo Core.app";
+/// What a data directory has that was made here. Clearing looks for it, and for the mark of a sample.
+inline constexpr auto dataMark = ".made-by-acceptance";
+/// What a sample has and no other application.
+inline constexpr auto sampleMark = "/Contents/Resources/acceptance-sample";
+
+}  // namespace tamo::acceptance

@@ -1,0 +1,31 @@
+#include "acceptance/mac/mac_tools.hpp"
+
+#include <array>
+#include <libproc.h>
+
+#include "acceptance/place.hpp"
+
+namespace tamo::acceptance {
+
+void need(const std::vector<std::string>& words) {
+  const auto run = runProgram({.words = words}, std::chrono::seconds(120));
+  if (run.status != 0)
+    throw PlaceError(words.front() + " failed (" + std::to_string(run.status) + "): " + run.text);
+}
+
+std::vector<MacProcess> processesEndingWith(const std::string& ending) {
+  // A few more than there were: processes start meanwhile.
+  std::vector<pid_t> pids(static_cast<std::size_t>(::proc_listallpids(nullptr, 0)) + 64);
+  const auto bytes = static_cast<int>(pids.size() * sizeof(pid_t));
+  const int count = ::proc_listallpids(pids.data(), bytes);
+  pids.resize(static_cast<std::size_t>(count < 0 ? 0 : count));
+  std::vector<MacProcess> found;
+  for (const auto pid : pids) {
+    std::array<char, PROC_PIDPATHINFO_MAXSIZE> path{};
+    if (::proc_pidpath(pid, path.data(), path.size()) <= 0) continue;
+    if (std::string(path.data()).ends_with(ending)) found.push_back({pid, path.data()});
+  }
+  return found;
+}
+
+}  // namespace tamo::acceptance

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "acceptance/mac/mac_settings.hpp"
+#include "acceptance/place.hpp"
+
+namespace tamo::acceptance {
+
+/// The user of a Mac. What only a person can do is asked for in one sentence, and waited for.
+class MacUser final : public User {
+ public:
+  /// All must outlive it.
+  MacUser(const MacSettings& settings, const Copies& copies, Companions& companions, Evidence& evidence)
+      : settings_(settings), copies_(copies), companions_(companions), evidence_(evidence) {}
+
+  void open(Copy copy) override;
+  std::vector<RunningApp> applications() override;
+  std::string front() override;
+  std::string whereabouts(int directory) override;
+  void approve(bool granted) override;
+  void loseApplications(const std::string& answer) override;
+  void sleepAWhile() override;
+
+ private:
+  [[nodiscard]] std::string outcomeOf(const std::string& action);
+  void ask(const std::string& sentence) const;
+
+  const MacSettings& settings_;
+  const Copies& copies_;
+  Companions& companions_;
+  Evidence& evidence_;
+};
+
+}  // namespace tamo::acceptance

@@ -1,0 +1,101 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "acceptance/mac/journal.hpp"
+#include "acceptance/mac/json_fields.hpp"
+#include "acceptance/mac/sample_lists.hpp"
+#include "acceptance/mac/unified_log.hpp"
+#include "launch/launch_job.hpp"
+#include "platform/posix/posix_files.hpp"
+#include "platform/property_list.hpp"
+
+namespace tamo::acceptance {
+namespace {
+
+using Fields = std::map<std::string, std::string>;
+
+TEST(JsonFieldsTest, TextsAndNumbersAreRead) {
+  EXPECT_EQ(jsonFields(R"({"a":"x","b": -7 , "c":true,"d":null})"),
+            (Fields{{"a", "x"}, {"b", "-7"}, {"c", "true"}, {"d", "null"}}));
+  EXPECT_EQ(jsonFields("{}"), Fields{});
+}
+
+TEST(JsonFieldsTest, EscapesAreWhatTheyMean) {
+  EXPECT_EQ(jsonFields(R"({"a":"\"\\\/\n\t\u00b7\u20ac\ud83d\ude00"})"),
+            (Fields{{"a", "\"\\/\n\t·€\xF0\x9F\x98\x80"}}));
+}
+
+TEST(JsonFieldsTest, InnerObjectsAreLeftOut) {
+  EXPECT_EQ(jsonFields(R"({"a":{"b":"}\"","c":[1,{}]},"d":[],"e":"f"})"), (Fields{{"e", "f"}}));
+}
+
+TEST(JsonFieldsTest, WhatIsNoObjectIsNone) {
+  for (const auto* text :
+       {"", "[]", "{", R"({"a")", R"({"a":"b)", R"({"a":"b"] )", R"({"a":"\u12"})", "{a:1}", R"({"a":{)"})
+    EXPECT_FALSE(jsonFields(text).has_value()) << text;
+}
+
+TEST(UnifiedTimeTest, TheZoneCounts) {
+  EXPECT_EQ(unifiedTime("1970-01-01 01:00:00.250000+0100"), 250'000);
+  EXPECT_EQ(unifiedTime("1969-12-31 18:30:01.000001-0530"), 1'000'001);
+  EXPECT_FALSE(unifiedTime("1970-01-01 01:00:00").has_value());
+}
+
+constexpr auto outcome =
+    R"({"timestamp":"1970-01-01 00:00:02.000000+0000","messageType":"Error","subsystem":"studio.pell.Tamo.Core",)"
+    R"("processID":42,"formatString":"%{public}s refused: %{public}s","backtrace":{"frames":[{"imageOffset":1}]},)"
+    R"("eventMessage":"restart refused: x"})";
+
+TEST(UnifiedLogTest, ALineIsRead) {
+  const auto line = lineOfUnifiedLog(outcome);
+  ASSERT_TRUE(line.has_value());
+  EXPECT_EQ(line->time, 2'000'000);
+  EXPECT_EQ(line->pid, 42);
+  EXPECT_EQ(line->level, Level::Error);
+  EXPECT_EQ(line->text, "restart refused: x");
+  EXPECT_EQ(line->marks, (std::vector{Mark::Public, Mark::Public}));
+}
+
+TEST(UnifiedLogTest, LinesComeByTimeAndTheRestIsLeftOut) {
+  const std::string earlier =
+      R"({"timestamp":"1970-01-01 00:00:01.000000+0000","messageType":"Fault","eventMessage":"a"})";
+  const auto lines = linesOfUnifiedLog(std::string(outcome) + "\n" + earlier + "\n" +
+                                       R"({"count":2,"finished":1})" + "\nnoise");
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(lines.front().text, "a");
+  EXPECT_EQ(lines.front().level, Level::Other);
+}
+
+TEST(SampleListsTest, TheReadersOfTheProductReadThem) {
+  const auto info = platform::readPropertyList(sampleInfo("1.4.2"));
+  ASSERT_TRUE(info.has_value());
+  EXPECT_EQ(*info->entry("CFBundleVersion")->text(), "1.4.2");
+  EXPECT_EQ(*info->entry("CFBundleIdentifier")->text(), "studio.pell.Tamo");
+  const auto definition =
+      LaunchJob::bundled(sampleAgentList({.exitTimeout = 9, .arguments = {"<&>"}}, "/a b"));
+  EXPECT_EQ(definition, (LaunchJob::Definition{.arguments = {"/a b", "<&>"}, .exitTimeout = 9}));
+}
+
+class JournalTest : public ::testing::Test {
+ protected:
+  ~JournalTest() override { std::filesystem::remove(file); }
+  const std::string file = ::testing::TempDir() + "journal-" + std::to_string(::getpid());
+};
+
+TEST_F(JournalTest, EachThingIsToldOnce) {
+  Journal journal(file);
+  journal.willMake("/Applications/Tamo.app");
+  journal.willRegister();
+  journal.willMake("/Applications/Tamo.app");
+  journal.willMake("/Applications/Tamo");
+  EXPECT_EQ(platform::posix::readWhole(file),
+            "path /Applications/Tamo.app\nregistered\npath /Applications/Tamo\n");
+}
+
+TEST_F(JournalTest, WithoutAJournalNothingIsMade) {
+  EXPECT_THROW(Journal("/nowhere/journal").willRegister(), PlaceError);
+}
+
+}  // namespace
+}  // namespace tamo::acceptance
