@@ -21,8 +21,6 @@ class LaidPlace {
   virtual void begin() = 0;
   /// The place's own notes, for the report.
   [[nodiscard]] virtual std::vector<Kept> leftovers() = 0;
-  /// What stands before every path of the place and is nobody's business; empty on a Mac.
-  [[nodiscard]] virtual std::string root() const = 0;
 };
 
 enum class Outcome { Held, Failed, NotPlayed };

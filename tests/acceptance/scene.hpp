@@ -55,10 +55,10 @@ class Scene {
 
   /// Waits until it is true, that long at most, and gives whether it is.
   [[nodiscard]] static bool eventually(const std::function<bool()>& isTrue,
-                                       std::chrono::milliseconds within = std::chrono::seconds(10));
+                                       std::chrono::milliseconds within = std::chrono::seconds(15));
   static void pause(std::chrono::milliseconds time);
 
-  /// The pid of the job as its print says it, waited for; 0 when there is none after ten seconds.
+  /// The pid of the job as its print says it, waited for; 0 when there is none after 15 seconds.
   [[nodiscard]] pid_t core();
   [[nodiscard]] pid_t coreNow();
   [[nodiscard]] bool alive(pid_t pid) const;

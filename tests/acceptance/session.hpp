@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "acceptance/command_line.hpp"
@@ -16,10 +18,12 @@ struct Venue {
   std::function<Lay(const Check&)> lay;
   Offer offer;
   std::vector<Secret> secrets;
+  /// The checks that cannot be played here; absent where that is not known. Any other that is not played is a fault then.
+  std::optional<std::vector<std::string_view>> unplayable{};
 };
 
 /// Plays what is ordered, shows the summary and writes the report. The exit status: 0 when every check that was played
-/// held and at least one was, 1 when one did not or nothing was played, 2 for names that nobody has, 3 when the report
+/// held and at least one was, 1 when one did not, or was not played although it can be, 2 for names that nobody has, 3 when the report
 /// could not be written.
 [[nodiscard]] int playSession(const Orders& orders, const Venue& venue);
 

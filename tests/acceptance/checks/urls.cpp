@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <thread>
 
 #include "acceptance/check.hpp"
@@ -80,6 +81,7 @@ void aUrlWithinTheIntake(Scene& scene) {
       "the system took longer than 0.35 s to start a companion and hand it a URL, five times");
 }
 
+/// The tool may wait for the companion's answer, so the lock is let go beside it.
 void aUrlAfterTheIntake(Scene& scene) {
   LockHolder holder(scene.place.paths.lockFile);
   const auto before = scene.core();
@@ -87,17 +89,18 @@ void aUrlAfterTheIntake(Scene& scene) {
   static_cast<void>(Scene::eventually([&] { return !scene.place.companions.running().empty(); }));
   Scene::pause(1500ms);
   const auto sent = std::chrono::steady_clock::now();
-  std::string said;
-  std::thread sender([&] { said = scene.place.companions.open("tamo-core://unregister"); });
-  Scene::pause(500ms);
-  holder.release();
-  const auto acted = scene.finish(going);
-  sender.join();
+  std::thread releasing([&holder] {
+    Scene::pause(500ms);
+    holder.release();
+  });
+  const auto said = scene.place.companions.open("tamo-core://unregister");
   const auto took =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - sent);
+  releasing.join();
+  const auto acted = scene.finish(going);
   scene.see.fact(
       "what became of a URL while the companion waited for the lock",
-      (said.empty() ? "nothing was said" : said) + ", within " + std::to_string(took.count()) + " ms");
+      (said.empty() ? "nothing was said" : said) + ", after " + std::to_string(took.count()) + " ms");
   scene.left(acted, {enabled("register", " kickstart 0")});
   scene.untouched(before);
 }

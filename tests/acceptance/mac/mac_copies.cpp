@@ -3,6 +3,7 @@
 #include <array>
 #include <fcntl.h>
 #include <filesystem>
+#include <iostream>
 #include <sys/syslimits.h>
 #include <sys/xattr.h>
 #include <thread>
@@ -19,6 +20,18 @@ namespace fs = std::filesystem;
 void write(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
   if (!platform::posix::writeAtomically(path, text)) throw PlaceError("cannot write " + path);
+}
+
+constexpr auto launchServicesTool =
+    "/System/Library/Frameworks/CoreServices.framework/Frameworks/LaunchServices.framework/Support/"
+    "lsregister";
+/// Of a download that its user has opened once and put in its place: it runs where it lies, and nobody is asked.
+constexpr auto markOfAnOpenedCopy = "01c1;00000000;Safari;";
+/// Of one that was only just downloaded.
+constexpr auto markOfAFreshCopy = "0081;00000000;Safari;";
+
+void mark(const std::string& app, const std::string& value) {
+  need({"/usr/bin/xattr", "-r", "-w", "com.apple.quarantine", value, app});
 }
 
 std::string agentOf(const std::string& app) {
@@ -59,7 +72,9 @@ void MacCopies::place(const Sample& sample) {
   fs::rename(making, app);
   fs::remove_all(made.parent_path());
   placed_.emplace_back(::open(app.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (sample.marked) need({"/usr/bin/xattr", "-rw", "com.apple.quarantine", "0081;00000000;Safari;", app});
+  // A URL of the scheme is to reach this copy as soon as it is there.
+  if (sample.copy == Copy::Installed) need({launchServicesTool, "-f", app, app + companionInCopy});
+  if (sample.marked) mark(app, markOfAnOpenedCopy);
 }
 
 void MacCopies::assemble(const std::string& app, const Sample& sample) const {
@@ -149,7 +164,11 @@ std::string MacCopies::signatureFault(Copy copy) const {
 /// Only a person's double click makes the system run a copy from a place of its own.
 void MacCopies::awaitTranslocation() {
   if (!settings_.withMe) throw CannotArrange("it needs a person: ./accept --with-me");
+  mark(path(Copy::Downloaded), markOfAFreshCopy);
   need({"/usr/bin/open", "-R", path(Copy::Downloaded)});
+  std::cout
+      << "\nPLEASE: open the Tamo that the Finder shows, by a double click; the checks go on by themselves.\n"
+      << std::flush;
   const std::string program = "/Tamo.app/Contents/MacOS/Tamo";
   for (int look = 0; look < 360; ++look) {
     for (const auto& one : processesEndingWith(program)) {

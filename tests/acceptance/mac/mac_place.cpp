@@ -97,7 +97,6 @@ class LaidMac final : public LaidPlace {
     return {{"core.log", platform::posix::readWhole(settings_.coreFolder() + "/core.log").value_or("")},
             {"print-at-the-end.txt", std::move(print)}};
   }
-  std::string root() const override { return ""; }
 
  private:
   /// It bears its mark from the moment at which it is there.

@@ -25,9 +25,11 @@ int playOnStages(const Orders& orders) {
     return [&programs, lie = lies ? canary->plant : Lie()] { return laidStage(programs, lie); };
   };
   const Offer offer{.terms = {.repetitions = orders.repetitions, .underLoad = orders.underLoad}};
-  return playSession(
-      orders,
-      {.facts = stageFacts(), .lay = lay, .offer = offer, .secrets = secretsOf(identityOfThisProcess())});
+  return playSession(orders, {.facts = stageFacts(),
+                              .lay = lay,
+                              .offer = offer,
+                              .secrets = secretsOf(identityOfThisProcess()),
+                              .unplayable = notForStages()});
 }
 
 }  // namespace

@@ -150,7 +150,6 @@ class LaidStage final : public LaidPlace {
         kept.push_back({name, *std::move(text)});
     return kept;
   }
-  std::string root() const override { return root_.directory(); }
 
  private:
   const stage::StageRoot root_;

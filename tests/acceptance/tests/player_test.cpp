@@ -64,7 +64,6 @@ class LaidNowhere final : public LaidPlace {
   const Place& place() override { return place_; }
   void begin() override {}
   std::vector<Kept> leftovers() override { return {{.name = "notes", .text = "none"}}; }
-  std::string root() const override { return ""; }
 
  private:
   Nowhere nowhere_;
