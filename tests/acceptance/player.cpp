@@ -56,7 +56,7 @@ std::string refusal(const Check& check, const Offer& offer) {
   if (check.needsSampleCore && !offer.sampleCore)
     return "it needs the sample's own Core, not that of a real Tamo";
   if (!check.person.empty() && offer.needsPersons && !offer.personIsThere)
-    return "it needs a person: ./accept --with-me";
+    return "it needs a person, with ./accept --with-me: " + std::string(check.person);
   return "";
 }
 

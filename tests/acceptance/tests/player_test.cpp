@@ -117,7 +117,8 @@ TEST(PlayerTest, APlaceThatCannotBeLaidIsAFailure) {
 
 TEST(RefusalTest, APersonIsNeededWhereThePlaceNeedsOne) {
   const Check prompted{.name = "prompted", .sees = "x", .person = "Type the password."};
-  EXPECT_EQ(refusal(prompted, {.needsPersons = true}), "it needs a person: ./accept --with-me");
+  EXPECT_EQ(refusal(prompted, {.needsPersons = true}),
+            "it needs a person, with ./accept --with-me: Type the password.");
   EXPECT_EQ(refusal(prompted, {.needsPersons = true, .personIsThere = true}), "");
   EXPECT_EQ(refusal(prompted, {.needsPersons = false}), "");
   EXPECT_EQ(refusal(holds, {.needsPersons = true}), "");
