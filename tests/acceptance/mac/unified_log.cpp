@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "acceptance/mac/json_fields.hpp"
 
@@ -51,14 +52,23 @@ std::optional<Line> lineOfUnifiedLog(std::string_view object) {
               .marks = marksOfFormat((*fields)["formatString"])};
 }
 
+namespace {
+
+/// Behind those of its moment and before all later ones; nearly always that is the end.
+void place(std::vector<Line>& lines, Line line) {
+  const auto later = std::ranges::upper_bound(lines, line.time, {}, &Line::time);
+  lines.insert(later, std::move(line));
+}
+
+}  // namespace
+
 std::vector<Line> linesOfUnifiedLog(std::string_view text) {
   std::vector<Line> lines;
   while (!text.empty()) {
     const auto end = std::min(text.find('\n'), text.size());
-    if (auto line = lineOfUnifiedLog(text.substr(0, end))) lines.push_back(*std::move(line));
+    if (auto line = lineOfUnifiedLog(text.substr(0, end))) place(lines, *std::move(line));
     text.remove_prefix(std::min(end + 1, text.size()));
   }
-  std::ranges::stable_sort(lines, {}, &Line::time);
   return lines;
 }
 
