@@ -89,6 +89,20 @@ struct Canary {
   void (*plant)(Lane& lane);
 };
 
+/// Planted among real processes, which may come too late on a busy machine: a stranger has to lead its group before
+/// the signal is sent, for one. So a fault is planted up to five times, until it is found once.
+bool isFound(const Canary& canary, const Order& order, const std::string& file) {
+  for (int planting = 0; planting < 5; ++planting) {
+    ::unlink(file.c_str());
+    inLanes(1, order.seed, file, canary.plant);
+    const auto account = accountOf(platform::posix::readWhole(file).value_or(""));
+    const auto tells = [&](const auto& what) { return what.contains(canary.found); };
+    if (std::ranges::any_of(account.wrongs, tells)) return true;
+    std::printf("%s", shown(account).c_str());
+  }
+  return false;
+}
+
 int playCanaries(const Order& order, const std::string& file) {
   const std::vector<Canary> canaries = {
       {"two at once at the lock", "overlaps",
@@ -103,13 +117,8 @@ int playCanaries(const Order& order, const std::string& file) {
   };
   int missed = 0;
   for (const auto& canary : canaries) {
-    ::unlink(file.c_str());
-    inLanes(1, order.seed, file, canary.plant);
-    const auto account = accountOf(platform::posix::readWhole(file).value_or(""));
-    const bool found =
-        std::ranges::any_of(account.wrongs, [&](const auto& what) { return what.contains(canary.found); });
+    const bool found = isFound(canary, order, file);
     std::printf("canary, %s: %s\n", canary.name.c_str(), found ? "found" : "MISSED");
-    if (!found) std::printf("%s", shown(account).c_str());
     if (!found) ++missed;
   }
   return missed == 0 ? 0 : 1;
