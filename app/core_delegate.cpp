@@ -7,7 +7,7 @@
 #include "app/request_intake.hpp"
 #include "guard/live_data_guard.hpp"
 #include "move/app_move.hpp"
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo {
 namespace {

@@ -1,6 +1,6 @@
 #include "app/data_directory.hpp"
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo {
 namespace {

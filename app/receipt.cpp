@@ -4,9 +4,9 @@
 #include <cstdio>
 
 #include "app/data_directory.hpp"
-#include "platform/json_text.hpp"
-#include "platform/paths.hpp"
-#include "platform/text.hpp"
+#include "values/json_text.hpp"
+#include "values/paths.hpp"
+#include "values/text.hpp"
 
 namespace tamo {
 namespace {

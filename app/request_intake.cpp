@@ -4,7 +4,7 @@
 #include <array>
 
 #include "move/app_move.hpp"
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo::RequestIntake {
 namespace {

@@ -3,9 +3,9 @@
 #include <array>
 
 #include "platform/bundle_info.hpp"
-#include "platform/fatal.hpp"
-#include "platform/paths.hpp"
-#include "platform/unicode.hpp"
+#include "values/fatal.hpp"
+#include "values/paths.hpp"
+#include "values/unicode.hpp"
 
 namespace tamo::LiveDataGuard {
 namespace {

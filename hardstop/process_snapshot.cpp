@@ -1,8 +1,8 @@
 #include "hardstop/process_snapshot.hpp"
 
 #include "platform/checked_sum.hpp"
-#include "platform/fatal.hpp"
-#include "platform/text.hpp"
+#include "values/fatal.hpp"
+#include "values/text.hpp"
 
 namespace tamo::HardStop {
 namespace {

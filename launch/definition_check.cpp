@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "launch/launch_job.hpp"
-#include "platform/paths.hpp"
+#include "values/paths.hpp"
 
 namespace tamo {
 namespace {

@@ -3,8 +3,8 @@
 #include <chrono>
 
 #include "platform/checked_sum.hpp"
-#include "platform/fatal.hpp"
-#include "platform/paths.hpp"
+#include "values/fatal.hpp"
+#include "values/paths.hpp"
 
 namespace tamo {
 namespace {

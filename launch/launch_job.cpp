@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/property_list.hpp"
-#include "platform/text.hpp"
-#include "platform/unicode.hpp"
+#include "values/property_list.hpp"
+#include "values/text.hpp"
+#include "values/unicode.hpp"
 
 namespace tamo::LaunchJob {
 namespace {

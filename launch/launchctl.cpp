@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "platform/checked_sum.hpp"
-#include "platform/paths.hpp"
-#include "platform/text.hpp"
+#include "values/paths.hpp"
+#include "values/text.hpp"
 
 namespace tamo {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo {
 namespace {

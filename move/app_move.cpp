@@ -4,11 +4,11 @@
 #include <array>
 
 #include "platform/bundle_info.hpp"
-#include "platform/json_text.hpp"
-#include "platform/paths.hpp"
-#include "platform/private_prefix.hpp"
-#include "platform/text.hpp"
-#include "platform/unicode.hpp"
+#include "values/json_text.hpp"
+#include "values/paths.hpp"
+#include "values/private_prefix.hpp"
+#include "values/text.hpp"
+#include "values/unicode.hpp"
 
 namespace tamo::AppMove {
 namespace {

@@ -1,7 +1,7 @@
 #include "move/bundle_copy.hpp"
 
 #include "move/app_move.hpp"
-#include "platform/paths.hpp"
+#include "values/paths.hpp"
 
 namespace tamo {
 namespace {

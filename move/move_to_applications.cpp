@@ -8,7 +8,7 @@
 #include "platform/bundle_info.hpp"
 #include "platform/checked_sum.hpp"
 #include "platform/completion.hpp"
-#include "platform/paths.hpp"
+#include "values/paths.hpp"
 
 namespace tamo {
 

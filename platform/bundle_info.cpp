@@ -1,6 +1,6 @@
 #include "platform/bundle_info.hpp"
 
-#include "platform/paths.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::platform {
 

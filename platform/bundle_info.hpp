@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/files.hpp"
-#include "platform/property_list.hpp"
+#include "values/property_list.hpp"
 
 /// What an application bundle says of itself in "Contents/Info.plist", read from the file each time. The
 /// bundle services of macOS keep what they read for the life of the process, which is wrong as soon as a

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "platform/clock.hpp"
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 /// Sums that must not wrap. A deadline that wraps lies in the past, and a hard stop that takes it for its own
 /// kills at once; a start time that wraps is another process's. No clock of a sane machine comes near it, so

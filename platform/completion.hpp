@@ -6,8 +6,8 @@
 #include <optional>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "platform/main_queue.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::platform {
 

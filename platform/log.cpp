@@ -4,8 +4,8 @@
 #include <array>
 #include <cstddef>
 
-#include "platform/fatal.hpp"
 #include "platform/log_arguments.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::platform {
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "platform/log.hpp"
+#include "values/fatal.hpp"
 
 /// A log line as the arguments of a call that is checked against its format like printf. Such a call needs
 /// the types when it is compiled, so the format is read then. Any thread.

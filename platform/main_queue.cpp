@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::platform {
 

@@ -1,7 +1,7 @@
 #include "platform/resolved_path.hpp"
 
-#include "platform/paths.hpp"
-#include "platform/private_prefix.hpp"
+#include "values/paths.hpp"
+#include "values/private_prefix.hpp"
 
 namespace tamo::platform {
 

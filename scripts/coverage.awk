@@ -1,4 +1,4 @@
-# Used by ./coverage: reads the names of the source files, then llvm-cov's annotated text of all files, and prints a
+# Used by prove/coverage: reads the names of the source files, then llvm-cov's annotated text of all files, and prints a
 # table of the folders, the missed branches, and a verdict.
 #
 # Code that is compiled several times, as templates are, appears several times: a line or a branch counts as taken
@@ -7,11 +7,11 @@
 # writes ("= default") has branches that are none of ours, and clang does not count their false side.
 
 BEGIN {
-  count = split("app move launch hardstop guard platform platform/posix platform/stage platform/stage/values " \
-    "platform/stage/programs", folders, " ")
+  count = split("app move launch hardstop guard platform platform/posix platform/stage values values/open " \
+    "stage/common stage/launchd stage/core stage/tools stage/control", folders, " ")
   above = "^(app|move|launch|hardstop|guard)$"
-  whole = "^(app|move|launch|hardstop|guard|platform)$"
-  adapters = "^platform/(posix|stage|stage/values)$"
+  whole = "^(app|move|launch|hardstop|guard|platform|values)$"
+  adapters = "^(platform/(posix|stage)|values/open)$"
   adaptersAsked = 90
   nothing = "^0$|E$"
 }

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by ./mutate: puts the misreadings of tests/mutation/misreadings into a copy of the tree, one at a time, and
+# Sourced by prove/mutate: puts the misreadings of tests/mutation/misreadings into a copy of the tree, one at a time, and
 # shows each to the test programs that it names until one falls.
 #
 #   try_misreadings [NAME…]   those of the names and of the tables of these names, or all; gives 1 when any is not caught

@@ -1,6 +1,6 @@
 #include "platform/macos/foundation_values.hpp"
 
-#include "platform/macos/values/cf_values.hpp"
+#include "values/macos/cf_values.hpp"
 
 namespace tamo::macos {
 

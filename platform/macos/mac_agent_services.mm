@@ -3,7 +3,7 @@
 #import <ServiceManagement/ServiceManagement.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 #include "platform/macos/foundation_values.hpp"
 
 namespace tamo::macos {

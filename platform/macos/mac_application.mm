@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 #include "platform/macos/foundation_values.hpp"
 
 namespace {

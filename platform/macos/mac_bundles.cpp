@@ -2,9 +2,9 @@
 
 #include <dlfcn.h>
 
-#include "platform/fatal.hpp"
-#include "platform/macos/values/cf_values.hpp"
 #include "platform/translocation_lookup.hpp"
+#include "values/fatal.hpp"
+#include "values/macos/cf_values.hpp"
 
 namespace tamo::macos {
 namespace {

@@ -1,9 +1,9 @@
 #include "platform/macos/mac_files.hpp"
 
-#include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/posix/temporary_directory.hpp"
 #include "platform/resolved_path.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::macos {
 namespace {

@@ -1,6 +1,6 @@
 #include "platform/macos/mac_host.hpp"
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::platform {
 

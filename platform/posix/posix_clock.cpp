@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <ctime>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/host_differences.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::platform {
 

@@ -12,9 +12,9 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/paths.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::platform::posix {
 namespace {

@@ -8,10 +8,10 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_spawn.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::platform {
 namespace {

@@ -4,12 +4,12 @@
 #include <unistd.h>
 
 #include "platform/bundle_info.hpp"
-#include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/background_program.hpp"
 #include "platform/stage/running_programs.hpp"
 #include "platform/stage/stage_agent_services.hpp"
 #include "platform/stage/stage_files.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::stage {
 namespace {

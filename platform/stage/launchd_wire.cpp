@@ -7,7 +7,7 @@
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/stream_sockets.hpp"
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {

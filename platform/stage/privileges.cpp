@@ -9,9 +9,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::stage {
 namespace {

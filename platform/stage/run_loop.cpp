@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::stage {
 namespace {

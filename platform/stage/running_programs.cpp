@@ -7,7 +7,7 @@
 
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/stage_bundles.hpp"
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {

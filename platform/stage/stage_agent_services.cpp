@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "platform/stage/work_elsewhere.hpp"
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {

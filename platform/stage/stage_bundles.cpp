@@ -4,10 +4,10 @@
 #include <string_view>
 #include <sys/auxv.h>
 
-#include "platform/fatal.hpp"
-#include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
-#include "platform/text.hpp"
+#include "values/fatal.hpp"
+#include "values/paths.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 

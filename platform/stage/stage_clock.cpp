@@ -1,6 +1,6 @@
 #include "platform/stage/stage_clock.hpp"
 
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 

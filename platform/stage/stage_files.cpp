@@ -1,8 +1,8 @@
 #include "platform/stage/stage_files.hpp"
 
-#include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/resolved_path.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::stage {
 namespace {

@@ -10,8 +10,8 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/descriptor.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::stage {
 namespace {

@@ -9,11 +9,11 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "platform/fatal.hpp"
-#include "platform/paths.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
-#include "platform/text.hpp"
+#include "values/fatal.hpp"
+#include "values/paths.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {

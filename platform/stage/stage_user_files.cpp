@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/paths.hpp"
 #include "platform/posix/posix_files.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::stage {
 namespace {

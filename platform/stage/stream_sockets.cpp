@@ -7,7 +7,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/paths.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::stage {
 namespace {

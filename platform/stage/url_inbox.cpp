@@ -5,10 +5,10 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/stream_sockets.hpp"
-#include "platform/text.hpp"
+#include "values/fatal.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {

@@ -1,7 +1,7 @@
 #include "acceptance/command_line.hpp"
 
 #include "acceptance/check.hpp"
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -1,7 +1,7 @@
 #include <functional>
 
 #include "acceptance/report.hpp"
-#include "platform/json_text.hpp"
+#include "values/json_text.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -1,7 +1,7 @@
 # The sample's Core: that of a stage, in plain POSIX. Two builds, which differ in nothing but themselves.
-set(programs ${PROJECT_SOURCE_DIR}/platform/stage/programs)
-add_library(tamo_sample_core STATIC ${programs}/core_behaviour.cpp ${programs}/core_program.cpp
-                                    ${programs}/program_log.cpp ${programs}/stage_presence.cpp)
+set(played ${PROJECT_SOURCE_DIR}/stage)
+add_library(tamo_sample_core STATIC ${played}/core/core_behaviour.cpp ${played}/core/core_program.cpp
+                                    ${played}/common/program_log.cpp ${played}/common/stage_presence.cpp)
 target_link_libraries(tamo_sample_core PUBLIC tamo_posix)
 foreach(build one two)
   string(REPLACE "-one" "" name accept-agent-${build})

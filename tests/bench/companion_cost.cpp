@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "platform/stage/launchd_wire.hpp"
-#include "platform/stage/programs/app_copy.hpp"
-#include "platform/stage/programs/stage_layout.hpp"
 #include "process_cost.hpp"
+#include "stage/control/app_copy.hpp"
+#include "stage/control/stage_layout.hpp"
 
 /// What the companion itself costs per action on a stage, beside a program that only sleeps as the action's rules order:
 /// CPU time (its own, not its tools'), peak memory and wall time, the middle value of several runs each. A sleep costs

@@ -10,10 +10,10 @@
 #include <unistd.h>
 #include <vector>
 
-#include "platform/stage/programs/app_copy.hpp"
-#include "platform/stage/programs/stage_layout.hpp"
-#include "platform/stage/programs/xattr.hpp"
 #include "process_cost.hpp"
+#include "stage/control/app_copy.hpp"
+#include "stage/control/stage_layout.hpp"
+#include "stage/tools/xattr.hpp"
 
 /// What the move of a large bundle costs on a stage, beside a plain copy of the same tree by the machine's own cp:
 /// the time from the end of the intake to the end of the companion, and the companion's own CPU time and peak memory.

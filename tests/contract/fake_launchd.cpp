@@ -5,10 +5,10 @@
 #include <sys/socket.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/stream_sockets.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::contract {
 

@@ -1,5 +1,5 @@
 #include "contract/backend.hpp"
-#include "platform/paths.hpp"
+#include "values/paths.hpp"
 
 namespace tamo::contract {
 namespace {

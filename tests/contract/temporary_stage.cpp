@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::contract {
 namespace {

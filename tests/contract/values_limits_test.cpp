@@ -4,7 +4,7 @@
 #include <string>
 
 #include "contract/binary_list_builder.hpp"
-#include "platform/property_list.hpp"
+#include "values/property_list.hpp"
 
 // Where the stage's reader gives up although macOS would read on. The bounds of nesting and of values are those of
 // the Mac's reader too. None of this occurs in a list that the system meets.

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "contract/binary_list_builder.hpp"
-#include "platform/property_list.hpp"
+#include "values/property_list.hpp"
 
 // Where a list that another reader would take is none for macOS, and where macOS keeps what another would lose.
 namespace tamo::platform {

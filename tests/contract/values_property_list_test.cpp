@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "contract/binary_list_builder.hpp"
-#include "platform/property_list.hpp"
-#include "platform/text.hpp"
+#include "values/property_list.hpp"
+#include "values/text.hpp"
 
 // The truth is what macOS reads; every backend's reader is held to it.
 namespace tamo::platform {

@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/unicode.hpp"
+#include "values/unicode.hpp"
 
 // The truth is what macOS answers; every backend's Unicode library is held to it.
 namespace tamo::platform {

@@ -100,7 +100,7 @@ int playAll() {
   }
   show(sum, std::chrono::duration<double>(std::chrono::steady_clock::now() - begun).count());
   const bool sound = sum.whole().broken + sum.whole().missed == 0;
-  std::puts(sound ? "nothing was broken" : "BROKEN; a take is shown by: ./faults play 'TAKE'");
+  std::puts(sound ? "nothing was broken" : "BROKEN; a take is shown by: prove/faults play 'TAKE'");
   return sound ? 0 : 1;
 }
 

@@ -10,7 +10,7 @@
 #include "faults/take_check.hpp"
 
 /// Every call of every action made to fail, and the companion killed at every one. The build says how many of
-/// these its check can bear; `./faults` plays them all.
+/// these its check can bear; `prove/faults` plays them all.
 namespace tamo::faults {
 namespace {
 
@@ -26,7 +26,7 @@ Tally swept(Kind kind, std::uint64_t stride) {
 }
 
 void expectSound(const Tally& tally) {
-  EXPECT_EQ(tally.broken, 0U) << tally.wrong.front() << "\nshown by: ./faults play TAKE";
+  EXPECT_EQ(tally.broken, 0U) << tally.wrong.front() << "\nshown by: prove/faults play TAKE";
   EXPECT_EQ(tally.missed, 0U);
   EXPECT_GT(tally.takes, 0U);
 }
@@ -58,7 +58,7 @@ TEST(OutcomesTest, EverySingleFailureIsAnsweredAsItIsWritten) {
     for (const auto by : {By::Switch, By::Url}) {
       const auto found = outcomesOf(scenes()[scene], by, simulation::Plant::None);
       size += found.size();
-      EXPECT_NE(due.find(found), std::string::npos) << found << "\ncompare: ./faults outcomes";
+      EXPECT_NE(due.find(found), std::string::npos) << found << "\ncompare: prove/faults outcomes";
     }
   }
   EXPECT_EQ(size, TAMO_SINGLES_STRIDE == 1 ? due.size() : size) << "answers of no scene";

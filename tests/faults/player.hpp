@@ -34,7 +34,7 @@ struct Take {
   Sequel sequel = {};
 };
 
-/// The take in words: what `./faults play` takes.
+/// The take in words: what `prove/faults play` takes.
 [[nodiscard]] std::string nameOf(const Take& take);
 /// Absent when the words are no take's.
 [[nodiscard]] std::optional<Take> takeNamed(std::string_view words);

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::fuzz {
 

@@ -1,7 +1,7 @@
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
 #include "move/move_result_reader.hpp"
-#include "platform/text.hpp"
+#include "values/text.hpp"
 
 /// The reader of recorded moves on any bytes, and its writer on any code.
 namespace tamo::fuzz {

@@ -1,9 +1,9 @@
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
 #include "launch/launch_job.hpp"
-#include "platform/property_list.hpp"
-#include "platform/property_list_limits.hpp"
-#include "platform/text.hpp"
+#include "values/property_list.hpp"
+#include "values/property_list_limits.hpp"
+#include "values/text.hpp"
 
 /// The reader of property lists, and what is read of an agent's, on any bytes.
 namespace tamo::fuzz {

@@ -4,7 +4,7 @@
 #include "fuzz/script_of_a_move.hpp"
 #include "fuzz/shell_words.hpp"
 #include "fuzz/target.hpp"
-#include "platform/stage/programs/apple_script.hpp"
+#include "stage/tools/apple_script.hpp"
 
 /// The way of two paths through the move's script into the administrator's shell, and the stage's reader of
 /// scripts. The input is texts, divided by zero bytes: the two paths, then a script of any kind.

@@ -4,7 +4,7 @@
 #include "fakes/fake_user_files.hpp"
 #include "fuzz/insist.hpp"
 #include "move/bundle_copy.hpp"
-#include "platform/stage/programs/osascript.hpp"
+#include "stage/tools/osascript.hpp"
 
 namespace tamo::fuzz {
 namespace {

@@ -2,8 +2,8 @@
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
 #include "fuzz/utf8_description.hpp"
-#include "platform/paths.hpp"
-#include "platform/text.hpp"
+#include "values/paths.hpp"
+#include "values/text.hpp"
 
 /// The rules for texts and paths that every reader stands on, on any bytes.
 namespace tamo::fuzz {

@@ -30,7 +30,7 @@ void writeIfChanged(const fs::path& file, const std::string& text) {
 
 /// What a build needs; the mutator's own folder is there for its switch.
 std::vector<std::string> builtFolders() {
-  return {"app", "guard", "hardstop", "launch", "move", "platform", "tests"};
+  return {"app", "guard", "hardstop", "launch", "move", "platform", "stage", "tests", "values"};
 }
 
 /// What is no longer in the original leaves the copy as well: the build takes every source that it finds.
@@ -117,7 +117,7 @@ Tree snapshot(const fs::path& project, const fs::path& work) {
 }
 
 std::vector<std::string> decisionFolders() {
-  return {"platform", "guard", "hardstop", "launch", "move", "app"};
+  return {"values", "platform", "guard", "hardstop", "launch", "move", "app"};
 }
 
 std::vector<std::string> sourcesOf(const fs::path& project, const std::vector<std::string>& named) {

@@ -7,7 +7,7 @@
 #include "mutation/misreading_round.hpp"
 #include "mutation/report.hpp"
 
-/// The part of ./mutate that reads and writes sources: what is built and run in between is the script's. A round of
+/// The part of prove/mutate that reads and writes sources: what is built and run in between is the script's. A round of
 /// mutants is kept in its work folder: `files` and `sample` say what is tried, `apart` which mutants have to be built
 /// alone, `hopeless` which are no C++. `refused` remembers those two for later rounds, by file, line and change. A
 /// round of misreadings has a work folder of its own: `names` says which were asked for, `entries` which programs each

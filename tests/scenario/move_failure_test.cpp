@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/stage/programs/stage_census.hpp"
 #include "scenario/full_disk.hpp"
 #include "scenario/move_stage.hpp"
+#include "stage/common/stage_census.hpp"
 
 /// What goes wrong on the way: the result says so, the destination is whole or absent, and the application is
 /// never lost.

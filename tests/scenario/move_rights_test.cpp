@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-#include "platform/stage/programs/rights.hpp"
 #include "scenario/move_stage.hpp"
+#include "stage/common/rights.hpp"
 
 /// Moves into an /Applications that the user may not write to. The kernel keeps the folder closed; the
 /// administrator's copy is made by another process, which may write there.

@@ -10,9 +10,9 @@
 #include <thread>
 
 #include "platform/posix/posix_files.hpp"
-#include "platform/property_list.hpp"
 #include "platform/stage/application_opening.hpp"
 #include "platform/stage/running_programs.hpp"
+#include "values/property_list.hpp"
 
 namespace tamo::scenario {
 namespace {

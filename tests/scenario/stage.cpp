@@ -15,9 +15,9 @@
 
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
-#include "platform/stage/programs/stage_layout.hpp"
 #include "platform/stage/stage_kernel_processes.hpp"
 #include "platform/stage/stream_sockets.hpp"
+#include "stage/control/stage_layout.hpp"
 
 namespace tamo::scenario {
 namespace {

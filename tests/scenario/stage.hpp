@@ -7,8 +7,8 @@
 #include <sys/types.h>
 #include <vector>
 
-#include "platform/stage/programs/app_copy.hpp"
 #include "platform/stage/stage_root.hpp"
+#include "stage/control/app_copy.hpp"
 
 namespace tamo::scenario {
 

@@ -3,7 +3,7 @@
 #include <pthread.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)

@@ -19,8 +19,8 @@ TEST(SimulationTest, EveryInvariantHoldsInEveryRun) {
   Simulator simulator;
   for (std::uint64_t seed = 1; seed <= shortRuns; ++seed) {
     const auto report = simulator.run(seed, {});
-    ASSERT_TRUE(report.violations.empty())
-        << "seed " << seed << ": " << told(report.violations.front()) << "\nshown by: ./simulate 1 " << seed;
+    ASSERT_TRUE(report.violations.empty()) << "seed " << seed << ": " << told(report.violations.front())
+                                           << "\nshown by: prove/simulate 1 " << seed;
   }
 }
 

@@ -3,9 +3,9 @@
 #include <array>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "simulation/job_texts.hpp"
 #include "simulation/referee.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::simulation::ToolBench {
 namespace {

@@ -10,8 +10,8 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/descriptor.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::soak {
 

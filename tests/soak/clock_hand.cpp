@@ -14,8 +14,8 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/fatal.hpp"
 #include "soak/chance.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::soak {
 

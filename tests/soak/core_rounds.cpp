@@ -3,8 +3,8 @@
 #include <csignal>
 
 #include "platform/posix/posix_files.hpp"
-#include "platform/stage/programs/stage_census.hpp"
 #include "soak/stop_rounds.hpp"
+#include "stage/common/stage_census.hpp"
 
 /// Restarts of launchd's own Core, in every shape.
 namespace tamo::soak {

@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/stage/programs/stage_census.hpp"
 #include "soak/witness.hpp"
+#include "stage/common/stage_census.hpp"
 
 namespace tamo::soak {
 namespace {

@@ -11,8 +11,8 @@
 #include <unistd.h>
 
 #include "platform/posix/posix_files.hpp"
-#include "platform/stage/programs/stage_census.hpp"
 #include "soak/clock_hand.hpp"
+#include "stage/common/stage_census.hpp"
 
 namespace tamo::soak {
 namespace {

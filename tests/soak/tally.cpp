@@ -6,8 +6,8 @@
 #include <sstream>
 #include <unistd.h>
 
-#include "platform/fatal.hpp"
 #include "platform/posix/byte_stream.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::soak {
 

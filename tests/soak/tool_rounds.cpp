@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/stage/programs/stage_census.hpp"
 #include "scenario/move_stage.hpp"
 #include "soak/witness.hpp"
+#include "stage/common/stage_census.hpp"
 
 namespace tamo::soak {
 namespace {

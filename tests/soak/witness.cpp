@@ -15,7 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "platform/fatal.hpp"
+#include "values/fatal.hpp"
 
 namespace tamo::soak {
 namespace {

@@ -8,7 +8,7 @@
 #include "platform/bundle_info.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
-#include "platform/property_list.hpp"
+#include "values/property_list.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "platform/posix/posix_files.hpp"
 #include "platform/posix/posix_local_sockets.hpp"
-#include "platform/stage/programs/core_program.hpp"
+#include "stage/core/core_program.hpp"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "acceptance/child.hpp"
-#include "platform/stage/programs/app_copy.hpp"
 #include "platform/stage/stream_sockets.hpp"
+#include "stage/control/app_copy.hpp"
 
 namespace tamo::acceptance {
 

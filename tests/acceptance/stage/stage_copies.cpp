@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "acceptance/child.hpp"
-#include "platform/stage/programs/xattr.hpp"
+#include "stage/tools/xattr.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "acceptance/place.hpp"
-#include "platform/stage/programs/app_copy.hpp"
 #include "platform/stage/stage_root.hpp"
+#include "stage/control/app_copy.hpp"
 
 namespace tamo::acceptance {
 

@@ -5,7 +5,7 @@
 #include "acceptance/stage/canaries.hpp"
 #include "acceptance/stage/canary_session.hpp"
 #include "acceptance/stage/stage_place.hpp"
-#include "platform/stage/programs/stage_layout.hpp"
+#include "stage/control/stage_layout.hpp"
 
 namespace {
 

@@ -13,11 +13,11 @@
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/application_opening.hpp"
 #include "platform/stage/launchd_wire.hpp"
-#include "platform/stage/programs/rights.hpp"
-#include "platform/stage/programs/stage_layout.hpp"
-#include "platform/stage/programs/tool_fault.hpp"
 #include "platform/stage/running_programs.hpp"
 #include "platform/stage/stage_kernel_processes.hpp"
+#include "stage/common/rights.hpp"
+#include "stage/common/tool_fault.hpp"
+#include "stage/control/stage_layout.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "acceptance/player.hpp"
-#include "platform/stage/programs/app_copy.hpp"
 #include "platform/stage/stage_root.hpp"
+#include "stage/control/app_copy.hpp"
 
 /// The stage as a place for checks. Any number of them can be laid side by side.
 namespace tamo::acceptance {

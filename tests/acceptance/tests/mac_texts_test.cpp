@@ -8,7 +8,7 @@
 #include "acceptance/mac/unified_log.hpp"
 #include "launch/launch_job.hpp"
 #include "platform/posix/posix_files.hpp"
-#include "platform/property_list.hpp"
+#include "values/property_list.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -42,8 +42,8 @@ std::vector<Source> sources(const Texts& folders) {
   return found;
 }
 
-const Texts layers{"app", "move", "launch", "hardstop", "guard", "platform"};
-const Texts everything{"app", "move", "launch", "hardstop", "guard", "platform", "tests"};
+const Texts layers{"app", "move", "launch", "hardstop", "guard", "platform", "values"};
+const Texts everything{"app", "move", "launch", "hardstop", "guard", "platform", "values", "stage", "tests"};
 
 std::string folderOf(const std::string& path) {
   return path.substr(0, path.find('/'));

@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "app/tamo_core_config.hpp"
-#include "platform/property_list.hpp"
+#include "values/property_list.hpp"
 
 /// What the bundle on a Mac is made of beside the program: a mistake there shows only when it is installed.
 namespace tamo::platform {

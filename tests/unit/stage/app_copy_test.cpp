@@ -1,13 +1,13 @@
-#include "platform/stage/programs/app_copy.hpp"
+#include "stage/control/app_copy.hpp"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
-#include "platform/property_list.hpp"
-#include "platform/stage/programs/job_file.hpp"
-#include "platform/stage/programs/stage_error.hpp"
+#include "stage/common/stage_error.hpp"
+#include "stage/launchd/job_file.hpp"
 #include "temporary_stage.hpp"
+#include "values/property_list.hpp"
 
 namespace tamo::stage {
 namespace {

@@ -1,10 +1,10 @@
-#include "platform/stage/programs/apple_script.hpp"
+#include "stage/tools/apple_script.hpp"
 
 #include <array>
 #include <cstdio>
 #include <gtest/gtest.h>
 
-#include "platform/stage/programs/apple_script_words.hpp"
+#include "stage/tools/apple_script_words.hpp"
 
 namespace tamo::stage {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/core_behaviour.hpp"
+#include "stage/core/core_behaviour.hpp"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/stage/programs/job_table.hpp"
+#include "stage/launchd/job_table.hpp"
 
 namespace tamo::stage {
 

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/job_definition.hpp"
+#include "stage/launchd/job_definition.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/job_print.hpp"
+#include "stage/launchd/job_print.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/job_table.hpp"
+#include "stage/launchd/job_table.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/launchctl.hpp"
+#include "stage/launchd/launchctl.hpp"
 
 #include <gtest/gtest.h>
 

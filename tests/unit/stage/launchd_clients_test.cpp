@@ -1,4 +1,4 @@
-#include "platform/stage/programs/launchd_clients.hpp"
+#include "stage/launchd/launchd_clients.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/launchd.hpp"
+#include "stage/launchd/launchd.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/log_view.hpp"
+#include "stage/control/log_view.hpp"
 
 #include <fstream>
 #include <gtest/gtest.h>

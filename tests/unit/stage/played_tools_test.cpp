@@ -7,11 +7,11 @@
 #include <unistd.h>
 
 #include "platform/stage/launchd_wire.hpp"
-#include "platform/stage/programs/ditto.hpp"
-#include "platform/stage/programs/osascript.hpp"
-#include "platform/stage/programs/rights.hpp"
-#include "platform/stage/programs/stage_layout.hpp"
-#include "platform/stage/programs/xattr.hpp"
+#include "stage/common/rights.hpp"
+#include "stage/control/stage_layout.hpp"
+#include "stage/tools/ditto.hpp"
+#include "stage/tools/osascript.hpp"
+#include "stage/tools/xattr.hpp"
 #include "temporary_stage.hpp"
 
 /// The tools of the move, each in a process of its own.

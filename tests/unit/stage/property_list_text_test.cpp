@@ -1,4 +1,4 @@
-#include "platform/stage/programs/property_list_text.hpp"
+#include "stage/control/property_list_text.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/service_management.hpp"
+#include "stage/launchd/service_management.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/service_records.hpp"
+#include "stage/launchd/service_records.hpp"
 
 #include <gtest/gtest.h>
 

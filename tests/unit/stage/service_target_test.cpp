@@ -1,4 +1,4 @@
-#include "platform/stage/programs/service_target.hpp"
+#include "stage/launchd/service_target.hpp"
 
 #include <gtest/gtest.h>
 

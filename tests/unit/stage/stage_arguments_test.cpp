@@ -1,4 +1,4 @@
-#include "platform/stage/programs/stage_arguments.hpp"
+#include "stage/control/stage_arguments.hpp"
 
 #include <gtest/gtest.h>
 

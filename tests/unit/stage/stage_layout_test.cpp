@@ -1,10 +1,10 @@
-#include "platform/stage/programs/stage_layout.hpp"
+#include "stage/control/stage_layout.hpp"
 
 #include <gtest/gtest.h>
 
 #include "platform/stage/launchd_wire.hpp"
-#include "platform/stage/programs/stage_census.hpp"
-#include "platform/stage/programs/stage_error.hpp"
+#include "stage/common/stage_census.hpp"
+#include "stage/common/stage_error.hpp"
 #include "temporary_stage.hpp"
 
 namespace tamo::stage {

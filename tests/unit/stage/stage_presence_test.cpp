@@ -1,4 +1,4 @@
-#include "platform/stage/programs/stage_presence.hpp"
+#include "stage/common/stage_presence.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/tamo_stage.hpp"
+#include "stage/control/tamo_stage.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/stage/programs/tool_fault.hpp"
+#include "stage/common/tool_fault.hpp"
 
 #include <array>
 #include <future>

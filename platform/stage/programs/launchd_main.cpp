@@ -1,5 +1,0 @@
-#include "platform/stage/programs/launchd_loop.hpp"
-
-int main() {
-  return tamo::stage::runLaunchd(tamo::stage::StageRoot::fromEnvironment());
-}

@@ -1,6 +1,0 @@
-#include "platform/stage/programs/osascript.hpp"
-
-int main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
-  return tamo::stage::runOsascript(tamo::stage::StageRoot::fromEnvironment(), arguments);
-}

@@ -1,0 +1,19 @@
+#include "stage/common/stage_presence.hpp"
+
+#include <sys/stat.h>
+
+namespace tamo::stage {
+
+StagePresence::StagePresence(const std::string& directory) : directory_(directory) {
+  struct stat seen {};
+  if (::stat(directory_.c_str(), &seen) != 0) return;
+  device_ = seen.st_dev;
+  inode_ = seen.st_ino;
+}
+
+bool StagePresence::isThere() const {
+  struct stat seen {};
+  return ::stat(directory_.c_str(), &seen) == 0 && seen.st_dev == device_ && seen.st_ino == inode_;
+}
+
+}  // namespace tamo::stage

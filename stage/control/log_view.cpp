@@ -1,0 +1,45 @@
+#include "stage/control/log_view.hpp"
+
+#include <fstream>
+#include <ios>
+
+namespace tamo::stage {
+namespace {
+
+constexpr std::size_t kLevel = 2;
+constexpr std::size_t kShown = 5;
+constexpr std::size_t kMarked = 6;
+
+std::vector<std::string_view> columns(std::string_view line) {
+  std::vector<std::string_view> found;
+  for (std::size_t start = 0; start <= line.size();) {
+    const auto end = std::min(line.find('\t', start), line.size());
+    found.push_back(line.substr(start, end - start));
+    start = end + 1;
+  }
+  return found;
+}
+
+}  // namespace
+
+std::string viewedLine(std::string_view line, LogView view) {
+  const auto found = columns(line);
+  if (found.size() <= kMarked) return std::string(line);
+  if (view == LogView::Marks) return std::string(found[kMarked]);
+  return std::string(found[kLevel]) + " " + std::string(found[kShown]);
+}
+
+std::vector<std::string> LogReader::newLines() {
+  std::vector<std::string> lines;
+  std::ifstream file(path_, std::ios::binary);
+  file.seekg(static_cast<std::streamoff>(read_));
+  std::string line;
+  // A line that is still being written has no break yet and waits for the next call.
+  while (std::getline(file, line) && !file.eof()) {
+    read_ += line.size() + 1;
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,100 @@
+#include "stage/control/property_list_text.hpp"
+
+#include <cstdlib>
+#include <memory>
+#include <plist/plist.h>
+
+#include "values/fatal.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using platform::PropertyList;
+
+std::string escapedXml(const std::string& text) {
+  std::string result;
+  for (const char character : text) {
+    if (character == '&') {
+      result += "&amp;";
+    } else if (character == '<') {
+      result += "&lt;";
+    } else if (character == '>') {
+      result += "&gt;";
+    } else {
+      result += character;
+    }
+  }
+  return result;
+}
+
+class XmlWriter {
+ public:
+  void write(const PropertyList& list) {
+    std::visit([this](const auto& value) { element(value); }, list.value);
+  }
+  std::string text;
+
+ private:
+  void line(const std::string& what) { text += std::string(depth_, '\t') + what + "\n"; }
+
+  void element(const PropertyList::Other&) { platform::fatal("a stage writes no such property list"); }
+  void element(bool value) { line(value ? "<true/>" : "<false/>"); }
+  void element(std::int64_t value) { line("<integer>" + std::to_string(value) + "</integer>"); }
+  void element(std::uint64_t value) { line("<integer>" + std::to_string(value) + "</integer>"); }
+  void element(double value) { line("<real>" + std::to_string(value) + "</real>"); }
+  void element(const std::string& value) { line("<string>" + escapedXml(value) + "</string>"); }
+  void element(const PropertyList::Array& values) {
+    line("<array>");
+    ++depth_;
+    for (const auto& value : values)
+      write(value);
+    --depth_;
+    line("</array>");
+  }
+  void element(const PropertyList::Dictionary& entries) {
+    line("<dict>");
+    ++depth_;
+    for (const auto& [key, value] : entries) {
+      line("<key>" + escapedXml(key) + "</key>");
+      write(value);
+    }
+    --depth_;
+    line("</dict>");
+  }
+
+  std::size_t depth_ = 0;
+};
+
+struct FreePlist {
+  void operator()(void* plist) const { plist_free(plist); }
+};
+struct FreeBytes {
+  void operator()(char* bytes) const { std::free(bytes); }
+};
+
+}  // namespace
+
+std::string xmlPropertyList(const PropertyList& list) {
+  XmlWriter writer;
+  writer.write(list);
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+         "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+         "<plist version=\"1.0\">\n" +
+         writer.text + "</plist>\n";
+}
+
+std::string binaryPropertyList(const PropertyList& list) {
+  const auto xml = xmlPropertyList(list);
+  plist_t parsed = nullptr;
+  plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &parsed);
+  const std::unique_ptr<void, FreePlist> owned(parsed);
+  char* bytes = nullptr;
+  std::uint32_t size = 0;
+  plist_to_bin(parsed, &bytes, &size);
+  const std::unique_ptr<char, FreeBytes> ownedBytes(bytes);
+  if (bytes == nullptr) platform::fatal("a property list could not be written in the binary form");
+  return std::string(bytes, size);
+}
+
+}  // namespace tamo::stage

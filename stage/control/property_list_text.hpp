@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "values/property_list.hpp"
+
+/// Writes property lists, for the bundles that a stage holds. Pure.
+namespace tamo::stage {
+
+/// The XML form. Stops the process (fatal) on a date, data or a reference, which the stage writes nowhere.
+[[nodiscard]] std::string xmlPropertyList(const platform::PropertyList& list);
+
+/// The binary form of the same.
+[[nodiscard]] std::string binaryPropertyList(const platform::PropertyList& list);
+
+}  // namespace tamo::stage

@@ -1,0 +1,95 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "platform/stage/stream_sockets.hpp"
+#include "stage/common/stage_error.hpp"
+#include "stage/control/app_copy.hpp"
+#include "stage/control/stage_commands.hpp"
+#include "stage/control/stage_layout.hpp"
+
+namespace tamo::stage {
+namespace {
+
+/// This process becomes the program; returns only by StageError.
+int become(const StageRoot& root, const std::string& program, std::vector<std::string> arguments) {
+  ::setenv("TAMO_STAGE", root.directory().c_str(), 1);
+  arguments.insert(arguments.begin(), program);
+  std::vector<char*> pointers;
+  for (auto& argument : arguments)
+    pointers.push_back(argument.data());
+  pointers.push_back(nullptr);
+  if (::chdir("/") == 0) ::execv(program.c_str(), pointers.data());
+  throw StageError("cannot run " + program + ": " + std::strerror(errno));
+}
+
+std::string lines(const std::vector<std::string>& urls) {
+  std::string text;
+  for (const auto& url : urls) {
+    if (url.empty() || url.contains('\n')) throw UsageError("\"" + url + "\" is no URL");
+    text += url + "\n";
+  }
+  return text;
+}
+
+int run(StageArguments& arguments) {
+  const auto root = stageAt(arguments.take("stage"));
+  std::string where = "installed";
+  std::vector<std::string> urls;
+  for (bool more = true; more;) {
+    const auto copy = arguments.takeNextOption("--copy");
+    const auto url = arguments.takeNextOption("--open");
+    if (copy) where = *copy;
+    if (url) urls.push_back(*url);
+    more = copy || url;
+  }
+  auto words = arguments.takeRest();
+  if (!words.empty() && words.front() == "--") words.erase(words.begin());
+  const auto path = companionProgram(copyPath(root, where));
+  const auto opened = lines(urls);
+  if (!root.existing(path)) throw StageError("there is no companion at " + path);
+  ::unsetenv("TAMO_STAGE_OPEN");
+  if (!opened.empty()) ::setenv("TAMO_STAGE_OPEN", opened.c_str(), 1);
+  // By its path as text: the companion is to see the link that it was reached by.
+  return become(root, root.host(path), words);
+}
+
+bool deliver(const std::string& socketPath, std::string_view text) {
+  const auto socket = connectedTo(socketPath);
+  if (!socket) return false;
+  const auto sent = ::send(socket.get(), text.data(), text.size(), MSG_NOSIGNAL);
+  return sent == static_cast<ssize_t>(text.size());
+}
+
+int send(StageArguments& arguments) {
+  const auto root = stageAt(arguments.take("stage"));
+  auto urls = arguments.takeRest();
+  if (urls.empty()) throw UsageError("missing URL");
+  const auto text = lines(urls);
+  int reached = 0;
+  for (const auto& item : std::filesystem::directory_iterator(root.control("companions")))
+    // One that was killed leaves its socket behind; nobody answers there.
+    if (item.path().extension() == ".sock" && deliver(item.path().string(), text)) ++reached;
+  if (reached == 0) throw StageError("no companion runs on " + root.directory());
+  return 0;
+}
+
+int launchctl(StageArguments& arguments) {
+  const auto root = stageAt(arguments.take("stage"));
+  return become(root, root.host("/bin/launchctl"), arguments.takeRest());
+}
+
+}  // namespace
+
+std::vector<StageCommand> runCommands() {
+  return {{"run", "R [--copy WHERE] [--open URL]… [--] ARGUMENT…",
+           "become the companion of that copy; URLs arrive before launching ends", run},
+          {"send", "R URL…", "open URLs in every running companion", send},
+          {"launchctl", "R ARGUMENT…", "run the stage's launchctl", launchctl}};
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,34 @@
+#include <csignal>
+#include <ctime>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+
+#include "platform/posix/descriptor.hpp"
+#include "platform/stage/privileges.hpp"
+#include "platform/stage/stage_root.hpp"
+#include "stage/common/program_log.hpp"
+#include "stage/common/stage_presence.hpp"
+
+/// Stands in for the Tamo application itself: it does nothing but run, noted in the control room's "app.log",
+/// until it is told to end or its stage disappears.
+int main(int, char** argv) {
+  tamo::stage::renouncePrivileges();
+  const auto root = tamo::stage::StageRoot::fromEnvironment();
+  const tamo::stage::StagePresence presence(root.directory());
+  const auto path = root.control("app.log");
+  const tamo::platform::Descriptor log(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
+  const auto say = [&](const std::string& what) {
+    tamo::stage::logLine(log.get(), "app " + std::to_string(::getpid()) + ": " + what);
+  };
+  sigset_t signals;
+  ::sigemptyset(&signals);
+  ::sigaddset(&signals, SIGTERM);
+  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+  say("started as " + std::string(argv[0]));
+  const timespec second{.tv_sec = 1, .tv_nsec = 0};
+  while (presence.isThere())
+    if (::sigtimedwait(&signals, nullptr, &second) == SIGTERM) break;
+  say("ends");
+  return 0;
+}

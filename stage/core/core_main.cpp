@@ -1,0 +1,20 @@
+#include <iostream>
+
+#include "platform/stage/privileges.hpp"
+#include "platform/stage/stage_root.hpp"
+#include "platform/stage/stream_sockets.hpp"
+#include "stage/core/core_program.hpp"
+
+int main() {
+  tamo::stage::renouncePrivileges();
+  const auto root = tamo::stage::StageRoot::fromEnvironment();
+  const auto behaviour = tamo::stage::coreBehaviour(root.setting("core", ""));
+  if (!behaviour) {
+    std::cout << "core: \"" << behaviour.error() << "\" is no behaviour" << std::endl;
+    return 64;
+  }
+  return tamo::stage::runCore({.dataDirectory = root.host(root.home() + "/Library/Application Support/Tamo"),
+                               .presence = root.directory(),
+                               .listen = tamo::stage::listeningAt},
+                              *behaviour);
+}

@@ -1,0 +1,122 @@
+#include "stage/launchd/launchd_loop.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include "platform/stage/stream_sockets.hpp"
+#include "stage/common/program_log.hpp"
+#include "stage/common/stage_presence.hpp"
+#include "stage/launchd/launchd.hpp"
+#include "stage/launchd/launchd_clients.hpp"
+#include "stage/launchd/launchd_processes.hpp"
+
+namespace tamo::stage {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Signals as a descriptor that becomes readable.
+platform::Descriptor signalsAsDescriptor() {
+  sigset_t signals;
+  ::sigemptyset(&signals);
+  for (const int signal : {SIGCHLD, SIGTERM, SIGINT})
+    ::sigaddset(&signals, signal);
+  ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+  return platform::Descriptor(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+}
+
+/// True when one of them asks for the end. A child's death only wakes the loop.
+bool endAsked(const platform::Descriptor& signals) {
+  bool asked = false;
+  signalfd_siginfo info{};
+  while (::read(signals.get(), &info, sizeof info) == static_cast<ssize_t>(sizeof info))
+    asked = asked || info.ssi_signo != SIGCHLD;
+  return asked;
+}
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const auto& word : words)
+    text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+class Loop {
+ public:
+  Loop(const StageRoot& root, platform::Descriptor listening)
+      : presence_(root.directory()),
+        processes_(root),
+        launchd_(root, processes_),
+        clients_(std::move(listening), [this](const auto& words, const auto& reply) {
+          logLine(STDERR_FILENO, "asked: " + joined(words));
+          const bool errand = words.size() == 2 && words.front() == "administrator";
+          if (errand) return processes_.errands().run(words.back(), reply);
+          launchd_.ask(words, Clock::now(), reply);
+        }) {}
+
+  void run() {
+    launchd_.services().resume(Clock::now());
+    while (turn()) {
+    }
+    processes_.endAll();
+    if (launchd_.shutdown()) (*launchd_.shutdown())({});
+    clients_.finish();
+  }
+
+ private:
+  /// False when it is time to end.
+  bool turn() {
+    std::vector<pollfd> polled = {{.fd = signals_.get(), .events = POLLIN, .revents = 0}};
+    clients_.addTo(polled);
+    ::poll(polled.data(), polled.size(), static_cast<int>(pause().count()));
+    const bool told = endAsked(signals_);
+    processes_.reap(launchd_.jobs(), Clock::now());
+    launchd_.tick(Clock::now());
+    clients_.serve(polled);
+    return !told && !launchd_.shutdown() && presence_.isThere();
+  }
+
+  /// A second at most, so that the stage's end is noticed.
+  [[nodiscard]] std::chrono::milliseconds pause() const {
+    const std::chrono::milliseconds longest(1000);
+    const auto next = launchd_.nextDeadline();
+    if (!next) return longest;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
+    return std::clamp(left, std::chrono::milliseconds(0), longest);
+  }
+
+  platform::Descriptor signals_ = signalsAsDescriptor();
+  StagePresence presence_;
+  LaunchdProcesses processes_;
+  Launchd launchd_;
+  LaunchdClients clients_;
+};
+
+}  // namespace
+
+int runLaunchd(const StageRoot& root) {
+  const auto path = root.control("launchd.sock");
+  if (connectedTo(path)) {
+    logLine(STDERR_FILENO, "another launchd runs this stage");
+    return 1;
+  }
+  auto listening = listeningAt(path);
+  if (!listening) {
+    logLine(STDERR_FILENO, "the socket " + path + " cannot be made");
+    return 1;
+  }
+  logLine(STDERR_FILENO, "launchd begins as pid " + std::to_string(::getpid()));
+  const StagePresence presence(root.directory());
+  Loop(root, std::move(listening)).run();
+  logLine(STDERR_FILENO, "launchd ends");
+  // Another stage may have been laid at the same place; its socket is none of ours.
+  if (presence.isThere()) ::unlink(path.c_str());
+  return 0;
+}
+
+}  // namespace tamo::stage

@@ -1,0 +1,6 @@
+#include "stage/tools/xattr.hpp"
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> arguments(argv + 1, argv + argc);
+  return tamo::stage::runXattr(tamo::stage::StageRoot::fromEnvironment(), arguments);
+}

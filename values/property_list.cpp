@@ -1,0 +1,24 @@
+#include "values/property_list.hpp"
+
+#include <cmath>
+
+namespace tamo::platform {
+
+const PropertyList* PropertyList::entry(const std::string& key) const {
+  const auto* entries = dictionary();
+  if (entries == nullptr) return nullptr;
+  const auto found = entries->find(key);
+  return found == entries->end() ? nullptr : &found->second;
+}
+
+std::optional<std::int64_t> exactInt64(const PropertyList& list) {
+  if (const auto* integer = std::get_if<std::int64_t>(&list.value)) return *integer;
+  const auto* real = std::get_if<double>(&list.value);
+  if (real == nullptr) return std::nullopt;
+  constexpr double twoTo63 = 9223372036854775808.0;
+  const bool inRange = *real >= -twoTo63 && *real < twoTo63;
+  if (!inRange || std::trunc(*real) != *real) return std::nullopt;
+  return static_cast<std::int64_t>(*real);
+}
+
+}  // namespace tamo::platform
