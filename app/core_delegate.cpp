@@ -101,7 +101,7 @@ platform::Task<platform::Nothing> CoreDelegate::performRequested(std::string def
   try {
     co_await performing;
   } catch (const std::exception& failure) {
-    platform::fatal(failure.what());
+    values::fatal(failure.what());
   }
   co_return platform::Nothing();
 }

@@ -6,7 +6,7 @@ namespace tamo {
 namespace {
 
 std::string homeOf(const platform::PasswordEntry& entry) {
-  if (!entry.home) platform::fatal("the user's password entry has no home directory");
+  if (!entry.home) values::fatal("the user's password entry has no home directory");
   return *entry.home;
 }
 
@@ -21,7 +21,7 @@ std::optional<std::string> dataDirectory(const platform::User& user, const TamoC
 
 std::string passwordHome(const platform::User& user) {
   const auto entry = user.passwordEntry();
-  if (!entry) platform::fatal("the user has no password entry");
+  if (!entry) values::fatal("the user has no password entry");
   return homeOf(*entry);
 }
 

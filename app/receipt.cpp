@@ -14,7 +14,7 @@ namespace {
 std::string json(const OutcomeValue& value) {
   if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "true" : "false";
   if (const auto* number = std::get_if<std::int64_t>(&value)) return std::to_string(*number);
-  return platform::jsonString(std::get<std::string>(value));
+  return values::jsonString(std::get<std::string>(value));
 }
 
 }  // namespace
@@ -23,7 +23,7 @@ std::string receiptJson(const OutcomeRecord& record) {
   std::string members;
   for (const auto& [key, value] : record) {
     if (!members.empty()) members += ",\n";
-    members += "  " + platform::jsonString(key) + " : " + json(value);
+    members += "  " + values::jsonString(key) + " : " + json(value);
   }
   return "{\n" + members + "\n}";
 }
@@ -46,11 +46,11 @@ void ReceiptWriter::write(OutcomeRecord& record) const {
   record["pid"] = std::int64_t{needs_.kernelProcesses.ownPid()};
   record["timestamp"] = internetDateTime(needs_.clock.wallNow());
   const auto directory =
-      platform::joinedPath(passwordHome(needs_.user), "Library/Application Support/TamoPKG1/M2");
+      values::joinedPath(passwordHome(needs_.user), "Library/Application Support/TamoPKG1/M2");
   const auto name = std::to_string(needs_.kernelProcesses.ownPid()) + "-core.json";
   const auto json = receiptJson(record);
-  const bool written = needs_.files.createDirectories(directory) && platform::isUtf8(json) &&
-                       needs_.files.writeAtomically(platform::joinedPath(directory, name), json);
+  const bool written = needs_.files.createDirectories(directory) && values::isUtf8(json) &&
+                       needs_.files.writeAtomically(values::joinedPath(directory, name), json);
   if (!written) needs_.log.write({platform::LogFormat::receiptFailed, {}});
 }
 

@@ -10,15 +10,15 @@
 namespace tamo::LiveDataGuard {
 namespace {
 
-using platform::joinedPath;
-using platform::standardisedPath;
+using values::joinedPath;
+using values::standardisedPath;
 
 /// What `path` has behind the directory `root`, from the "/" on; empty when it is that directory, absent when
 /// it leads elsewhere. `root` is in lower case. Only a whole name is compared with a whole name, so nothing
 /// rests on how many bytes or characters a name has in another spelling.
 std::optional<std::string_view> behind(const std::string& root, std::string_view path) {
-  for (auto front = path; front != "/"; front = platform::parentPath(front))
-    if (platform::canonicallyEqual(platform::lowercased(front), root)) return path.substr(front.size());
+  for (auto front = path; front != "/"; front = values::parentPath(front))
+    if (values::canonicallyEqual(values::lowercased(front), root)) return path.substr(front.size());
   return std::nullopt;
 }
 
@@ -27,7 +27,7 @@ std::optional<std::string_view> behind(const std::string& root, std::string_view
 std::string realHome(const platform::User& user) {
   const auto entry = user.passwordEntry();
   if (!entry) return std::string(unknownHome);
-  if (!entry->home) platform::fatal("the user database has an entry without a home");
+  if (!entry->home) values::fatal("the user database has an entry without a home");
   return *entry->home;
 }
 
@@ -49,7 +49,7 @@ AppCopy appCopy(std::string_view path, std::string_view home, const platform::Fi
 }
 
 bool mayOpenLive(const AppCopy& copy) {
-  using platform::canonicallyEqual;
+  using values::canonicallyEqual;
   if (!copy.bundleID) return false;
   if (!canonicallyEqual(*copy.bundleID, releaseBundleID)) return false;
   const auto path = standardisedPath(copy.appPath);
@@ -67,15 +67,15 @@ std::string dataHome(const Access& access) {
 
 ClampedPath clampedPath(std::string_view path, const platform::FileReader& files) {
   const auto standardised = standardisedPath(path);
-  const auto parent = files.resolvedPath(std::string(platform::parentPath(standardised)));
+  const auto parent = files.resolvedPath(std::string(values::parentPath(standardised)));
   return {.path = std::string(path),
           .standardised = standardised,
-          .viaParent = joinedPath(parent, platform::lastComponent(standardised))};
+          .viaParent = joinedPath(parent, values::lastComponent(standardised))};
 }
 
 std::string clamp(const ClampedPath& path, const Access& access) {
   if (access.live) return path.path;
-  const auto root = platform::lowercased(standardisedPath(joinedPath(access.real, dataRel)));
+  const auto root = values::lowercased(standardisedPath(joinedPath(access.real, dataRel)));
   for (const auto* candidate : std::array{&path.standardised, &path.viaParent})
     if (const auto rest = behind(root, *candidate)) return std::string(isolatedData).append(*rest);
   return path.path;

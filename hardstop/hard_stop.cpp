@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/checked_sum.hpp"
+#include "platform/deadline.hpp"
 
 namespace tamo::HardStop {
 namespace {

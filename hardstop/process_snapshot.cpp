@@ -1,6 +1,6 @@
 #include "hardstop/process_snapshot.hpp"
 
-#include "platform/checked_sum.hpp"
+#include "values/checked_sum.hpp"
 #include "values/fatal.hpp"
 #include "values/text.hpp"
 
@@ -14,18 +14,18 @@ constexpr std::string_view pidKey = "pid = ";
 std::uint64_t microsOf(const platform::ProcessInfo& info) {
   std::uint64_t micros = 0;
   if (__builtin_mul_overflow(info.startSeconds, microsPerSecond, &micros)) {
-    platform::fatal("the seconds of a start time overflow as microseconds");
+    values::fatal("the seconds of a start time overflow as microseconds");
   }
-  return platform::checkedSum(micros, info.startMicroseconds, "a start time overflows");
+  return values::checkedSum(micros, info.startMicroseconds, "a start time overflows");
 }
 
 std::int64_t deeper(std::int64_t depth, std::int64_t by) {
-  return platform::checkedSum(depth, by, "the depth of a print overflows");
+  return values::checkedSum(depth, by, "the depth of a print overflows");
 }
 
 std::optional<std::int32_t> pidOfLine(std::string_view line) {
   if (!line.starts_with(pidKey)) return std::nullopt;
-  const auto value = platform::decimalInt32(line.substr(pidKey.size()));
+  const auto value = values::decimalInt32(line.substr(pidKey.size()));
   return value && *value >= lowestJobPid ? value : std::nullopt;
 }
 
@@ -45,7 +45,7 @@ std::optional<std::int32_t> pid(std::string_view fromPrint) {
   std::int64_t depth = 0;
   std::optional rest = fromPrint;
   while (rest) {
-    const auto line = platform::trimmed(platform::takeLine(rest));
+    const auto line = values::trimmed(values::takeLine(rest));
     if (line.ends_with("= {")) {
       depth = deeper(depth, 1);
     } else if (line == "}") {

@@ -39,7 +39,7 @@ std::string shownTimeout(const Side& side) {
 
 bool DefinitionCheck::definitionChanged() {
   const auto relative = "Contents/Library/LaunchAgents/" + needs_.label + ".plist";
-  const auto path = platform::joinedPath(needs_.bundles.mainBundlePath(), relative);
+  const auto path = values::joinedPath(needs_.bundles.mainBundlePath(), relative);
   const auto bundled = bundledDefinition(needs_.files, path);
   const auto loaded = loadedDefinition(needs_.launchctl.printJob());
   const bool changed = LaunchJob::needsReseat(loaded, bundled);

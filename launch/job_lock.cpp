@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "platform/checked_sum.hpp"
+#include "platform/deadline.hpp"
 #include "values/fatal.hpp"
 #include "values/paths.hpp"
 
@@ -17,8 +17,8 @@ constexpr std::int32_t noLock = -1;
 
 std::string JobLock::path() const {
   const auto directory = needs_.files.temporaryDirectory();
-  if (!directory) platform::fatal("there is no temporary directory for the job lock");
-  return platform::joinedPath(*directory, needs_.label + ".job.lock");
+  if (!directory) values::fatal("there is no temporary directory for the job lock");
+  return values::joinedPath(*directory, needs_.label + ".job.lock");
 }
 
 /// The time is asked after a try, never before, so that a lock released at the last moment is still gained.

@@ -22,7 +22,7 @@ class PrintReader {
     } else if (line.ends_with("= {")) {
       open(line);
     } else if (depth_ == jobDepth && line.starts_with(exitTimeoutKey)) {
-      exitTimeout_ = platform::decimalInt64(line.substr(exitTimeoutKey.size()));
+      exitTimeout_ = values::decimalInt64(line.substr(exitTimeoutKey.size()));
     }
   }
 
@@ -60,11 +60,11 @@ class PrintReader {
 };
 
 bool sameTexts(const std::vector<std::string>& left, const std::vector<std::string>& right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(), platform::canonicallyEqual);
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), values::canonicallyEqual);
 }
 
 /// Absent unless the value is a list of nothing but texts, and of one at least.
-std::optional<std::vector<std::string>> someTexts(const platform::PropertyList* value) {
+std::optional<std::vector<std::string>> someTexts(const values::PropertyList* value) {
   const auto* elements = value == nullptr ? nullptr : value->array();
   if (elements == nullptr || elements->empty()) return std::nullopt;
   std::vector<std::string> texts;
@@ -86,21 +86,20 @@ std::optional<Definition> loaded(std::string_view fromPrint) {
   PrintReader reader;
   std::optional rest(fromPrint);
   while (rest) {
-    const auto line = platform::takeLine(rest);
-    reader.read(platform::trimmed(line));
+    const auto line = values::takeLine(rest);
+    reader.read(values::trimmed(line));
   }
   return reader.definition();
 }
 
 std::optional<Definition> bundled(std::string_view plist) {
-  const auto list = platform::readPropertyList(plist);
+  const auto list = values::readPropertyList(plist);
   if (!list) return std::nullopt;
   auto arguments = someTexts(list->entry("ProgramArguments"));
   if (!arguments) return std::nullopt;
   const auto* exitTimeout = list->entry("ExitTimeOut");
-  return Definition{
-      .arguments = std::move(*arguments),
-      .exitTimeout = exitTimeout == nullptr ? std::nullopt : platform::exactInt64(*exitTimeout)};
+  return Definition{.arguments = std::move(*arguments),
+                    .exitTimeout = exitTimeout == nullptr ? std::nullopt : values::exactInt64(*exitTimeout)};
 }
 
 bool needsReseat(const std::optional<Definition>& loaded, const std::optional<Definition>& bundled) {
@@ -116,7 +115,7 @@ bool staleLaunch(const std::vector<std::string>& arguments, const std::optional<
 
 bool syncAtLaunch(const std::optional<std::string>& build, const std::optional<std::string>& lastSynced) {
   if (!build || build->empty()) return false;
-  return !lastSynced || !platform::canonicallyEqual(*build, *lastSynced);
+  return !lastSynced || !values::canonicallyEqual(*build, *lastSynced);
 }
 
 }  // namespace tamo::LaunchJob

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/checked_sum.hpp"
+#include "platform/deadline.hpp"
 #include "values/paths.hpp"
 #include "values/text.hpp"
 
@@ -40,7 +40,7 @@ void waitInSteps(platform::Tool& tool, platform::Clock& clock) {
 
 std::optional<std::string> utf8Text(const platform::Files& files, const std::string& path) {
   auto bytes = files.readWhole(path);
-  if (!bytes || !platform::isUtf8(*bytes)) return std::nullopt;
+  if (!bytes || !values::isUtf8(*bytes)) return std::nullopt;
   return bytes;
 }
 
@@ -67,7 +67,7 @@ std::optional<PrintResult> Launchctl::printJob() {
   const auto directory = needs_.files.temporaryDirectory();
   if (!directory) return std::nullopt;
   const auto name = "tamo-core-print-" + std::to_string(needs_.kernelProcesses.ownPid()) + ".txt";
-  const auto path = platform::joinedPath(*directory, name);
+  const auto path = values::joinedPath(*directory, name);
   const RemovedAtEnd removed(needs_.files, path);
   // A whole new file under the name, so that a link planted there is never written through.
   if (!needs_.files.writeAtomically(path, "")) return std::nullopt;

@@ -11,8 +11,8 @@ namespace {
 bool hasPidLine(std::string_view text) {
   std::optional rest(text);
   while (rest) {
-    const auto line = platform::takeLine(rest);
-    if (platform::trimmed(line).starts_with("pid = ")) return true;
+    const auto line = values::takeLine(rest);
+    if (values::trimmed(line).starts_with("pid = ")) return true;
   }
   return false;
 }
@@ -40,9 +40,9 @@ std::string withoutQuotedBlocks(std::string text) {
   std::size_t open = 0;
   std::optional<std::string_view> rest(text);
   while (rest) {
-    const auto line = platform::takeLine(rest);
+    const auto line = values::takeLine(rest);
     const bool within = open > 0;
-    open = openBehind(platform::trimmed(line), open);
+    open = openBehind(values::trimmed(line), open);
     if (within || open > 0) continue;
     kept.append(line);
     if (rest) kept += '\n';

@@ -17,7 +17,7 @@ std::int32_t ProcessRunner::run(const std::string& path, const std::vector<std::
   const auto tool = processes_.start({.path = path, .arguments = arguments, .capturesErrors = true});
   if (!tool) return notStarted;
   // Reading comes before waiting: a tool that fills the pipe would otherwise never exit.
-  errors = platform::repairedUtf8(tool->readErrors(errorCaptureLimit));
+  errors = values::repairedUtf8(tool->readErrors(errorCaptureLimit));
   return tool->wait();
 }
 

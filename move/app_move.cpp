@@ -42,13 +42,13 @@ bool isTranslocated(std::string_view path) {
 }
 
 std::string spelling(std::string_view path) {
-  return platform::withoutPrivatePrefix(platform::standardisedPath(path));
+  return values::withoutPrivatePrefix(values::standardisedPath(path));
 }
 
 /// A name with accents has two spellings, and so has a path below /private; the places that paths come from do
 /// not agree on one.
 bool samePath(std::string_view left, std::string_view right) {
-  return platform::canonicallyEqual(spelling(left), spelling(right));
+  return values::canonicallyEqual(spelling(left), spelling(right));
 }
 
 }  // namespace
@@ -70,8 +70,8 @@ Plan plan(const Builds& builds) {
 }
 
 std::optional<std::int64_t> buildNumber(std::string_view version) {
-  const auto pieces = platform::trimmed(version, '.');
-  return platform::decimalInt64(pieces.substr(0, pieces.find('.')));
+  const auto pieces = values::trimmed(version, '.');
+  return values::decimalInt64(pieces.substr(0, pieces.find('.')));
 }
 
 std::optional<std::int64_t> build(const platform::FileReader& files, const std::string& appPath) {
@@ -86,13 +86,13 @@ Result resultOf(std::string_view code) {
 
 std::string encoded(const Result& result) {
   const std::string ok = result.ok ? "true" : "false";
-  return R"({"ok":)" + ok + R"(,"code":)" + platform::jsonString(result.code) + "}";
+  return R"({"ok":)" + ok + R"(,"code":)" + values::jsonString(result.code) + "}";
 }
 
 std::string resultURL(std::string_view home, std::string_view bundleID) {
   const auto container =
       std::string("Library/Containers/").append(bundleID).append("/Data/Library/Application Support/Tamo");
-  return platform::joinedPath(platform::joinedPath(home, container), resultName);
+  return values::joinedPath(values::joinedPath(home, container), resultName);
 }
 
 std::string_view words(std::string_view code) {
@@ -115,7 +115,7 @@ std::optional<std::string> oldCopy(std::string_view here, const std::optional<st
 
 bool isCopy(const RunningCopy& copy, const platform::RunningApplication& application) {
   if (!application.bundleIdentifier || !application.bundlePath) return false;
-  return platform::canonicallyEqual(*application.bundleIdentifier, copy.bundleID) &&
+  return values::canonicallyEqual(*application.bundleIdentifier, copy.bundleID) &&
          samePath(*application.bundlePath, copy.path);
 }
 

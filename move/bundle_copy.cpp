@@ -25,7 +25,7 @@ std::string_view BundleCopy::copy(const std::string& source, const std::string& 
   if (copiedPlainly(source, to)) return AppMove::Code::moved;
   needs_.files.remove(to);
   // Where the user may write, it was not the rights that failed, and the administrator's would not help.
-  const std::string folder(platform::parentPath(to));
+  const std::string folder(values::parentPath(to));
   if (needs_.userFiles.isWritable(folder)) return AppMove::Code::copyFailed;
   return copyAsAdministrator(source, to);
 }

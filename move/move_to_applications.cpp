@@ -6,8 +6,8 @@
 
 #include "guard/live_data_guard.hpp"
 #include "platform/bundle_info.hpp"
-#include "platform/checked_sum.hpp"
 #include "platform/completion.hpp"
+#include "platform/deadline.hpp"
 #include "values/paths.hpp"
 
 namespace tamo {
@@ -98,7 +98,7 @@ void MoveToApplications::removeOldCopy(const std::string& here) {
 /// not be created may be there all the same, so the writing is tried in any case.
 void MoveToApplications::record(const AppMove::Result& result, const std::string& bundleID) {
   const auto file = AppMove::resultURL(LiveDataGuard::realHome(needs_.user), bundleID);
-  static_cast<void>(needs_.files.createDirectories(std::string(platform::parentPath(file))));
+  static_cast<void>(needs_.files.createDirectories(std::string(values::parentPath(file))));
   static_cast<void>(needs_.files.writeAtomically(file, AppMove::encoded(result)));
 }
 

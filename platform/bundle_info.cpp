@@ -4,10 +4,10 @@
 
 namespace tamo::platform {
 
-std::optional<PropertyList> bundleInfo(const FileReader& files, const std::string& appPath) {
-  const auto bytes = files.readWhole(joinedPath(appPath, "Contents/Info.plist"));
+std::optional<values::PropertyList> bundleInfo(const FileReader& files, const std::string& appPath) {
+  const auto bytes = files.readWhole(values::joinedPath(appPath, "Contents/Info.plist"));
   if (!bytes) return std::nullopt;
-  auto list = readPropertyList(*bytes);
+  auto list = values::readPropertyList(*bytes);
   if (!list || list->dictionary() == nullptr) return std::nullopt;
   return list;
 }

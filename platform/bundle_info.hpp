@@ -12,7 +12,8 @@
 namespace tamo::platform {
 
 /// The whole dictionary; absent when the file is missing, unreadable or no dictionary.
-[[nodiscard]] std::optional<PropertyList> bundleInfo(const FileReader& files, const std::string& appPath);
+[[nodiscard]] std::optional<values::PropertyList> bundleInfo(const FileReader& files,
+                                                             const std::string& appPath);
 
 /// The value of a key when it is text; absent in every other case.
 [[nodiscard]] std::optional<std::string> bundleText(const FileReader& files, const std::string& appPath,

@@ -27,7 +27,7 @@ class Completion {
   void deliver(T value) const {
     {
       const std::lock_guard hold(shared_->lock);
-      if (shared_->delivered) fatal("a completion was delivered twice");
+      if (shared_->delivered) values::fatal("a completion was delivered twice");
       shared_->delivered = true;
       shared_->value.emplace(std::move(value));
       if (!shared_->waiting) return;

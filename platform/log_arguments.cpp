@@ -11,7 +11,7 @@ namespace {
 template <class Kind>
 const Kind& kindAt(const LogLine& line, std::size_t at) {
   const auto* found = at < line.arguments.size() ? std::get_if<Kind>(&line.arguments[at]) : nullptr;
-  if (found == nullptr) fatal("a log argument does not fit its format");
+  if (found == nullptr) values::fatal("a log argument does not fit its format");
   return *found;
 }
 
@@ -19,7 +19,8 @@ template <class Integer>
 Integer integerAt(const LogLine& line, std::size_t at) {
   using Limits = std::numeric_limits<Integer>;
   const auto value = kindAt<std::int64_t>(line, at);
-  if (value < Limits::min() || value > Limits::max()) fatal("a log argument does not fit its placeholder");
+  if (value < Limits::min() || value > Limits::max())
+    values::fatal("a log argument does not fit its placeholder");
   return static_cast<Integer>(value);
 }
 

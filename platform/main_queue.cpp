@@ -7,7 +7,7 @@
 namespace tamo::platform {
 
 void requireMain(const MainQueue& queue, const char* where) {
-  if (!queue.isMain()) fatal(std::string(where) + " entered off the main thread");
+  if (!queue.isMain()) values::fatal(std::string(where) + " entered off the main thread");
 }
 
 }  // namespace tamo::platform

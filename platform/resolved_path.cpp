@@ -10,7 +10,7 @@ std::string resolvedPath(const std::string& path, const WithoutLinks& withoutLin
     const auto item = withoutLinks(left);
     return item && item == withoutLinks(right);
   };
-  return withoutPrivatePrefix(standardisedPath(withoutLinks(path).value_or(path)), sameItem);
+  return values::withoutPrivatePrefix(values::standardisedPath(withoutLinks(path).value_or(path)), sameItem);
 }
 
 }  // namespace tamo::platform

@@ -3,7 +3,7 @@
 
 say() { printf '\n%s\n' "$*"; }
 die() { echo "rehearse: $*" >&2; exit 1; }
-stage() { build/gcc/bin/tamo-stage "$1" "$root" "${@:2}"; }
+stage() { build/daily/bin/tamo-stage "$1" "$root" "${@:2}"; }
 
 # Lays a stage that is struck again when the script ends.
 lay_stage() {
@@ -16,8 +16,8 @@ lay_stage() {
 end_rehearsal() {
   if [[ $keep == yes ]]; then
     say "The stage stays in $root:
-    build/gcc/bin/tamo-stage status $root
-    build/gcc/bin/tamo-stage strike $root"
+    build/daily/bin/tamo-stage status $root
+    build/daily/bin/tamo-stage strike $root"
   else
     stage strike >/dev/null
     [[ ! -e $root ]] || die "the stage is left"

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 /// Not handed down like everything else of the host: what is fatal comes from the deepest places, which know
@@ -24,4 +24,4 @@ void setLastWords(LastWords say) noexcept {
   lastWords = say;
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

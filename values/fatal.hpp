@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace tamo::platform {
+namespace tamo::values {
 
 /// Ends the process for a condition that cannot occur in a sane installation: writes `reason` as one line to
 /// standard error, says it as setLastWords() has it, then aborts. Any thread. Release builds stop as well;
@@ -17,4 +17,4 @@ using LastWords = void (*)(std::string_view reason) noexcept;
 /// as the first thing. Any thread.
 void setLastWords(LastWords say) noexcept;
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -1,6 +1,6 @@
 #include "values/json_text.hpp"
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 /// The letter after the backslash; 0 for a character that has no short escape.
@@ -49,4 +49,4 @@ std::string jsonString(std::string_view text) {
   return json + '"';
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 void apply(std::vector<std::string_view>& kept, std::string_view component) {
@@ -50,4 +50,4 @@ std::string_view lastComponent(std::string_view path) {
   return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

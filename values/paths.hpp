@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// Paths as text. Pure functions of absolute POSIX paths, without a look at the file system. Any thread.
-namespace tamo::platform {
+namespace tamo::values {
 
 /// `path` with "." and ".." components removed lexically, runs of "/" made one and no "/" at its end. ".." at
 /// the root vanishes. "~" is a name like any other; a relative path is taken from the root.
@@ -22,4 +22,4 @@ namespace tamo::platform {
 [[nodiscard]] std::string_view parentPath(std::string_view path);
 [[nodiscard]] std::string_view lastComponent(std::string_view path);
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

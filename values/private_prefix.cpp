@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 constexpr std::string_view prefix = "/private";
@@ -39,4 +39,4 @@ std::string withoutPrivatePrefix(std::string path) {
   return isWithinOneOf(shorter, linkedFolders) ? shorter : path;
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -5,7 +5,7 @@
 
 /// The folder "/private" of a Mac, into which the system's own "/tmp", "/var" and "/etc" are links. A path of
 /// an item there has two spellings, and the shorter one is taken. `path` is standardised.
-namespace tamo::platform {
+namespace tamo::values {
 
 /// Whether two paths lead to one existing item, links followed.
 using SameItem = std::function<bool(const std::string& left, const std::string& right)>;
@@ -20,4 +20,4 @@ using SameItem = std::function<bool(const std::string& left, const std::string& 
 /// shorter path, and keeps it. Any thread.
 [[nodiscard]] std::string withoutPrivatePrefix(std::string path);
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

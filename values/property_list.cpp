@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace tamo::platform {
+namespace tamo::values {
 
 const PropertyList* PropertyList::entry(const std::string& key) const {
   const auto* entries = dictionary();
@@ -21,4 +21,4 @@ std::optional<std::int64_t> exactInt64(const PropertyList& list) {
   return static_cast<std::int64_t>(*real);
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-namespace tamo::platform {
+namespace tamo::values {
 
 /// One value of a property list.
 struct PropertyList {
@@ -42,4 +42,4 @@ struct PropertyList {
 /// suite says where the stage's gives up. Any thread.
 [[nodiscard]] std::optional<PropertyList> readPropertyList(std::string_view bytes);
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-namespace tamo::platform {
+namespace tamo::values {
 
 /// How many containers may stand one in another. Reading, copying and destroying a list take stack for each.
 inline constexpr std::size_t deepestNesting = 512;
@@ -12,4 +12,4 @@ inline constexpr std::size_t deepestNesting = 512;
 /// had 608.
 inline constexpr std::size_t mostValues = 10'000;
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 /// The space separators beyond ASCII, in UTF-8. U+200B is none of them today, although older tables list it.
@@ -153,4 +153,4 @@ std::string repairedUtf8(std::string_view bytes) {
   return result;
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

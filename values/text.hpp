@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// Text rules that are the same on every backend. Pure functions, any thread.
-namespace tamo::platform {
+namespace tamo::values {
 
 /// `text` without the spaces and tabs at both ends: the tab and Unicode's space separators (category Zs).
 /// Line breaks stay, a carriage return among them.
@@ -35,4 +35,4 @@ namespace tamo::platform {
 /// becomes one.
 [[nodiscard]] std::string repairedUtf8(std::string_view bytes);
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -5,7 +5,7 @@
 
 /// The two places where text is more than bytes. Each backend brings its library; one suite holds them to
 /// the same answers. Invalid UTF-8 is compared and kept byte for byte, never an error. Any thread.
-namespace tamo::platform {
+namespace tamo::values {
 
 /// Lower case by Unicode's full rules, each character by itself: neither the locale nor what stands beside it
 /// matters, so a capital sigma becomes the common small one at the end of a word as well.
@@ -15,4 +15,4 @@ namespace tamo::platform {
 /// is overlooked, a byte order mark in front of a text neither.
 [[nodiscard]] bool canonicallyEqual(std::string_view left, std::string_view right);
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -5,7 +5,7 @@
 namespace tamo::macos {
 
 NSString* foundationText(std::string_view text) {
-  return CFBridgingRelease(cfText(text).release());
+  return CFBridgingRelease(values::macos::cfText(text).release());
 }
 
 NSURL* fileURL(std::string_view path) {
@@ -14,7 +14,7 @@ NSURL* fileURL(std::string_view path) {
 }
 
 std::optional<std::string> textOf(NSString* string) {
-  return textOf((__bridge CFStringRef)string);
+  return values::macos::textOf((__bridge CFStringRef)string);
 }
 
 std::optional<std::string> pathOf(NSURL* url) {

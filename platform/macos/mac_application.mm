@@ -108,7 +108,7 @@ void MacApplication::run() {
 }
 
 void MacApplication::terminate() {
-  if (NSApp == nil) platform::fatal("there is no application to terminate");
+  if (NSApp == nil) values::fatal("there is no application to terminate");
   [NSApp terminate:nil];
 }
 

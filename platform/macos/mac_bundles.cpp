@@ -24,19 +24,19 @@ using CreateOriginalPath = CFURLRef (*)(CFURLRef, CFErrorRef*);
 
 std::string MacBundles::mainBundlePath() const {
   auto* bundle = CFBundleGetMainBundle();
-  const Owned<CFURLRef> url(bundle == nullptr ? nullptr : CFBundleCopyBundleURL(bundle));
-  auto path = pathOf(url.get());
-  if (!path) platform::fatal("there is no main bundle");
+  const values::macos::Owned<CFURLRef> url(bundle == nullptr ? nullptr : CFBundleCopyBundleURL(bundle));
+  auto path = values::macos::pathOf(url.get());
+  if (!path) values::fatal("there is no main bundle");
   return *path;
 }
 
 std::optional<std::string> MacBundles::originalLocation(const std::string& appPath) const {
-  const auto url = cfFileURL(appPath);
+  const auto url = values::macos::cfFileURL(appPath);
   if (!url) return std::nullopt;
   const platform::TranslocationQuestion ask = [&url](void* function) {
     const auto createOriginalPath = reinterpret_cast<CreateOriginalPath>(function);
-    const Owned<CFURLRef> original(createOriginalPath(url.get(), nullptr));
-    return pathOf(original.get());
+    const values::macos::Owned<CFURLRef> original(createOriginalPath(url.get(), nullptr));
+    return values::macos::pathOf(original.get());
   };
   return platform::translocatedFrom(dynamicLoader(), ask);
 }

@@ -29,7 +29,7 @@ bool MacFiles::writeAtomically(const std::string& path, std::string_view bytes) 
 }
 
 bool MacFiles::createDirectories(const std::string& path) {
-  return posix::createDirectories(platform::standardisedPath(path));
+  return posix::createDirectories(values::standardisedPath(path));
 }
 
 bool MacFiles::remove(const std::string& path) {

@@ -5,7 +5,7 @@
 namespace tamo::platform {
 
 std::unique_ptr<Host> makeHost() {
-  setLastWords(&macos::logAtFaultLevel);
+  values::setLastWords(&macos::logAtFaultLevel);
   return std::make_unique<macos::MacHost>();
 }
 

@@ -6,7 +6,7 @@
 
 namespace tamo::macos {
 
-/// For platform::setLastWords: a line of the companion's own channel at fault level, which the system keeps.
+/// For values::setLastWords: a line of the companion's own channel at fault level, which the system keeps.
 /// A process that was started by the system has the null device for its standard error.
 void logAtFaultLevel(std::string_view reason) noexcept;
 

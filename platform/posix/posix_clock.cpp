@@ -14,7 +14,8 @@ std::chrono::system_clock::time_point PosixClock::wallNow() const {
 
 Instant PosixClock::monotonicNow() const {
   timespec now{};
-  if (::clock_gettime(sleepCountingClock(), &now) != 0) fatal("the host has no clock that counts sleep");
+  if (::clock_gettime(sleepCountingClock(), &now) != 0)
+    values::fatal("the host has no clock that counts sleep");
   return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
 }
 

@@ -49,7 +49,7 @@ class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& folder) {
     do {
-      path_ = joinedPath(folder, nextName());
+      path_ = values::joinedPath(folder, nextName());
       opened_ = Descriptor(::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     } while (!opened_ && errno == EEXIST);
     placed_ = !opened_;
@@ -111,7 +111,7 @@ std::optional<std::string> readWhole(const std::string& path) {
 }
 
 bool writeAtomically(const std::string& path, std::string_view bytes) {
-  TemporaryFile file{std::string(parentPath(path))};
+  TemporaryFile file{std::string(values::parentPath(path))};
   return file.holds(bytes, modeToKeep(path)) && file.moveTo(path);
 }
 
@@ -129,7 +129,7 @@ bool createDirectory(const std::string& path) {
 bool createDirectories(const std::string& path) {
   if (createDirectory(path)) return true;
   if (errno != ENOENT || path.empty() || path == "/") return false;
-  const std::string above(parentPath(path));
+  const std::string above(values::parentPath(path));
   return createDirectories(above) && createDirectory(path);
 }
 

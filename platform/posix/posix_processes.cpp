@@ -59,7 +59,7 @@ class PosixTool final : public Tool {
     if (!status_) ::kill(child_, SIGTERM);
   }
   [[nodiscard]] std::string readErrors(std::size_t limit) override {
-    if (!errors_) fatal("standard error was not captured, or is read twice");
+    if (!errors_) values::fatal("standard error was not captured, or is read twice");
     const auto reading = std::exchange(errors_, Descriptor());
     return readToEnd(reading.get(), limit).value_or("");
   }

@@ -31,7 +31,7 @@ std::optional<Error> orderedError(const StageRoot& root) {
 std::optional<std::string> programOf(const StageRoot& root, const std::string& bundle) {
   const auto name = platform::bundleText(StageFiles(root), bundle, "CFBundleExecutable");
   if (!name || name->empty() || name->contains('/')) return std::nullopt;
-  return platform::joinedPath(bundle, "Contents/MacOS/" + *name);
+  return values::joinedPath(bundle, "Contents/MacOS/" + *name);
 }
 
 bool runsFrom(const StageRoot& root, const std::string& program) {

@@ -54,7 +54,7 @@ std::optional<LaunchdAnswer> answerOf(const std::string& bytes) {
   const auto output = bytes.find('\0');
   if (output == std::string::npos) return std::nullopt;
   const auto errors = bytes.find('\0', output + 1);
-  const auto status = platform::decimalInt32(std::string_view(bytes).substr(0, output));
+  const auto status = values::decimalInt32(std::string_view(bytes).substr(0, output));
   if (errors == std::string::npos || !status) return std::nullopt;
   return LaunchdAnswer{.status = *status,
                        .output = bytes.substr(output + 1, errors - output - 1),

@@ -54,7 +54,7 @@ void renouncePrivileges() {
   auto header = ownHeader();
   const Capabilities none;
   const bool gone = ::syscall(SYS_capset, &header, none.words) == 0;
-  if (!forGood || !gone) platform::fatal("root's privileges cannot be given up");
+  if (!forGood || !gone) values::fatal("root's privileges cannot be given up");
 }
 
 bool takeAdministratorPrivileges() {

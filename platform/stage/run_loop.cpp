@@ -38,7 +38,7 @@ std::vector<std::string> urlsOfTheStart() {
 }  // namespace
 
 RunLoop::RunLoop(const StageRoot& root) : root_(root), wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (!wake_) platform::fatal("the main loop gets no event descriptor");
+  if (!wake_) values::fatal("the main loop gets no event descriptor");
 }
 
 void RunLoop::post(std::function<void()> work) {
@@ -56,7 +56,7 @@ void RunLoop::postAfter(std::chrono::nanoseconds delay, std::function<void()> wo
 
 void RunLoop::run() {
   platform::requireMain(*this, "the main loop");
-  if (delegate_ == nullptr) platform::fatal("an application without a delegate was run");
+  if (delegate_ == nullptr) values::fatal("an application without a delegate was run");
   inbox_.emplace(root_);
   running_ = true;
   finishLaunching();
@@ -67,7 +67,7 @@ void RunLoop::run() {
 
 void RunLoop::terminate() {
   platform::requireMain(*this, "the terminate request");
-  if (!running_) platform::fatal("there is no application to terminate");
+  if (!running_) values::fatal("there is no application to terminate");
   running_ = false;
   if (root_.setting("terminate", "exits") == "returns") return;
   inbox_.reset();

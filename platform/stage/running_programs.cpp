@@ -60,7 +60,7 @@ std::vector<RunningProgram> runningPrograms(const StageRoot& root) {
   std::vector<RunningProgram> found;
   std::error_code ignored;
   for (const auto& item : fs::directory_iterator("/proc", ignored)) {
-    const auto pid = platform::decimalInt32(item.path().filename().string());
+    const auto pid = values::decimalInt32(item.path().filename().string());
     const auto program = pid ? runningProgram(root, *pid) : std::nullopt;
     if (program) found.push_back(*program);
   }

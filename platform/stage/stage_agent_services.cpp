@@ -26,7 +26,7 @@ class StageAgentService final : public platform::AgentService {
   [[nodiscard]] std::int64_t status() override {
     const auto answer = askLaunchd(root_, {"service-status", plistName_});
     if (!answer || answer->status != 0) return notFound;
-    return platform::decimalInt64(answer->output).value_or(notFound);
+    return values::decimalInt64(answer->output).value_or(notFound);
   }
   void registerAgent() override {
     const auto error = errorFrom(askLaunchd(root_, {"service-register", bundle_, plistName_}));
@@ -55,7 +55,7 @@ std::optional<Error> errorFrom(const std::optional<LaunchdAnswer>& answer) {
   const auto first = text.find('\t');
   const auto second = text.find('\t', first == std::string::npos ? first : first + 1);
   if (second == std::string::npos) return Error(domain, 2, "The stage's launchd gave no error.");
-  const auto code = platform::decimalInt64(std::string_view(text).substr(first + 1, second - first - 1));
+  const auto code = values::decimalInt64(std::string_view(text).substr(first + 1, second - first - 1));
   if (!code) return Error(domain, 2, "The stage's launchd gave an error without a code.");
   return Error(text.substr(0, first), *code, text.substr(second + 1));
 }

@@ -14,20 +14,20 @@ namespace tamo::stage {
 std::string executableAsLaunched() {
   // The auxiliary vector holds the number of an address.
   const auto* path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
-  if (path == nullptr) platform::fatal("the kernel does not tell how this process was started");
-  return *path == '/' ? path : platform::joinedPath(std::filesystem::current_path().string(), path);
+  if (path == nullptr) values::fatal("the kernel does not tell how this process was started");
+  return *path == '/' ? path : values::joinedPath(std::filesystem::current_path().string(), path);
 }
 
 std::string bundleOf(const std::string& executable) {
   constexpr std::string_view inside = "/Contents/MacOS";
-  const auto folder = platform::parentPath(executable);
+  const auto folder = values::parentPath(executable);
   if (folder.size() <= inside.size() || !folder.ends_with(inside)) return std::string(folder);
   return std::string(folder.substr(0, folder.size() - inside.size()));
 }
 
 StageBundles::StageBundles(const StageRoot& root, const std::string& executable) : root_(root) {
   const auto path = root_.onStage(executable);
-  if (!path) platform::fatal(executable + " does not lie below the stage " + root_.directory());
+  if (!path) values::fatal(executable + " does not lie below the stage " + root_.directory());
   mainBundle_ = bundleOf(*path);
 }
 
@@ -35,7 +35,7 @@ std::optional<std::string> StageBundles::originalLocation(const std::string& app
   const auto lines = platform::posix::readWhole(root_.control("translocated")).value_or("");
   const auto start = appPath + "\t";
   for (std::optional<std::string_view> rest(lines); rest;) {
-    const auto line = platform::takeLine(rest);
+    const auto line = values::takeLine(rest);
     if (line.starts_with(start)) return std::string(line.substr(start.size()));
   }
   return std::nullopt;

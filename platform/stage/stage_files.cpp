@@ -35,10 +35,10 @@ bool StageFiles::writeAtomically(const std::string& path, std::string_view bytes
 
 bool StageFiles::createDirectories(const std::string& path) {
   // One directory at a time, because each may be reached through a link that only the stage can follow.
-  const auto directory = platform::standardisedPath(path);
+  const auto directory = values::standardisedPath(path);
   if (const auto found = root_.existing(directory)) return posix::createDirectory(*found);
   if (directory == "/") return false;
-  if (!createDirectories(std::string(platform::parentPath(directory)))) return false;
+  if (!createDirectories(std::string(values::parentPath(directory)))) return false;
   const auto place = root_.entry(directory);
   return place && posix::createDirectory(*place);
 }

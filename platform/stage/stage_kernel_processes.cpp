@@ -56,7 +56,7 @@ std::optional<ProcStat> statOf(std::int32_t pid) {
 bool kernelNumbersProcesses() {
   constexpr long processFileSystem = 0x50494446;
   const auto own = processDescriptor(::getpid());
-  if (!own) platform::fatal("a stage needs process descriptors");
+  if (!own) values::fatal("a stage needs process descriptors");
   struct statfs system {};
   return ::fstatfs(own.get(), &system) == 0 && system.f_type == processFileSystem;
 }

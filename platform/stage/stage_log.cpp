@@ -6,12 +6,14 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/log_text.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/onlooker.hpp"
 
 namespace tamo::stage {
 namespace {
 
+using platform::LogPart;
 using platform::LogPiece;
 
 const char* levelName(platform::LogLevel level) {
@@ -20,8 +22,8 @@ const char* levelName(platform::LogLevel level) {
 
 std::string marked(const LogPiece& piece, PrivateTexts privateTexts) {
   const auto text = escaped(piece.text, "{}");
-  if (piece.kind == LogPiece::Kind::Fixed) return text;
-  if (piece.kind == LogPiece::Kind::Public) return "{public:" + text + "}";
+  if (piece.part == LogPart::Fixed) return text;
+  if (piece.part == LogPart::Public) return "{public:" + text + "}";
   return privateTexts == PrivateTexts::Shown ? "{private:" + text + "}" : "{private}";
 }
 
@@ -69,7 +71,7 @@ std::string escaped(std::string_view text, std::string_view more) {
 std::string shownColumn(const platform::LogLine& line, PrivateTexts privateTexts) {
   std::string text;
   for (const auto& piece : platform::pieces(line)) {
-    const bool hidden = piece.kind == LogPiece::Kind::Private && privateTexts == PrivateTexts::Hidden;
+    const bool hidden = piece.part == LogPart::Private && privateTexts == PrivateTexts::Hidden;
     text += hidden ? "<private>" : escaped(piece.text);
   }
   return text;

@@ -19,7 +19,7 @@ namespace tamo::stage {
 namespace {
 
 using platform::Descriptor;
-using platform::fatal;
+using values::fatal;
 
 std::string canonical(const std::string& directory) {
   const auto resolved = platform::posix::withoutLinks(directory);
@@ -71,12 +71,12 @@ StageRoot StageRoot::fromEnvironment() {
 StageRoot::StageRoot(const std::string& directory) : directory_(canonical(directory)) {}
 
 std::string StageRoot::host(std::string_view stagePath) const {
-  const auto path = platform::standardisedPath(stagePath);
+  const auto path = values::standardisedPath(stagePath);
   return path == "/" ? directory_ : directory_ + path;
 }
 
 std::optional<std::string> StageRoot::onStage(std::string_view hostPath) const {
-  const auto path = platform::standardisedPath(hostPath);
+  const auto path = values::standardisedPath(hostPath);
   if (path == directory_) return "/";
   if (!path.starts_with(directory_ + "/")) return std::nullopt;
   return path.substr(directory_.size());
@@ -90,19 +90,19 @@ std::optional<std::string> StageRoot::entry(std::string_view stagePath) const {
   const auto end = stagePath.find_last_not_of('/');
   if (end == std::string_view::npos) return std::nullopt;
   const auto path = stagePath.substr(0, end + 1);
-  const auto name = platform::lastComponent(path);
+  const auto name = values::lastComponent(path);
   if (name == "." || name == "..") return std::nullopt;
-  const auto folder = resolvedInRoot(directory_, platform::parentPath(path), O_DIRECTORY);
+  const auto folder = resolvedInRoot(directory_, values::parentPath(path), O_DIRECTORY);
   if (!folder) return std::nullopt;
-  return platform::joinedPath(*folder, name);
+  return values::joinedPath(*folder, name);
 }
 
 std::string StageRoot::control(std::string_view name) const {
-  return platform::joinedPath(directory_ + "/.stage", name);
+  return values::joinedPath(directory_ + "/.stage", name);
 }
 
 std::optional<std::string> StageRoot::setting(std::string_view name) const {
-  auto text = platform::posix::readWhole(platform::joinedPath(control("settings"), name));
+  auto text = platform::posix::readWhole(values::joinedPath(control("settings"), name));
   if (text && text->ends_with('\n')) text->pop_back();
   return text;
 }
@@ -113,7 +113,7 @@ std::string StageRoot::setting(std::string_view name, std::string_view otherwise
 
 void StageRoot::set(std::string_view name, std::optional<std::string_view> value) const {
   const auto settings = control("settings");
-  const auto path = platform::joinedPath(settings, name);
+  const auto path = values::joinedPath(settings, name);
   if (!value) {
     // Clearing what is not set is no mistake.
     static_cast<void>(platform::posix::remove(path));
@@ -125,7 +125,7 @@ void StageRoot::set(std::string_view name, std::optional<std::string_view> value
 }
 
 std::uint32_t StageRoot::userID() const {
-  const auto number = platform::decimalInt32(setting("user-id", "501"));
+  const auto number = values::decimalInt32(setting("user-id", "501"));
   if (!number || *number < 0) fatal("the setting user-id is no user id");
   return static_cast<std::uint32_t>(*number);
 }

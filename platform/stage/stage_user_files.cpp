@@ -50,15 +50,15 @@ bool StageUserFiles::isWritable(const std::string& path) const {
 
 bool StageUserFiles::moveToTrash(const std::string& path) {
   const auto item = root_.entry(path);
-  const auto trash = root_.entry(platform::joinedPath(root_.home(), ".Trash"));
+  const auto trash = root_.entry(values::joinedPath(root_.home(), ".Trash"));
   if (!item || !trash) return false;
   // One that is there already, or cannot be made, shows in the move.
   static_cast<void>(::mkdir(trash->c_str(), 0700));
-  const std::string name(platform::lastComponent(*item));
-  int failure = failureOfMove(*item, platform::joinedPath(*trash, name));
+  const std::string name(values::lastComponent(*item));
+  int failure = failureOfMove(*item, values::joinedPath(*trash, name));
   const auto time = timeOfDay(clock_.wallNow());
   for (int attempt = 1; failure == EEXIST && attempt <= mostAttempts; ++attempt)
-    failure = failureOfMove(*item, platform::joinedPath(*trash, nameInTrash(name, time, attempt)));
+    failure = failureOfMove(*item, values::joinedPath(*trash, nameInTrash(name, time, attempt)));
   return failure == 0;
 }
 

@@ -15,7 +15,7 @@ namespace {
 using platform::Descriptor;
 
 Descriptor folderOf(const std::string& path) {
-  const std::string folder(platform::parentPath(path));
+  const std::string folder(values::parentPath(path));
   return Descriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
@@ -25,7 +25,7 @@ bool fill(sockaddr_un& address, const Descriptor& folder, const std::string& pat
   address = {};
   address.sun_family = AF_UNIX;
   const auto nearPath =
-      "/proc/self/fd/" + std::to_string(folder.get()) + "/" + std::string(platform::lastComponent(path));
+      "/proc/self/fd/" + std::to_string(folder.get()) + "/" + std::string(values::lastComponent(path));
   if (nearPath.size() >= sizeof address.sun_path) return false;
   std::memcpy(address.sun_path, nearPath.c_str(), nearPath.size() + 1);
   return true;

@@ -26,14 +26,14 @@ std::string socketPath(const StageRoot& root) {
 std::vector<std::string> urlsIn(std::string_view lines) {
   std::vector<std::string> urls;
   for (std::optional rest(lines); rest;) {
-    const auto line = platform::takeLine(rest);
+    const auto line = values::takeLine(rest);
     if (!line.empty()) urls.emplace_back(line);
   }
   return urls;
 }
 
 UrlInbox::UrlInbox(const StageRoot& root) : path_(socketPath(root)), listener_(listeningAt(path_)) {
-  if (!listener_) platform::fatal("no URLs can be received at " + path_);
+  if (!listener_) values::fatal("no URLs can be received at " + path_);
 }
 
 UrlInbox::~UrlInbox() {

@@ -21,7 +21,7 @@ std::vector<pid_t> allPids() {
   std::vector<pid_t> pids;
   std::error_code ignored;
   for (const auto& item : std::filesystem::directory_iterator("/proc", ignored))
-    if (const auto pid = platform::decimalInt32(item.path().filename().string())) pids.push_back(*pid);
+    if (const auto pid = values::decimalInt32(item.path().filename().string())) pids.push_back(*pid);
   std::ranges::sort(pids);
   return pids;
 }

@@ -27,7 +27,7 @@ std::optional<Lie> lieOf(std::string_view rest) {
   if (rest.empty()) return std::nullopt;
   const auto space = rest.rfind(' ');
   const auto status =
-      space == std::string_view::npos ? std::nullopt : platform::decimalInt32(rest.substr(space + 1));
+      space == std::string_view::npos ? std::nullopt : values::decimalInt32(rest.substr(space + 1));
   if (!status) return Lie{.file = std::string(rest)};
   return Lie{.file = std::string(rest.substr(0, space)), .status = *status};
 }
@@ -36,7 +36,7 @@ template <class Line>
 void eachLine(std::string_view lines, Line line) {
   std::optional<std::string_view> rest = lines;
   while (rest)
-    line(platform::takeLine(rest));
+    line(values::takeLine(rest));
 }
 
 template <class... Cases>
@@ -110,7 +110,7 @@ std::optional<ToolFault> toolFault(std::string_view text) {
   if (kind == "hang" && (rest.empty() || rest == "hard")) return Hang{.hard = !rest.empty()};
   if (kind == "pause" && rest.empty()) return Pause();
   if (kind == "lie") return lieOf(rest);
-  const auto number = platform::decimalInt32(rest);
+  const auto number = values::decimalInt32(rest);
   if (!number || *number < 0) return std::nullopt;
   if (kind == "hold") return Hold{.milliseconds = *number};
   if (kind == "fail") return Fail{.status = *number};

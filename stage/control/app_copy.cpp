@@ -15,7 +15,7 @@ namespace tamo::stage {
 namespace {
 
 namespace fs = std::filesystem;
-using platform::PropertyList;
+using values::PropertyList;
 using Dictionary = PropertyList::Dictionary;
 
 constexpr auto agentLabel = "studio.pell.tamo.core";
@@ -60,21 +60,21 @@ Dictionary companionInfo(const AppCopy& copy) {
 }
 
 void write(const std::string& path, const std::string& bytes) {
-  const bool written = platform::posix::createDirectories(std::string(platform::parentPath(path))) &&
+  const bool written = platform::posix::createDirectories(std::string(values::parentPath(path))) &&
                        platform::posix::writeAtomically(path, bytes);
   if (!written) throw StageError("cannot write " + path);
 }
 
 void copyProgram(const std::string& from, const std::string& to) {
   std::error_code error;
-  fs::create_directories(platform::parentPath(to), error);
+  fs::create_directories(values::parentPath(to), error);
   if (!error) fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
   if (error) throw StageError("cannot copy " + from + " to " + to + ": " + error.message());
 }
 
 /// The folder is made before the path is resolved in it, so that a link on the way is followed as on a Mac.
 std::string placeFor(const StageRoot& root, const std::string& path) {
-  const auto folder = std::string(platform::parentPath(path));
+  const auto folder = std::string(values::parentPath(path));
   if (!root.existing(folder)) static_cast<void>(platform::posix::createDirectories(root.host(folder)));
   const auto place = root.entry(path);
   if (!place) throw StageError("there is no folder for " + path + " on the stage");
@@ -85,7 +85,7 @@ std::string placeFor(const StageRoot& root, const std::string& path) {
 }
 
 void placeLink(const StageRoot& root, const std::string& path) {
-  const auto target = fs::path(installedCopy).lexically_relative(platform::parentPath(path));
+  const auto target = fs::path(installedCopy).lexically_relative(values::parentPath(path));
   std::error_code error;
   fs::create_directory_symlink(target, placeFor(root, path), error);
   if (error) throw StageError("cannot link " + path + ": " + error.message());
@@ -110,17 +110,17 @@ std::string copyPath(const StageRoot& root, const std::string& where) {
   if (where == "linked") return root.home() + "/Desktop/Tamo.app";
   if (where == "translocated") return translocatedCopy;
   if (!where.starts_with("/")) throw StageError("\"" + where + "\" is no place for a copy");
-  auto path = platform::standardisedPath(where);
+  auto path = values::standardisedPath(where);
   if (path == "/") throw StageError("the whole stage is no place for a copy");
   return path;
 }
 
 std::string companionBundle(const std::string& copy) {
-  return platform::joinedPath(copy, "Contents/Library/LoginItems/Tamo Core.app");
+  return values::joinedPath(copy, "Contents/Library/LoginItems/Tamo Core.app");
 }
 
 std::string companionProgram(const std::string& copy) {
-  return platform::joinedPath(companionBundle(copy), "Contents/MacOS/Tamo Core");
+  return values::joinedPath(companionBundle(copy), "Contents/MacOS/Tamo Core");
 }
 
 void placeCopy(const StageRoot& root, const std::string& programs, const AppCopy& copy) {
@@ -128,10 +128,10 @@ void placeCopy(const StageRoot& root, const std::string& programs, const AppCopy
   if (copy.where == "linked") return placeLink(root, path);
   const auto companion = companionName(copy.companion);
   for (const auto& name : {companion, std::string("stage-app"), std::string("stage-core")})
-    if (!fs::exists(platform::joinedPath(programs, name)))
+    if (!fs::exists(values::joinedPath(programs, name)))
       throw StageError("there is no " + name + " in " + programs + ": build it first");
-  const auto outer = platform::joinedPath(placeFor(root, path), "Contents");
-  const auto inner = platform::joinedPath(outer, "Library/LoginItems/Tamo Core.app/Contents");
+  const auto outer = values::joinedPath(placeFor(root, path), "Contents");
+  const auto inner = values::joinedPath(outer, "Library/LoginItems/Tamo Core.app/Contents");
   write(outer + "/Info.plist", xmlPropertyList({.value = bundleInfo(copy.bundleID, "Tamo", copy.build)}));
   write(inner + "/Info.plist", xmlPropertyList({.value = companionInfo(copy)}));
   write(outer + "/PkgInfo", "APPL????");
@@ -160,7 +160,7 @@ void writeAgentDefinition(const StageRoot& root, const std::string& copy, const 
   const auto contents = root.existing(bundle + "/Contents");
   if (!contents) throw StageError("there is no copy at " + copy);
   const std::string program = "Contents/MacOS/tamo-core-agent";
-  PropertyList::Array arguments = {text(platform::joinedPath(bundle, program))};
+  PropertyList::Array arguments = {text(values::joinedPath(bundle, program))};
   for (const auto& argument : definition.arguments)
     arguments.push_back(text(argument));
   Dictionary list = {{"Label", text(agentLabel)},

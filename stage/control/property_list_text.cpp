@@ -9,7 +9,7 @@
 namespace tamo::stage {
 namespace {
 
-using platform::PropertyList;
+using values::PropertyList;
 
 std::string escapedXml(const std::string& text) {
   std::string result;
@@ -37,7 +37,7 @@ class XmlWriter {
  private:
   void line(const std::string& what) { text += std::string(depth_, '\t') + what + "\n"; }
 
-  void element(const PropertyList::Other&) { platform::fatal("a stage writes no such property list"); }
+  void element(const PropertyList::Other&) { values::fatal("a stage writes no such property list"); }
   void element(bool value) { line(value ? "<true/>" : "<false/>"); }
   void element(std::int64_t value) { line("<integer>" + std::to_string(value) + "</integer>"); }
   void element(std::uint64_t value) { line("<integer>" + std::to_string(value) + "</integer>"); }
@@ -93,7 +93,7 @@ std::string binaryPropertyList(const PropertyList& list) {
   std::uint32_t size = 0;
   plist_to_bin(parsed, &bytes, &size);
   const std::unique_ptr<char, FreeBytes> ownedBytes(bytes);
-  if (bytes == nullptr) platform::fatal("a property list could not be written in the binary form");
+  if (bytes == nullptr) values::fatal("a property list could not be written in the binary form");
   return std::string(bytes, size);
 }
 

@@ -8,9 +8,9 @@
 namespace tamo::stage {
 
 /// The XML form. Stops the process (fatal) on a date, data or a reference, which the stage writes nowhere.
-[[nodiscard]] std::string xmlPropertyList(const platform::PropertyList& list);
+[[nodiscard]] std::string xmlPropertyList(const values::PropertyList& list);
 
 /// The binary form of the same.
-[[nodiscard]] std::string binaryPropertyList(const platform::PropertyList& list);
+[[nodiscard]] std::string binaryPropertyList(const values::PropertyList& list);
 
 }  // namespace tamo::stage

@@ -81,7 +81,7 @@ std::string joinedWords(const std::vector<std::string>& words) {
 }
 
 std::int32_t wholeNumber(const std::string& text, std::string_view what) {
-  const auto number = platform::decimalInt32(text);
+  const auto number = values::decimalInt32(text);
   if (!number || *number < 0) throw UsageError("\"" + text + "\" is no " + std::string(what));
   return *number;
 }

@@ -39,7 +39,7 @@ int order(StageArguments& arguments) {
   const auto code = arguments.take("code");
   const auto text = arguments.take("text");
   arguments.finish();
-  if (!platform::decimalInt64(code)) throw UsageError("\"" + code + "\" is no code");
+  if (!values::decimalInt64(code)) throw UsageError("\"" + code + "\" is no code");
   if ((domain + text).find_first_of("\t\n") != std::string::npos)
     throw UsageError("an error holds no tab and no line break");
   root.set("next-" + operation + "-error", domain + "\t" + code + "\t" + text);

@@ -21,7 +21,7 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
 }
 
 std::optional<int> countIn(std::string_view text) {
-  const auto number = platform::decimalInt32(text);
+  const auto number = values::decimalInt32(text);
   return number && *number >= 0 ? number : std::nullopt;
 }
 

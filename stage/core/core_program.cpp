@@ -87,7 +87,7 @@ class Core {
  private:
   void addHelper() {
     const auto pid = ::fork();
-    if (pid < 0) platform::fatal("the Core could not fork");
+    if (pid < 0) values::fatal("the Core could not fork");
     if (pid == 0 && behaviour_.childrenAreOrphans && ::fork() != 0) ::_exit(0);
     if (pid == 0) help(surroundings_.presence, behaviour_);
     if (behaviour_.childrenAreOrphans) return orphaned(pid);

@@ -5,7 +5,7 @@
 namespace tamo::stage {
 namespace {
 
-using platform::PropertyList;
+using values::PropertyList;
 
 std::optional<std::string> textAt(const PropertyList& list, const std::string& key) {
   const auto* entry = list.entry(key);
@@ -22,7 +22,7 @@ bool flagAt(const PropertyList& list, const std::string& key) {
 std::chrono::seconds secondsAt(const PropertyList& list, const std::string& key,
                                std::chrono::seconds otherwise) {
   const auto* entry = list.entry(key);
-  const auto number = entry != nullptr ? platform::exactInt64(*entry) : std::nullopt;
+  const auto number = entry != nullptr ? values::exactInt64(*entry) : std::nullopt;
   // A span that no clock can be advanced by is as good as none stated.
   const auto tooLong = std::chrono::seconds(std::chrono::years(100)).count();
   if (!number || *number < 0 || *number > tooLong) return otherwise;
@@ -55,7 +55,7 @@ std::optional<std::string> programOf(const PropertyList& list, const JobDefiniti
   if (definition.bundleProgram) {
     const auto bundle = bundleOfAgentList(definition.path);
     if (!bundle) return std::nullopt;
-    return platform::joinedPath(*bundle, *definition.bundleProgram);
+    return values::joinedPath(*bundle, *definition.bundleProgram);
   }
   if (auto program = textAt(list, "Program")) return program;
   if (definition.arguments.empty()) return std::nullopt;

@@ -40,7 +40,7 @@ struct JobDefinition {
 
 /// The definition in `list`, which lies at the stage path `path`. Absent when it has no label or no program,
 /// or when a list of arguments holds anything but texts.
-[[nodiscard]] std::optional<JobDefinition> jobDefinition(const platform::PropertyList& list,
+[[nodiscard]] std::optional<JobDefinition> jobDefinition(const values::PropertyList& list,
                                                          const std::string& path);
 
 /// The bundle that holds the launch agent list at `path`: what stands before

@@ -8,7 +8,7 @@ std::expected<JobDefinition, JobFileFault> jobDefinitionAt(const StageRoot& root
   const auto file = root.existing(path);
   const auto bytes = file ? platform::posix::readWhole(*file) : std::nullopt;
   if (!bytes) return std::unexpected(JobFileFault::Missing);
-  const auto list = platform::readPropertyList(*bytes);
+  const auto list = values::readPropertyList(*bytes);
   auto definition = list ? jobDefinition(*list, path) : std::nullopt;
   if (!definition) return std::unexpected(JobFileFault::Invalid);
   return *std::move(definition);

@@ -88,7 +88,7 @@ std::string endingText(pid_t pid, const Ending& ending) {
 }  // namespace
 
 LaunchdProcesses::LaunchdProcesses(const StageRoot& root) : root_(root), errands_(root) {
-  if (::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) platform::fatal("launchd cannot adopt orphans");
+  if (::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) values::fatal("launchd cannot adopt orphans");
 }
 
 std::optional<pid_t> LaunchdProcesses::start(const JobDefinition& definition) {

@@ -16,7 +16,7 @@ constexpr int kListMissing = 8;
 constexpr int kListInvalid = 10;
 
 std::string listPath(const std::string& bundle, const std::string& plistName) {
-  return platform::joinedPath(bundle, "Contents/Library/LaunchAgents/" + plistName);
+  return values::joinedPath(bundle, "Contents/Library/LaunchAgents/" + plistName);
 }
 
 LaunchdAnswer faultAnswer(JobFileFault fault) {
@@ -117,7 +117,7 @@ std::optional<LaunchdAnswer> ServiceManagement::orderedError(const std::string& 
 }
 
 std::chrono::milliseconds ServiceManagement::unregisterDelay() const {
-  const auto delay = platform::decimalInt32(root_.setting("unregister-delay", "0"));
+  const auto delay = values::decimalInt32(root_.setting("unregister-delay", "0"));
   return std::chrono::milliseconds(std::max(0, delay.value_or(0)));
 }
 

@@ -14,7 +14,7 @@ namespace {
 std::optional<std::string> fileOf(const StageRoot& root, const std::string& plistName) {
   const bool oneName = plistName.find('/') == std::string::npos && !plistName.starts_with(".");
   if (plistName.empty() || !oneName) return std::nullopt;
-  return platform::joinedPath(root.control("services"), plistName);
+  return values::joinedPath(root.control("services"), plistName);
 }
 
 }  // namespace
@@ -24,10 +24,10 @@ std::optional<ServiceRecord> readRecord(const StageRoot& root, const std::string
   const auto bytes = file ? platform::posix::readWhole(*file) : std::nullopt;
   if (!bytes) return std::nullopt;
   std::optional<std::string_view> rest = *bytes;
-  const auto status = platform::decimalInt32(platform::takeLine(rest));
+  const auto status = values::decimalInt32(values::takeLine(rest));
   if (!status || !rest) return std::nullopt;
-  ServiceRecord record{.status = *status, .label = std::string(platform::takeLine(rest)), .bundle = {}};
-  if (rest) record.bundle = platform::takeLine(rest);
+  ServiceRecord record{.status = *status, .label = std::string(values::takeLine(rest)), .bundle = {}};
+  if (rest) record.bundle = values::takeLine(rest);
   return record;
 }
 

@@ -80,7 +80,7 @@ class Reader {
   }
 
   std::string item() {
-    const auto number = platform::decimalInt32(name());
+    const auto number = values::decimalInt32(name());
     expect({"of"});
     if (!number || name() != argumentsName_) fail();
     const auto index = static_cast<std::size_t>(*number);

@@ -13,7 +13,7 @@ class Words {
   const std::string& next() { return words_.at(at_++); }
   /// A number of at least one; zero for anything else.
   int number() {
-    const auto value = more() ? platform::decimalInt32(next()) : std::nullopt;
+    const auto value = more() ? values::decimalInt32(next()) : std::nullopt;
     return value && *value > 0 ? *value : 0;
   }
   std::string text() { return more() ? next() : std::string(); }

@@ -6,7 +6,7 @@
 namespace tamo::acceptance {
 namespace {
 
-using platform::jsonString;
+using values::jsonString;
 
 std::string member(const std::string& name, const std::string& value) {
   return jsonString(name) + ": " + value;

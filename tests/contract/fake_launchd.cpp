@@ -17,7 +17,7 @@ using platform::Descriptor;
 FakeLaunchd::FakeLaunchd(const stage::StageRoot& root, Answering answering)
     : root_(root), answering_(std::move(answering)) {
   auto listener = stage::listeningAt(root_.control("launchd.sock"));
-  if (!listener) platform::fatal("the test's launchd cannot listen");
+  if (!listener) values::fatal("the test's launchd cannot listen");
   thread_ = std::thread([this, number = listener.release()] {
     const Descriptor owned(number);
     serve(owned.get());

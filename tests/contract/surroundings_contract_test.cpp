@@ -9,7 +9,7 @@ class BundlesContract : public Contract {};
 TEST_P(BundlesContract, TheMainBundleIsAnAbsoluteStandardisedPath) {
   const auto bundle = platform.bundles.mainBundlePath();
   EXPECT_TRUE(bundle.starts_with('/')) << bundle;
-  EXPECT_EQ(bundle, platform::standardisedPath(bundle));
+  EXPECT_EQ(bundle, values::standardisedPath(bundle));
 }
 
 TEST_P(BundlesContract, AnOrdinaryFolderIsNotTranslocated) {

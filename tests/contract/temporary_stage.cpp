@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 std::string uniqueFolder() {
   std::string name = (fs::temp_directory_path() / "tamo-contract.XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) platform::fatal("no folder for a stage can be made");
+  if (::mkdtemp(name.data()) == nullptr) values::fatal("no folder for a stage can be made");
   return name;
 }
 

@@ -10,8 +10,8 @@
 namespace tamo::platform {
 namespace {
 
-std::optional<PropertyList> read(const std::string& value) {
-  return readPropertyList("<plist version=\"1.0\">" + value + "</plist>");
+std::optional<values::PropertyList> read(const std::string& value) {
+  return values::readPropertyList("<plist version=\"1.0\">" + value + "</plist>");
 }
 
 bool isUnreadable(const std::string& value) {
@@ -25,7 +25,7 @@ std::string textOf(const std::string& value) {
 
 bool isOpaque(const std::string& value) {
   const auto list = read(value);
-  return list && std::holds_alternative<PropertyList::Other>(list->value);
+  return list && std::holds_alternative<values::PropertyList::Other>(list->value);
 }
 
 TEST(ValuesListFormsTest, ADateHasOneForm) {
@@ -75,7 +75,7 @@ TEST(ValuesListFormsTest, CommentsAndInstructionsStandBetweenElements) {
 
 TEST(ValuesListFormsTest, OnlyATextOrARealIsSpeltWithReferencesAndLiteralParts) {
   EXPECT_EQ(textOf("<string>&#53;<![CDATA[&#53;]]></string>"), "5&#53;");
-  EXPECT_EQ(exactInt64(*read("<real>&#53;<![CDATA[0]]></real>")), 50);
+  EXPECT_EQ(values::exactInt64(*read("<real>&#53;<![CDATA[0]]></real>")), 50);
   EXPECT_EQ(*read("<dict><key>&#97;<![CDATA[b]]></key><string/></dict>")->entry("ab")->text(), "");
   for (const auto* value :
        {"<integer>&#53;</integer>", "<integer>5&#53;</integer>", "<integer><![CDATA[5]]></integer>",
@@ -115,28 +115,28 @@ TEST(ValuesListFormsTest, AByteOrderMarkMakesNoNumberAndStandsNotBetweenElements
 
 TEST(ValuesListFormsTest, ADeclarationWithinTheDocumentMakesItUnreadable) {
   const std::string list = "<plist><string>a</string></plist>";
-  EXPECT_TRUE(readPropertyList("<!DOCTYPE plist SYSTEM \"x\">" + list));
-  EXPECT_FALSE(readPropertyList("<!DOCTYPE plist [ ]>" + list));
-  EXPECT_FALSE(readPropertyList("<!DOCTYPE plist [<!ELEMENT a ANY>]>" + list));
+  EXPECT_TRUE(values::readPropertyList("<!DOCTYPE plist SYSTEM \"x\">" + list));
+  EXPECT_FALSE(values::readPropertyList("<!DOCTYPE plist [ ]>" + list));
+  EXPECT_FALSE(values::readPropertyList("<!DOCTYPE plist [<!ELEMENT a ANY>]>" + list));
 }
 
 TEST(ValuesListFormsTest, ATagEndsAtItsFirstBracket) {
   EXPECT_TRUE(isUnreadable("<array a=\">\"/>"));
   for (const auto* name : {">", "["})
-    EXPECT_FALSE(
-        readPropertyList("<!DOCTYPE plist SYSTEM \"" + std::string(name) + "\"><plist><true/></plist>"));
+    EXPECT_FALSE(values::readPropertyList("<!DOCTYPE plist SYSTEM \"" + std::string(name) +
+                                          "\"><plist><true/></plist>"));
   EXPECT_FALSE(isUnreadable("<array a=\"/\"/>"));
 }
 
 TEST(ValuesBinaryFormsTest, TheTableOfOffsetsIsExact) {
   auto list = BinaryListBuilder().addText("a");
-  EXPECT_TRUE(readPropertyList(list.bytes()));
+  EXPECT_TRUE(values::readPropertyList(list.bytes()));
   list.behindTable = std::string(1, '\0');
-  EXPECT_FALSE(readPropertyList(list.bytes()));
+  EXPECT_FALSE(values::readPropertyList(list.bytes()));
   list.behindTable = std::string(2, '\0');
-  EXPECT_FALSE(readPropertyList(list.bytes()));
+  EXPECT_FALSE(values::readPropertyList(list.bytes()));
   list.statedCount = 2;
-  EXPECT_TRUE(readPropertyList(list.bytes()));
+  EXPECT_TRUE(values::readPropertyList(list.bytes()));
 }
 
 TEST(ValuesBinaryFormsTest, NumbersOfTheTableMayBeOfAnyWidth) {
@@ -152,7 +152,7 @@ TEST(ValuesBinaryFormsTest, NumbersOfTheTableMayBeOfAnyWidth) {
     const auto widths = std::string(6, '\0') + std::string(2, static_cast<char>(width));
     const auto trailer =
         widths + std::string(7, '\0') + '\3' + std::string(15, '\0') + static_cast<char>(objects.size());
-    const auto list = readPropertyList(objects + offsets + trailer);
+    const auto list = values::readPropertyList(objects + offsets + trailer);
     ASSERT_TRUE(list && list->array()) << width;
     EXPECT_EQ(*list->array()->front().text(), "a") << width;
     EXPECT_EQ(*list->array()->back().text(), "b") << width;
@@ -166,11 +166,12 @@ TEST(ValuesBinaryFormsTest, EveryOffsetLeadsToTheObjects) {
   constexpr std::uint64_t firstObject = 8;
   constexpr std::uint64_t text = firstObject + 2;
   constexpr std::uint64_t table = text + 2;
-  EXPECT_TRUE(readPropertyList(arrayOf(text)));
+  EXPECT_TRUE(values::readPropertyList(arrayOf(text)));
   for (const auto offset : {std::uint64_t{0}, firstObject - 1, table, table + 1, std::uint64_t{0xFFFF}})
-    EXPECT_FALSE(readPropertyList(arrayOf(offset))) << offset;
-  EXPECT_TRUE(readPropertyList(BinaryListBuilder().addText("a").addOffset(0).bytes())) << "nobody names it";
-  EXPECT_FALSE(readPropertyList(BinaryListBuilder().addText("a").addOffset(table).bytes()));
+    EXPECT_FALSE(values::readPropertyList(arrayOf(offset))) << offset;
+  EXPECT_TRUE(values::readPropertyList(BinaryListBuilder().addText("a").addOffset(0).bytes()))
+      << "nobody names it";
+  EXPECT_FALSE(values::readPropertyList(BinaryListBuilder().addText("a").addOffset(table).bytes()));
 }
 
 /// The table begins with a zero, so what reaches into it would be read.
@@ -180,19 +181,20 @@ TEST(ValuesBinaryFormsTest, AnObjectLiesInFrontOfTheTable) {
         std::string("\x23\1\1\1\1\1\1\1"), std::string("\x33\1\1\1\1\1\1\1"), std::string("\x42\1"),
         std::string("\x52\x61"), std::string("\x61\1"), std::string("\x5F\x10\x02\x61"),
         std::string("\x5F\x10"), std::string("\x5F"), std::string("\xA1"), std::string("\xD1\1")}) {
-    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add(cut).bytes()));
-    EXPECT_FALSE(readPropertyList(BinaryListBuilder().addArray("\1").add(cut).bytes()));
+    EXPECT_FALSE(values::readPropertyList(BinaryListBuilder().add(cut).bytes()));
+    EXPECT_FALSE(values::readPropertyList(BinaryListBuilder().addArray("\1").add(cut).bytes()));
   }
 }
 
 TEST(ValuesBinaryFormsTest, ACountIsAnInteger) {
-  EXPECT_TRUE(readPropertyList(BinaryListBuilder().add("\x5F\x10\x01\x61").bytes()));
+  EXPECT_TRUE(values::readPropertyList(BinaryListBuilder().add("\x5F\x10\x01\x61").bytes()));
   for (const auto& count : {"\x20\x01\x61", "\x50\x01\x61", "\xA0\x01\x61"})
-    EXPECT_FALSE(readPropertyList(BinaryListBuilder().add(std::string("\x5F") + count).bytes()));
+    EXPECT_FALSE(values::readPropertyList(BinaryListBuilder().add(std::string("\x5F") + count).bytes()));
 }
 
 TEST(ValuesBinaryFormsTest, AByteOrderMarkBelongsToTheText) {
-  const auto list = readPropertyList(BinaryListBuilder().add(std::string("\x62\xFE\xFF\0a", 5)).bytes());
+  const auto list =
+      values::readPropertyList(BinaryListBuilder().add(std::string("\x62\xFE\xFF\0a", 5)).bytes());
   ASSERT_TRUE(list && list->text());
   EXPECT_EQ(*list->text(), "\uFEFFa");
 }

@@ -28,7 +28,7 @@ std::string document(const std::string& value) {
 
 template <class Kind>
 std::optional<Kind> read(const std::string& bytes) {
-  const auto list = readPropertyList(bytes);
+  const auto list = values::readPropertyList(bytes);
   const auto* value = list ? std::get_if<Kind>(&list->value) : nullptr;
   if (value == nullptr) return std::nullopt;
   return *value;
@@ -40,11 +40,11 @@ std::optional<Kind> readXml(const std::string& value) {
 }
 
 bool isUnreadable(const std::string& bytes) {
-  return !readPropertyList(bytes);
+  return !values::readPropertyList(bytes);
 }
 
 TEST(ValuesXmlListTest, ADictionaryHoldsEveryKind) {
-  const auto list = readPropertyList(
+  const auto list = values::readPropertyList(
       document("<dict><key>t</key><string>a</string><key>n</key><integer>5</integer><key>r</key>"
                "<real>0.5</real><key>y</key><true/><key>o</key><false/><key>l</key><array><string>b</string>"
                "<array/></array><key>d</key><dict/><key>w</key><date>2020-01-02T03:04:05Z</date>"
@@ -52,15 +52,15 @@ TEST(ValuesXmlListTest, ADictionaryHoldsEveryKind) {
   ASSERT_TRUE(list && list->dictionary());
   EXPECT_EQ(list->dictionary()->size(), 9U);
   EXPECT_EQ(*list->entry("t")->text(), "a");
-  EXPECT_EQ(exactInt64(*list->entry("n")), 5);
+  EXPECT_EQ(values::exactInt64(*list->entry("n")), 5);
   EXPECT_EQ(std::get<double>(list->entry("r")->value), 0.5);
   EXPECT_TRUE(std::get<bool>(list->entry("y")->value));
   EXPECT_FALSE(std::get<bool>(list->entry("o")->value));
   EXPECT_EQ(*list->entry("l")->array()->front().text(), "b");
   EXPECT_TRUE(list->entry("l")->array()->back().array()->empty());
   EXPECT_TRUE(list->entry("d")->dictionary()->empty());
-  EXPECT_TRUE(std::holds_alternative<PropertyList::Other>(list->entry("w")->value));
-  EXPECT_TRUE(std::holds_alternative<PropertyList::Other>(list->entry("x")->value));
+  EXPECT_TRUE(std::holds_alternative<values::PropertyList::Other>(list->entry("w")->value));
+  EXPECT_TRUE(std::holds_alternative<values::PropertyList::Other>(list->entry("x")->value));
 }
 
 TEST(ValuesXmlListTest, AnIntegerHasASignWhiteSpaceBeforeItAndTwoBases) {
@@ -203,15 +203,15 @@ TEST(ValuesXmlListTest, EntitiesOfItsOwnMakeADocumentUnreadable) {
 }
 
 TEST(ValuesBinaryListTest, ADictionaryHoldsWhatItsReferencesName) {
-  const auto list = readPropertyList(BinaryListBuilder()
-                                         .addDictionary("\1\2\3", "\4\5\6")
-                                         .addText("t")
-                                         .addText("l")
-                                         .addText("y")
-                                         .addText("a")
-                                         .addArray("\4\1")
-                                         .add("\x09")
-                                         .bytes());
+  const auto list = values::readPropertyList(BinaryListBuilder()
+                                                 .addDictionary("\1\2\3", "\4\5\6")
+                                                 .addText("t")
+                                                 .addText("l")
+                                                 .addText("y")
+                                                 .addText("a")
+                                                 .addArray("\4\1")
+                                                 .add("\x09")
+                                                 .bytes());
   ASSERT_TRUE(list && list->dictionary());
   EXPECT_EQ(list->dictionary()->size(), 3U);
   EXPECT_EQ(*list->entry("t")->text(), "a");
@@ -246,8 +246,8 @@ TEST(ValuesBinaryListTest, AnIntegerOfSixteenBytesAboveTheSignedRangeIsRead) {
 TEST(ValuesBinaryListTest, RealsDatesAndDataAreRead) {
   EXPECT_EQ(read<double>(BinaryListBuilder().add("\x23\x40\x14\0\0\0\0\0\0"s).bytes()), 5.0);
   EXPECT_EQ(read<double>(BinaryListBuilder().add("\x22\x40\xA0\0\0"s).bytes()), 5.0);
-  EXPECT_TRUE(read<PropertyList::Other>(BinaryListBuilder().add("\x33\x41\0\0\0\0\0\0\0"s).bytes()));
-  EXPECT_TRUE(read<PropertyList::Other>(BinaryListBuilder().add("\x42\1\2").bytes()));
+  EXPECT_TRUE(read<values::PropertyList::Other>(BinaryListBuilder().add("\x33\x41\0\0\0\0\0\0\0"s).bytes()));
+  EXPECT_TRUE(read<values::PropertyList::Other>(BinaryListBuilder().add("\x42\1\2").bytes()));
 }
 
 TEST(ValuesBinaryListTest, AWideTextBecomesUtf8) {
@@ -257,7 +257,8 @@ TEST(ValuesBinaryListTest, AWideTextBecomesUtf8) {
 
 TEST(ValuesBinaryListTest, ALongContainerStatesItsCountApart) {
   const std::string sixteen(16, '\1');
-  const auto list = readPropertyList(BinaryListBuilder().add("\xAF\x10\x10" + sixteen).addText("a").bytes());
+  const auto list =
+      values::readPropertyList(BinaryListBuilder().add("\xAF\x10\x10" + sixteen).addText("a").bytes());
   ASSERT_TRUE(list && list->array());
   EXPECT_EQ(list->array()->size(), 16U);
 }
@@ -293,22 +294,22 @@ TEST(ValuesBinaryListTest, AKeyThatIsNoTextMakesAListUnreadable) {
 }
 
 TEST(ValuesListTest, AKeyThatAnXmlDictionaryHasTwiceKeepsItsLastValue) {
-  const auto xml =
-      readPropertyList(document("<dict><key>a</key><string>1</string><key>a</key><string>2</string></dict>"));
+  const auto xml = values::readPropertyList(
+      document("<dict><key>a</key><string>1</string><key>a</key><string>2</string></dict>"));
   EXPECT_EQ(*xml->entry("a")->text(), "2");
 }
 
 TEST(ValuesListTest, AKeyThatABinaryDictionaryHasTwiceKeepsItsFirstValue) {
   const auto objects =
       BinaryListBuilder().addDictionary("\1\1", "\2\3").addText("a").addText("1").addText("2");
-  EXPECT_EQ(*readPropertyList(objects.bytes())->entry("a")->text(), "1");
+  EXPECT_EQ(*values::readPropertyList(objects.bytes())->entry("a")->text(), "1");
   const auto twoTexts = BinaryListBuilder()
                             .addDictionary("\1\2\1", "\3\4\4")
                             .addText("a")
                             .addText("a")
                             .addText("1")
                             .addText("2");
-  EXPECT_EQ(*readPropertyList(twoTexts.bytes())->entry("a")->text(), "1");
+  EXPECT_EQ(*values::readPropertyList(twoTexts.bytes())->entry("a")->text(), "1");
 }
 
 struct Reading {
@@ -341,10 +342,10 @@ std::vector<Reading> expectedReadings() {
   return readings;
 }
 
-std::string shown(const PropertyList* list) {
+std::string shown(const values::PropertyList* list) {
   if (list == nullptr) return "-";
   if (const auto* text = list->text()) return *text;
-  if (const auto number = exactInt64(*list)) return std::to_string(*number);
+  if (const auto number = values::exactInt64(*list)) return std::to_string(*number);
   std::string joined;
   for (const auto& item : *list->array())
     joined += (joined.empty() ? "" : "|") + *item.text();
@@ -352,7 +353,7 @@ std::string shown(const PropertyList* list) {
 }
 
 Reading readingOf(const std::string& file) {
-  const auto list = readPropertyList(contentsOf(file));
+  const auto list = values::readPropertyList(contentsOf(file));
   if (!list) return {file, "unreadable", "-", "-", "-"};
   return {file, list->dictionary() != nullptr ? "dictionary" : "array", shown(list->entry("CFBundleVersion")),
           shown(list->entry("ProgramArguments")), shown(list->entry("ExitTimeOut"))};

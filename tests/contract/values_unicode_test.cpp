@@ -30,43 +30,43 @@ TEST(ValuesUnicodeTest, LowerCaseCoversAllOfUnicode) {
       {"\u65E5\u672C 1", "\u65E5\u672C 1"},
   };
   for (const auto& row : table)
-    EXPECT_EQ(lowercased(row.text), row.lower) << row.text;
+    EXPECT_EQ(values::lowercased(row.text), row.lower) << row.text;
 }
 
 TEST(ValuesUnicodeTest, TheDottedCapitalIKeepsItsDot) {
-  EXPECT_EQ(lowercased("\u0130I"), "i\u0307i");
+  EXPECT_EQ(values::lowercased("\u0130I"), "i\u0307i");
 }
 
 TEST(ValuesUnicodeTest, ACapitalSigmaBecomesTheCommonOneWhereverItStands) {
-  EXPECT_EQ(lowercased("\u03A3\u0391"), "\u03C3\u03B1");
-  EXPECT_EQ(lowercased("\u0391\u03A3"), "\u03B1\u03C3");
-  EXPECT_EQ(lowercased("\u0391\u03A3\u0301/\u0391\u03A3\xFF"), "\u03B1\u03C3\u0301/\u03B1\u03C3\xFF");
-  EXPECT_EQ(lowercased("\u03C2"), "\u03C2");
+  EXPECT_EQ(values::lowercased("\u03A3\u0391"), "\u03C3\u03B1");
+  EXPECT_EQ(values::lowercased("\u0391\u03A3"), "\u03B1\u03C3");
+  EXPECT_EQ(values::lowercased("\u0391\u03A3\u0301/\u0391\u03A3\xFF"), "\u03B1\u03C3\u0301/\u03B1\u03C3\xFF");
+  EXPECT_EQ(values::lowercased("\u03C2"), "\u03C2");
 }
 
 TEST(ValuesUnicodeTest, BytesThatAreNoUtf8StayInLowerCase) {
-  EXPECT_EQ(lowercased("A\xFF\xC3Z\xE2\x82"), "a\xFF\xC3z\xE2\x82");
-  EXPECT_EQ(lowercased("\xA9"
-                       "A"),
+  EXPECT_EQ(values::lowercased("A\xFF\xC3Z\xE2\x82"), "a\xFF\xC3z\xE2\x82");
+  EXPECT_EQ(values::lowercased("\xA9"
+                               "A"),
             "\xA9"
             "a");
-  EXPECT_EQ(lowercased("A\0B"sv), "a\0b"sv);
+  EXPECT_EQ(values::lowercased("A\0B"sv), "a\0b"sv);
 }
 
 TEST(ValuesUnicodeTest, CompositionDoesNotCountInEquality) {
-  EXPECT_TRUE(canonicallyEqual("caf\u00E9", "cafe\u0301"));
-  EXPECT_TRUE(canonicallyEqual("\u212B", "\u00C5"));
-  EXPECT_TRUE(canonicallyEqual("\uAC00", "\u1100\u1161"));
-  EXPECT_TRUE(canonicallyEqual("a\u0323\u0307", "a\u0307\u0323"));
-  EXPECT_TRUE(canonicallyEqual("", ""));
+  EXPECT_TRUE(values::canonicallyEqual("caf\u00E9", "cafe\u0301"));
+  EXPECT_TRUE(values::canonicallyEqual("\u212B", "\u00C5"));
+  EXPECT_TRUE(values::canonicallyEqual("\uAC00", "\u1100\u1161"));
+  EXPECT_TRUE(values::canonicallyEqual("a\u0323\u0307", "a\u0307\u0323"));
+  EXPECT_TRUE(values::canonicallyEqual("", ""));
 }
 
 TEST(ValuesUnicodeTest, AMarkWithPartsIsSortedIntoTheMarksBesideIt) {
   for (const auto& [mark, parts] : std::vector<std::pair<std::string, std::string>>{
            {"\u0F73", "\u0F71\u0F72"}, {"\u0F75", "\u0F71\u0F74"}, {"\u0F81", "\u0F71\u0F80"}}) {
-    EXPECT_TRUE(canonicallyEqual("a\u036D" + mark, "a" + parts + "\u036D")) << parts;
-    EXPECT_TRUE(canonicallyEqual(mark + "\u2DF6", parts + "\u2DF6")) << parts;
-    EXPECT_FALSE(canonicallyEqual("a\u036D" + mark, "a\u036D" + parts + "\u036D")) << parts;
+    EXPECT_TRUE(values::canonicallyEqual("a\u036D" + mark, "a" + parts + "\u036D")) << parts;
+    EXPECT_TRUE(values::canonicallyEqual(mark + "\u2DF6", parts + "\u2DF6")) << parts;
+    EXPECT_FALSE(values::canonicallyEqual("a\u036D" + mark, "a\u036D" + parts + "\u036D")) << parts;
   }
 }
 
@@ -80,23 +80,23 @@ TEST(ValuesUnicodeTest, MarksAreSortedHoweverManyThereAre) {
       above += "\u0308\u0301";
       below += "\u0323";
     }
-    EXPECT_TRUE(canonicallyEqual(mixed, "a" + below + above)) << count;
-    EXPECT_FALSE(canonicallyEqual(mixed, "a" + below + above + "\u0301")) << count;
-    EXPECT_FALSE(canonicallyEqual(mixed + "\u0344", mixed + "\u0340")) << count;
+    EXPECT_TRUE(values::canonicallyEqual(mixed, "a" + below + above)) << count;
+    EXPECT_FALSE(values::canonicallyEqual(mixed, "a" + below + above + "\u0301")) << count;
+    EXPECT_FALSE(values::canonicallyEqual(mixed + "\u0344", mixed + "\u0340")) << count;
   }
 }
 
 TEST(ValuesUnicodeTest, AByteOrderMarkIsACharacterLikeAnyOther) {
-  EXPECT_FALSE(canonicallyEqual("\uFEFFa", "a"));
-  EXPECT_FALSE(canonicallyEqual("\uFEFF", ""));
-  EXPECT_TRUE(canonicallyEqual("\uFEFF\u00E9", "\uFEFFe\u0301"));
-  EXPECT_EQ(lowercased("\uFEFF\uFEFFA"), "\uFEFF\uFEFFa");
+  EXPECT_FALSE(values::canonicallyEqual("\uFEFFa", "a"));
+  EXPECT_FALSE(values::canonicallyEqual("\uFEFF", ""));
+  EXPECT_TRUE(values::canonicallyEqual("\uFEFF\u00E9", "\uFEFFe\u0301"));
+  EXPECT_EQ(values::lowercased("\uFEFF\uFEFFA"), "\uFEFF\uFEFFa");
 }
 
 TEST(ValuesUnicodeTest, CharactersBeyondTheFirstPlaneAreCompared) {
-  EXPECT_TRUE(canonicallyEqual("\U0001D15E", "\U0001D157\U0001D165"));
-  EXPECT_FALSE(canonicallyEqual("\U0001F600", "\U0001F601"));
-  EXPECT_FALSE(canonicallyEqual("\U00010000", "\U0010FFFF"));
+  EXPECT_TRUE(values::canonicallyEqual("\U0001D15E", "\U0001D157\U0001D165"));
+  EXPECT_FALSE(values::canonicallyEqual("\U0001F600", "\U0001F601"));
+  EXPECT_FALSE(values::canonicallyEqual("\U00010000", "\U0010FFFF"));
 }
 
 TEST(ValuesUnicodeTest, WhatOnlyLooksAlikeIsNotEqual) {
@@ -109,19 +109,19 @@ TEST(ValuesUnicodeTest, WhatOnlyLooksAlikeIsNotEqual) {
            {"a", "a\0"sv},
            {"a", ""},
        }) {
-    EXPECT_FALSE(canonicallyEqual(left, right)) << left << " and " << right;
+    EXPECT_FALSE(values::canonicallyEqual(left, right)) << left << " and " << right;
   }
 }
 
 TEST(ValuesUnicodeTest, BytesThatAreNoUtf8AreComparedAsTheyAre) {
-  EXPECT_TRUE(canonicallyEqual("\xFF\u00E9", "\xFF\u00E9"));
-  EXPECT_FALSE(canonicallyEqual("\xFF\u00E9",
-                                "\xFF"
-                                "e\u0301"));
-  EXPECT_FALSE(canonicallyEqual("\xFF", "\xFE"));
-  EXPECT_FALSE(canonicallyEqual("\u00E9", "\xFF"));
-  EXPECT_FALSE(canonicallyEqual("\xA9", "\uFFFD"));
-  EXPECT_FALSE(canonicallyEqual("\xA9", "\u00A9"));
+  EXPECT_TRUE(values::canonicallyEqual("\xFF\u00E9", "\xFF\u00E9"));
+  EXPECT_FALSE(values::canonicallyEqual("\xFF\u00E9",
+                                        "\xFF"
+                                        "e\u0301"));
+  EXPECT_FALSE(values::canonicallyEqual("\xFF", "\xFE"));
+  EXPECT_FALSE(values::canonicallyEqual("\u00E9", "\xFF"));
+  EXPECT_FALSE(values::canonicallyEqual("\xA9", "\uFFFD"));
+  EXPECT_FALSE(values::canonicallyEqual("\xA9", "\u00A9"));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "fakes/fake_surroundings.hpp"
 
+#include "platform/log_text.hpp"
+
 namespace tamo::fakes {
 namespace {
 
@@ -13,7 +15,7 @@ class FakeLogger final : public platform::Logger {
     const bool error = platform::levelOf(line.format) == platform::LogLevel::Error;
     std::string text = error ? "log: error " : "log: default ";
     for (const auto& piece : platform::pieces(line)) {
-      text += piece.kind == LogPiece::Kind::Private ? "<private:" + piece.text + ">" : piece.text;
+      text += piece.part == LogPart::Private ? "<private:" + piece.text + ">" : piece.text;
     }
     ledger_.note(clock_.monotonicNow(), text);
   }

@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "faults/death_rules.hpp"
+#include "platform/log_text.hpp"
 #include "simulation/referee.hpp"
 #include "simulation/tool_bench.hpp"
 

@@ -9,7 +9,7 @@ namespace tamo::fuzz {
 
 /// Ends the run, with the input as its finding, unless `holds`. `what` is what should have held.
 inline void insist(bool holds, std::string_view what) {
-  if (!holds) platform::fatal("does not hold: " + std::string(what));
+  if (!holds) values::fatal("does not hold: " + std::string(what));
 }
 
 }  // namespace tamo::fuzz

@@ -18,11 +18,11 @@ void readsBack(const AppMove::Result& result) {
 void readInput(std::string_view bytes) {
   if (const auto result = AppMove::decoded(bytes)) {
     insist(bytes.contains(result->ok ? "true" : "false"), "ok is spelt out");
-    insist(platform::isUtf8(result->code), "a code is UTF-8");
+    insist(values::isUtf8(result->code), "a code is UTF-8");
     readsBack(*result);
   }
   // As a code, the bytes are repaired first: codes are texts.
-  const auto code = platform::repairedUtf8(bytes);
+  const auto code = values::repairedUtf8(bytes);
   readsBack({.ok = false, .code = code});
   insist(AppMove::resultOf(code).ok == (code == "moved" || code == "opened"),
          "two codes say that it is done");

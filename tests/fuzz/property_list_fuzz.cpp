@@ -9,16 +9,16 @@
 namespace tamo::fuzz {
 namespace {
 
-using platform::PropertyList;
+using values::PropertyList;
 
 void checkText(const std::string& text) {
-  insist(platform::isUtf8(text), "a text of a list is UTF-8");
+  insist(values::isUtf8(text), "a text of a list is UTF-8");
 }
 
 /// Counts the values of a list on the way.
 void check(const PropertyList& list, std::size_t depth, std::size_t& values) {
-  insist(depth <= platform::deepestNesting, "a list is not nested without bound");
-  insist(++values <= platform::mostValues, "a list does not grow without bound");
+  insist(depth <= values::deepestNesting, "a list is not nested without bound");
+  insist(++values <= values::mostValues, "a list does not grow without bound");
   if (const auto* text = list.text()) checkText(*text);
   if (const auto* items = list.array())
     for (const auto& item : *items)
@@ -48,7 +48,7 @@ void checkDefinition(const PropertyList& list, const LaunchJob::Definition& defi
 }  // namespace
 
 void readInput(std::string_view bytes) {
-  const auto list = platform::readPropertyList(bytes);
+  const auto list = values::readPropertyList(bytes);
   const auto definition = LaunchJob::bundled(bytes);
   insist(list || !definition, "an unreadable list defines nothing");
   if (!list) return;

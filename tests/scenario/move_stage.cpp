@@ -115,7 +115,7 @@ bool MoveStage::exists(const std::string& path) const {
 }
 
 std::string MoveStage::build(const std::string& path) const {
-  const auto list = platform::readPropertyList(bytesOf(root().host(path + "/Contents/Info.plist")));
+  const auto list = values::readPropertyList(bytesOf(root().host(path + "/Contents/Info.plist")));
   const auto* version = list ? list->entry("CFBundleVersion") : nullptr;
   return version != nullptr && version->text() != nullptr ? *version->text() : "none";
 }

@@ -48,8 +48,8 @@ thread_local Fiber* entering = nullptr;
 Fiber::Fiber() {
   pthread_attr_t attributes;
   void* bottom = nullptr;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) platform::fatal("no attributes of a thread");
-  if (pthread_attr_getstack(&attributes, &bottom, &size_) != 0) platform::fatal("no stack of a thread");
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) values::fatal("no attributes of a thread");
+  if (pthread_attr_getstack(&attributes, &bottom, &size_) != 0) values::fatal("no stack of a thread");
   pthread_attr_destroy(&attributes);
   bottom_ = bottom;
 }
@@ -73,7 +73,7 @@ void Fiber::switchTo(Fiber& next) {
 void Fiber::enter() {
   arrived(nullptr);
   entering->body_();
-  platform::fatal("the body of a fiber returned");
+  values::fatal("the body of a fiber returned");
 }
 
 }  // namespace tamo::simulation

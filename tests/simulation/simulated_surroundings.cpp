@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/log_text.hpp"
 #include "simulation/job_texts.hpp"
 #include "simulation/referee.hpp"
 #include "simulation/simulated_files.hpp"

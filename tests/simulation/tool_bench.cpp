@@ -202,7 +202,7 @@ void begin(World& world, const Tool& tool, Way trouble) {
     case Way::None:
       return workAfter(world, tool, dice.between(milliseconds(1), milliseconds(30)));
     default:
-      platform::fatal("no tool fails so");
+      values::fatal("no tool fails so");
   }
 }
 

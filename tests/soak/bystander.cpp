@@ -64,7 +64,7 @@ void Bystander::live(const Wish& wish, Notes& notes, pid_t parent) {
 
 std::optional<Bystander> Bystander::start(const Wish& wish) {
   void* page = ::mmap(nullptr, sizeof(Notes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-  if (page == MAP_FAILED) platform::fatal("there is no memory for a bystander");
+  if (page == MAP_FAILED) values::fatal("there is no memory for a bystander");
   auto* notes = ::new (page) Notes;
   const auto parent = ::getpid();
   const auto pid = forkAs(wish.pid);

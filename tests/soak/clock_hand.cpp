@@ -72,12 +72,12 @@ std::optional<ClockHand> ClockHand::start(std::uint64_t seed) {
   std::array<int, 2> ends{};
   void* page = ::mmap(nullptr, sizeof(Count), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
   if (page == MAP_FAILED || ::pipe2(ends.data(), O_CLOEXEC) != 0)
-    platform::fatal("there is no memory or no pipe for the clock's hand");
+    values::fatal("there is no memory or no pipe for the clock's hand");
   platform::Descriptor ended(ends[0]);
   platform::Descriptor life(ends[1]);
   auto* count = ::new (page) Count;
   const auto pid = ::fork();
-  if (pid < 0) platform::fatal("there is no process for the clock's hand");
+  if (pid < 0) values::fatal("there is no process for the clock's hand");
   if (pid == 0) {
     life.close();
     turn(ended.get(), seed, *count);

@@ -13,7 +13,7 @@ namespace tamo::soak {
 
 Tally::Tally(const std::string& file)
     : file_(::open(file.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)) {
-  if (file_ < 0) platform::fatal("there is no file for the account");
+  if (file_ < 0) values::fatal("there is no file for the account");
 }
 
 Tally::~Tally() {
@@ -36,7 +36,7 @@ void Tally::wrong(const std::string& what) {
 }
 
 void Tally::line(const std::string& text) {
-  if (!platform::writeAll(file_, text + "\n")) platform::fatal("the account cannot be written");
+  if (!platform::writeAll(file_, text + "\n")) values::fatal("the account cannot be written");
 }
 
 Account accountOf(const std::string& text) {

@@ -97,7 +97,7 @@ Witness::Witness(Program program) : program_(std::move(program)) {
   std::array<int, 2> ready{};
   std::array<int, 2> go{};
   if (::pipe2(ready.data(), O_CLOEXEC) != 0 || ::pipe2(go.data(), O_CLOEXEC) != 0)
-    platform::fatal("a witness needs pipes");
+    values::fatal("a witness needs pipes");
   const platform::Descriptor readyReading(ready[0]);
   platform::Descriptor readyWriting(ready[1]);
   platform::Descriptor goReading(go[0]);
@@ -112,7 +112,7 @@ Witness::Witness(Program program) : program_(std::move(program)) {
   process_ = platform::Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, pid_, 0)));
   listener_ =
       platform::Descriptor(static_cast<int>(::syscall(SYS_pidfd_getfd, process_.get(), listenerNumber, 0)));
-  if (got != 1 || !listener_) platform::fatal("the kernel gives no listener");
+  if (got != 1 || !listener_) values::fatal("the kernel gives no listener");
   static_cast<void>(!::write(goWriting.get(), "x", 1));
 }
 

@@ -5,7 +5,7 @@
 
 #include "values/text.hpp"
 
-namespace tamo::macos {
+namespace tamo::values::macos {
 namespace {
 
 /// Takes the first code point off a text that is UTF-8 and not empty.
@@ -34,7 +34,7 @@ std::vector<UniChar> utf16(std::string_view text) {
 
 Owned<CFStringRef> cfText(std::string_view text) {
   // The system's own reading of UTF-8 loses a byte order mark in front and takes a byte A9 for a character.
-  if (!platform::isUtf8(text)) return nullptr;
+  if (!isUtf8(text)) return nullptr;
   const auto units = utf16(text);
   return Owned<CFStringRef>(
       CFStringCreateWithCharacters(nullptr, units.data(), static_cast<CFIndex>(units.size())));
@@ -68,4 +68,4 @@ std::optional<std::string> pathOf(CFURLRef url) {
   return textOf(path.get());
 }
 
-}  // namespace tamo::macos
+}  // namespace tamo::values::macos

@@ -8,7 +8,7 @@
 #include <type_traits>
 
 /// Core Foundation's objects and the platform's values. Plain C++; any thread.
-namespace tamo::macos {
+namespace tamo::values::macos {
 
 struct ReleaseCF {
   void operator()(CFTypeRef object) const { CFRelease(object); }
@@ -31,4 +31,4 @@ using Owned = std::unique_ptr<std::remove_pointer_t<Ref>, ReleaseCF>;
 /// The path of a URL, without a "/" at its end; absent for null and for what has no path.
 [[nodiscard]] std::optional<std::string> pathOf(CFURLRef url);
 
-}  // namespace tamo::macos
+}  // namespace tamo::values::macos

@@ -7,7 +7,7 @@
 #include "values/property_list.hpp"
 #include "values/property_list_limits.hpp"
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 using macos::Owned;
@@ -127,4 +127,4 @@ std::optional<PropertyList> readPropertyList(std::string_view bytes) {
   return Conversion().valueOf(list.get());
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -4,7 +4,7 @@
 #include "values/macos/cf_values.hpp"
 #include "values/text.hpp"
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 using macos::cfText;
@@ -74,4 +74,4 @@ bool canonicallyEqual(std::string_view left, std::string_view right) {
   return decomposed(left) == decomposed(right);
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -10,10 +10,9 @@
 
 #include "values/open/binary_property_list_shape.hpp"
 
-namespace tamo::stage {
+namespace tamo::values::open {
 namespace {
 
-using platform::PropertyList;
 
 struct FreeNode {
   void operator()(plist_t node) const { plist_free(node); }
@@ -117,4 +116,4 @@ std::optional<PropertyList> readBinaryPropertyList(std::string_view bytes) {
   return valueOf(root);
 }
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

@@ -5,10 +5,10 @@
 
 #include "values/property_list.hpp"
 
-namespace tamo::stage {
+namespace tamo::values::open {
 
 /// Reads a binary property list. Absent for one that is cut off, damaged, or refused by binaryListIsSound.
 /// Any thread.
-[[nodiscard]] std::optional<platform::PropertyList> readBinaryPropertyList(std::string_view bytes);
+[[nodiscard]] std::optional<PropertyList> readBinaryPropertyList(std::string_view bytes);
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

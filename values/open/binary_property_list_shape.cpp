@@ -7,11 +7,9 @@
 
 #include "values/property_list_limits.hpp"
 
-namespace tamo::stage {
+namespace tamo::values::open {
 namespace {
 
-using platform::deepestNesting;
-using platform::mostValues;
 
 /// Walks the objects from the top one, along the references of arrays and dictionaries.
 class Walk {
@@ -196,4 +194,4 @@ bool binaryListIsSound(std::string_view bytes) {
   return Walk(bytes).isSound();
 }
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

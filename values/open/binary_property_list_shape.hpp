@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-namespace tamo::stage {
+namespace tamo::values::open {
 
 /// Whether a binary property list can be handed to the library that reads it. Not so, because macOS refuses it
 /// and the library does not:
@@ -17,4 +17,4 @@ namespace tamo::stage {
 /// Pure, any thread.
 [[nodiscard]] bool binaryListIsSound(std::string_view bytes);
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

@@ -7,7 +7,7 @@
 #include "values/open/property_list_scalars.hpp"
 #include "values/property_list_limits.hpp"
 
-namespace tamo::stage {
+namespace tamo::values::open {
 namespace {
 
 bool isAscii(char character) {
@@ -16,14 +16,13 @@ bool isAscii(char character) {
 
 }  // namespace
 
-using platform::PropertyList;
 
 bool PropertyListBuilder::begin(std::string_view name, bool isEmpty) {
   const auto element = elementNamed(name);
-  if (!element || open_.size() > platform::deepestNesting || !mayBegin(*element)) return false;
+  if (!element || open_.size() > deepestNesting || !mayBegin(*element)) return false;
   if (isEmpty && (*element == Element::Date || *element == Element::Data)) return false;
   const bool isValue = *element != Element::Plist && *element != Element::Key;
-  if (isValue && ++values_ > platform::mostValues) return false;
+  if (isValue && ++values_ > mostValues) return false;
   Open opened{.element = *element};
   if (*element == Element::Dict) opened.list = PropertyList{PropertyList::Dictionary()};
   if (*element == Element::Array) opened.list = PropertyList{PropertyList::Array()};
@@ -143,4 +142,4 @@ void PropertyListBuilder::put(PropertyList value) {
   }
 }
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

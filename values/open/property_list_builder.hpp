@@ -8,7 +8,7 @@
 
 #include "values/property_list.hpp"
 
-namespace tamo::stage {
+namespace tamo::values::open {
 
 /// Builds a property list from the events of an XML parser. Each event answers whether the document can still
 /// be a property list; after a no there are no more events. One thread.
@@ -28,7 +28,7 @@ class PropertyListBuilder {
   [[nodiscard]] bool end();
 
   /// The list, after the end of the outermost element.
-  [[nodiscard]] std::optional<platform::PropertyList> result();
+  [[nodiscard]] std::optional<PropertyList> result();
 
  private:
   enum class Element { Plist, Dict, Array, Key, String, Real, Integer, True, False, Date, Data };
@@ -39,7 +39,7 @@ class PropertyListBuilder {
     /// The text of anything but a container.
     std::string text = {};
     /// The dictionary or array as it grows; the value of a <plist>.
-    std::optional<platform::PropertyList> list = std::nullopt;
+    std::optional<PropertyList> list = std::nullopt;
     /// The key of a dictionary that waits for its value.
     std::optional<std::string> key = std::nullopt;
   };
@@ -50,14 +50,14 @@ class PropertyListBuilder {
   static bool takesAnySpelling(Element element) {
     return element >= Element::Key && element <= Element::Real;
   }
-  static std::optional<platform::PropertyList> valueOf(Open open);
+  static std::optional<PropertyList> valueOf(Open open);
   [[nodiscard]] bool mayBegin(Element element) const;
-  void put(platform::PropertyList value);
+  void put(PropertyList value);
 
   std::vector<Open> open_;
   /// How many values have begun.
   std::size_t values_ = 0;
-  std::optional<platform::PropertyList> result_;
+  std::optional<PropertyList> result_;
 };
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

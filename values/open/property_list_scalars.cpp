@@ -7,10 +7,9 @@
 #include <cstdlib>
 #include <limits>
 
-namespace tamo::stage {
+namespace tamo::values::open {
 namespace {
 
-using platform::PropertyList;
 
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 constexpr std::string_view digits = "0123456789";
@@ -111,4 +110,4 @@ bool isDate(std::string_view text) {
                     [](char seen, char meant) { return meant == '0' ? isDigit(seen) : seen == meant; });
 }
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

@@ -8,7 +8,7 @@
 #include "values/fatal.hpp"
 #include "values/text.hpp"
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 /// The first code point of a text, and its size in bytes. A byte that begins no character has no code point.
@@ -77,4 +77,4 @@ bool canonicallyEqual(std::string_view left, std::string_view right) {
   return decomposed(left) == decomposed(right);
 }
 
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -7,10 +7,9 @@
 
 #include "values/open/property_list_builder.hpp"
 
-namespace tamo::stage {
+namespace tamo::values::open {
 namespace {
 
-using platform::PropertyList;
 
 /// One run of the parser over a document. Nothing may be thrown through the parser's frames, so the handlers
 /// are noexcept: without memory the process ends.
@@ -119,4 +118,4 @@ std::optional<PropertyList> readXmlPropertyList(std::string_view bytes) {
   return Reading(bytes).read();
 }
 
-}  // namespace tamo::stage
+}  // namespace tamo::values::open

@@ -29,7 +29,7 @@ std::string resultOf(const std::string& code) {
 /// The build of the copy, or "none" without one.
 std::string build(Scene& scene, Copy copy) {
   const auto bytes = platform::posix::readWhole(scene.place.copies.folder(copy) + "/Contents/Info.plist");
-  const auto list = bytes ? platform::readPropertyList(*bytes) : std::nullopt;
+  const auto list = bytes ? values::readPropertyList(*bytes) : std::nullopt;
   const auto* version = list ? list->entry("CFBundleVersion") : nullptr;
   return version != nullptr && version->text() != nullptr ? *version->text() : "none";
 }

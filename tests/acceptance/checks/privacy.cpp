@@ -2,7 +2,7 @@
 
 #include "acceptance/check.hpp"
 #include "acceptance/scene.hpp"
-#include "platform/log.hpp"
+#include "platform/log_text.hpp"
 
 namespace tamo::acceptance {
 namespace {

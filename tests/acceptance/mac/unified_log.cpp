@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "acceptance/mac/json_fields.hpp"
+#include "platform/log_text.hpp"
 
 namespace tamo::acceptance {
 namespace {

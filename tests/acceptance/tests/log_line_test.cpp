@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/log.hpp"
+#include "platform/log_text.hpp"
 
 namespace tamo::acceptance {
 namespace {

@@ -68,7 +68,7 @@ TEST(UnifiedLogTest, LinesComeByTimeAndTheRestIsLeftOut) {
 }
 
 TEST(SampleListsTest, TheReadersOfTheProductReadThem) {
-  const auto info = platform::readPropertyList(sampleInfo("1.4.2"));
+  const auto info = values::readPropertyList(sampleInfo("1.4.2"));
   ASSERT_TRUE(info.has_value());
   EXPECT_EQ(*info->entry("CFBundleVersion")->text(), "1.4.2");
   EXPECT_EQ(*info->entry("CFBundleIdentifier")->text(), "studio.pell.Tamo");

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/log_text.hpp"
+
 namespace tamo {
 namespace {
 

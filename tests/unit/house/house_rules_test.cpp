@@ -42,11 +42,26 @@ std::vector<Source> sources(const Texts& folders) {
   return found;
 }
 
+/// The product, from the top down.
 const Texts layers{"app", "move", "launch", "hardstop", "guard", "platform", "values"};
+/// What decides, and asks an operating system for nothing but through the platform.
+const Texts deciding{"app", "move", "launch", "hardstop", "guard"};
+/// The rooms that have an order among themselves, from the top down; the product needs none of the played Mac.
+const Texts rooms{"stage/control",  "stage/tools",    "stage/core", "stage/launchd", "stage/common",
+                  "platform/stage", "platform/posix", "platform",   "values/open",   "values"};
 const Texts everything{"app", "move", "launch", "hardstop", "guard", "platform", "values", "stage", "tests"};
 
 std::string folderOf(const std::string& path) {
   return path.substr(0, path.find('/'));
+}
+
+std::string roomOf(const std::string& path) {
+  return fs::path(path).parent_path().string();
+}
+
+/// A header and its source are one module.
+std::string moduleOf(const std::string& path) {
+  return fs::path(path).replace_extension().string();
 }
 
 Texts matches(const std::string& text, const std::regex& pattern) {
@@ -72,17 +87,51 @@ TEST(HouseRulesTest, IncludesRunDownwardsOnly) {
   }
 }
 
-TEST(HouseRulesTest, NothingAboveThePlatformKnowsABackend) {
-  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard"})) {
+TEST(HouseRulesTest, ARoomOfThePlayedMacNeedsNoneAboveIt) {
+  for (const auto& source : sources({"stage"})) {
+    const auto own = std::find(rooms.begin(), rooms.end(), roomOf(source.path));
+    ASSERT_NE(own, rooms.end()) << source.path << " is in no room";
     for (const auto& include : matches(source.text, projectInclude)) {
-      const bool backend = include.starts_with("platform/") && include.find('/', 9) != std::string::npos;
-      EXPECT_FALSE(backend) << source.path << " includes " << include;
+      const auto used = std::find(rooms.begin(), rooms.end(), roomOf(include));
+      EXPECT_NE(used, rooms.end()) << source.path << " includes " << include;
+      EXPECT_GE(used - own, 0) << source.path << " includes " << include << ", which lies above it";
+    }
+  }
+}
+
+/// What each module of the product and of the played Mac includes.
+std::map<std::string, std::set<std::string>> modules() {
+  std::map<std::string, std::set<std::string>> found;
+  for (const auto& source :
+       sources({"app", "move", "launch", "hardstop", "guard", "platform", "values", "stage"}))
+    for (const auto& include : matches(source.text, projectInclude))
+      if (moduleOf(include) != moduleOf(source.path)) found[moduleOf(source.path)].insert(moduleOf(include));
+  return found;
+}
+
+TEST(HouseRulesTest, NoTwoModulesNeedEachOther) {
+  auto left = modules();
+  // Whoever needs nobody that is left goes; those that stay for ever need each other in a circle.
+  for (std::size_t before = 0; before != left.size();) {
+    before = left.size();
+    std::erase_if(left, [&left](const auto& entry) {
+      return std::ranges::none_of(entry.second, [&left](const auto& used) { return left.contains(used); });
+    });
+  }
+  for (const auto& [module, used] : left)
+    ADD_FAILURE() << module << " needs itself, through " << *used.begin();
+}
+
+TEST(HouseRulesTest, NothingAboveThePlatformKnowsABackend) {
+  for (const auto& source : sources(deciding)) {
+    for (const auto& include : matches(source.text, projectInclude)) {
+      EXPECT_EQ(std::ranges::count(include, '/'), 1) << source.path << " includes " << include;
     }
   }
 }
 
 TEST(HouseRulesTest, NothingAboveThePlatformIncludesASystemHeader) {
-  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard"})) {
+  for (const auto& source : sources(deciding)) {
     for (const auto& include : matches(source.text, systemInclude)) {
       const bool standard = include.find('.') == std::string::npos;
       EXPECT_TRUE(standard || include == "nlohmann/json.hpp")
@@ -92,7 +141,7 @@ TEST(HouseRulesTest, NothingAboveThePlatformIncludesASystemHeader) {
 }
 
 TEST(HouseRulesTest, ThePlatformIsAskedForInItsFoldersAlone) {
-  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard"})) {
+  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard", "values"})) {
     EXPECT_EQ(source.text.find("__APPLE__"), std::string::npos) << source.path;
     EXPECT_EQ(source.text.find("__linux__"), std::string::npos) << source.path;
   }

@@ -17,17 +17,17 @@ std::string bytesOf(const std::string& name) {
   return bytes.str();
 }
 
-std::optional<PropertyList> listOf(const std::string& name) {
-  return readPropertyList(bytesOf(name));
+std::optional<values::PropertyList> listOf(const std::string& name) {
+  return values::readPropertyList(bytesOf(name));
 }
 
-std::string textAt(const PropertyList& list, const std::string& key) {
+std::string textAt(const values::PropertyList& list, const std::string& key) {
   const auto* entry = list.entry(key);
   const auto* text = entry == nullptr ? nullptr : entry->text();
   return text == nullptr ? "no text" : *text;
 }
 
-bool isTrueAt(const PropertyList& list, const std::string& key) {
+bool isTrueAt(const values::PropertyList& list, const std::string& key) {
   const auto* entry = list.entry(key);
   const auto* truth = entry == nullptr ? nullptr : std::get_if<bool>(&entry->value);
   return truth != nullptr && *truth;
@@ -101,7 +101,7 @@ TEST(BundleFilesTest, TheAgentsDefinitionCanBeCompared) {
   ASSERT_TRUE(arguments && !arguments->empty() && arguments->front().text());
   EXPECT_EQ(*arguments->front().text(), "/Applications/Tamo.app/Contents/Library/LoginItems/Tamo Core.app/" +
                                             textAt(*agent, "BundleProgram"));
-  EXPECT_EQ(exactInt64(*agent->entry("ExitTimeOut")), 20);
+  EXPECT_EQ(values::exactInt64(*agent->entry("ExitTimeOut")), 20);
 }
 
 /// A process that dies before its logger is made has to say so where the other lines of the log are.

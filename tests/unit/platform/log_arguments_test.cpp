@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <vector>
 
+#include "platform/log_text.hpp"
+
 namespace tamo::platform {
 namespace {
 

@@ -24,7 +24,7 @@ class AppCopyTest : public ::testing::Test {
   void place(const AppCopy& copy) { placeCopy(stage.root, stage.path + "/programs", copy); }
 
   std::string infoText(const std::string& bundle, const std::string& key) {
-    const auto list = platform::readPropertyList(stage.read(bundle + "/Contents/Info.plist"));
+    const auto list = values::readPropertyList(stage.read(bundle + "/Contents/Info.plist"));
     const auto* entry = list ? list->entry(key) : nullptr;
     return entry != nullptr && entry->text() != nullptr ? *entry->text() : "(none)";
   }

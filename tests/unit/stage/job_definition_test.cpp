@@ -5,8 +5,8 @@
 namespace tamo::stage {
 namespace {
 
-using platform::PropertyList;
 using std::chrono::seconds;
+using values::PropertyList;
 
 constexpr auto bundledPath = "/A/Core.app/Contents/Library/LaunchAgents/x.plist";
 

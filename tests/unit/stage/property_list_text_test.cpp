@@ -5,7 +5,7 @@
 namespace tamo::stage {
 namespace {
 
-using platform::PropertyList;
+using values::PropertyList;
 
 PropertyList sample() {
   const PropertyList::Array inner = {{.value = std::string("a < b & c > d")}, {.value = std::string()}};
@@ -25,13 +25,13 @@ void expectSample(const std::optional<PropertyList>& read) {
 }
 
 TEST(PropertyListTextTest, TheXmlFormIsReadAsItWasMeant) {
-  expectSample(platform::readPropertyList(xmlPropertyList(sample())));
+  expectSample(values::readPropertyList(xmlPropertyList(sample())));
 }
 
 TEST(PropertyListTextTest, TheBinaryFormIsReadAsItWasMeant) {
   const auto bytes = binaryPropertyList(sample());
   EXPECT_TRUE(bytes.starts_with("bplist00"));
-  expectSample(platform::readPropertyList(bytes));
+  expectSample(values::readPropertyList(bytes));
 }
 
 TEST(PropertyListTextTest, AListWithADateIsNotWritten) {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 const auto aborted = ::testing::KilledBySignal(SIGABRT);
@@ -44,4 +44,4 @@ TEST(FatalDeathTest, LastWordsThatWereTakenAwayAreNotSaid) {
 }
 
 }  // namespace
-}  // namespace tamo::platform
+}  // namespace tamo::values

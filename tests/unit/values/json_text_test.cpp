@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 using namespace std::string_view_literals;
@@ -32,4 +32,4 @@ TEST(JsonTextTest, TheRestStaysAsItIs) {
 }
 
 }  // namespace
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 struct Standardised {
@@ -66,4 +66,4 @@ TEST(PathsTest, TheRootIsItsOwnParent) {
 }
 
 }  // namespace
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 const SameItem always = [](const std::string&, const std::string&) { return true; };
@@ -58,4 +58,4 @@ TEST(PrivatePrefixTest, WithoutALookAnythingElseIsAnotherPlace) {
 }
 
 }  // namespace
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 using Int64Limits = std::numeric_limits<std::int64_t>;
@@ -67,4 +67,4 @@ TEST(ExactInt64Test, OtherKindsAreNone) {
 }
 
 }  // namespace
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace tamo::platform {
+namespace tamo::values {
 namespace {
 
 using namespace std::string_view_literals;
@@ -140,4 +140,4 @@ TEST(TextTest, WellFormedUtf8IsKept) {
 }
 
 }  // namespace
-}  // namespace tamo::platform
+}  // namespace tamo::values

@@ -1,4 +1,4 @@
-#include "platform/log.hpp"
+#include "platform/log_text.hpp"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -10,9 +10,9 @@ namespace {
 std::string marked(const LogLine& line) {
   std::string text;
   for (const auto& piece : pieces(line)) {
-    if (piece.kind == LogPiece::Kind::Fixed) text += piece.text;
-    if (piece.kind == LogPiece::Kind::Public) text += "{" + piece.text + "}";
-    if (piece.kind == LogPiece::Kind::Private) text += "[" + piece.text + "]";
+    if (piece.part == LogPart::Fixed) text += piece.text;
+    if (piece.part == LogPart::Public) text += "{" + piece.text + "}";
+    if (piece.part == LogPart::Private) text += "[" + piece.text + "]";
   }
   return text;
 }

@@ -1,10 +1,9 @@
-#include "platform/log.hpp"
+#include "platform/log_text.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 
-#include "platform/log_arguments.hpp"
 #include "values/fatal.hpp"
 
 namespace tamo::platform {
@@ -38,7 +37,7 @@ std::string shown(const LogArgument& argument, LogTakes takes) {
     return std::to_string(*number);
   if (const auto* truth = std::get_if<bool>(&argument); truth != nullptr && takes == LogTakes::Truth)
     return *truth ? "true" : "false";
-  fatal("a log argument does not fit its format");
+  values::fatal("a log argument does not fit its format");
 }
 
 }  // namespace
@@ -53,24 +52,24 @@ std::string_view formatText(LogFormat format) {
 
 std::vector<LogPiece> pieces(const LogLine& line) {
   const auto& format = entry(line.format);
-  if (line.arguments.size() != format.placeholders.count) fatal("a log line does not fit its format");
+  if (line.arguments.size() != format.placeholders.count) values::fatal("a log line does not fit its format");
   std::vector<LogPiece> result;
   auto rest = format.text;
   for (const auto& argument : line.arguments) {
     const auto start = rest.find('%');
-    if (start != 0) result.push_back({LogPiece::Kind::Fixed, std::string(rest.substr(0, start))});
+    if (start != 0) result.push_back({LogPart::Fixed, std::string(rest.substr(0, start))});
     const auto& placeholder = placeholderOf(rest.substr(start));
-    result.push_back({placeholder.kind, shown(argument, placeholder.takes)});
+    result.push_back({placeholder.part, shown(argument, placeholder.takes)});
     rest.remove_prefix(start + placeholder.text.size());
   }
-  if (!rest.empty()) result.push_back({LogPiece::Kind::Fixed, std::string(rest)});
+  if (!rest.empty()) result.push_back({LogPart::Fixed, std::string(rest)});
   return result;
 }
 
 std::string shownText(const LogLine& line) {
   std::string text;
   for (const auto& piece : pieces(line)) {
-    text += piece.kind == LogPiece::Kind::Private ? std::string("<private>") : piece.text;
+    text += piece.part == LogPart::Private ? std::string("<private>") : piece.text;
   }
   return text;
 }
