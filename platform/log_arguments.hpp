@@ -32,8 +32,7 @@ void withLogArguments(const LogLine& line, const Call& call) {
   if (line.arguments.size() != placeholders.count) values::fatal("a log line does not fit its format");
   [&]<std::size_t... at>(std::index_sequence<at...>) {
     call(logArgument<placeholders.takes[at]>(line, at)...);
-  }
-  (std::make_index_sequence<placeholders.count>());
+  }(std::make_index_sequence<placeholders.count>());
 }
 
 }  // namespace tamo::platform

@@ -20,7 +20,7 @@ namespace tamo::platform {
   LINE(refused, Error, "%{public}s refused: %{public}s")                                                  \
   LINE(receiptFailed, Error, "receipt failed")                                                            \
   LINE(definition, Default,                                                                               \
-       "definition: loaded %{public}s exit %{public}s · bundled %{public}s exit %{public}s · changed "  \
+       "definition: loaded %{public}s exit %{public}s · bundled %{public}s exit %{public}s · changed "    \
        "%{bool,public}d")                                                                                 \
   LINE(hardStop, Default, "hardstop pid %{public}d: %{public}s")                                          \
   LINE(moveRefused, Error, "move refused: this Tamo doesn't need moving")                                 \

@@ -33,13 +33,13 @@ struct Freed {
 };
 
 bool isDirectory(const std::string& path) {
-  struct stat found {};
+  struct stat found{};
   return ::stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
 }
 
 /// The mode that a replaced file hands on; absent when there is no regular file to take it from.
 std::optional<mode_t> modeToKeep(const std::string& path) {
-  struct stat found {};
+  struct stat found{};
   if (::lstat(path.c_str(), &found) != 0 || !S_ISREG(found.st_mode)) return std::nullopt;
   return static_cast<mode_t>(found.st_mode & 07777);
 }
@@ -86,7 +86,7 @@ class TemporaryFile {
 }  // namespace
 
 bool exists(const std::string& path) {
-  struct stat found {};
+  struct stat found{};
   return ::stat(path.c_str(), &found) == 0;
 }
 

@@ -57,12 +57,12 @@ bool kernelNumbersProcesses() {
   constexpr long processFileSystem = 0x50494446;
   const auto own = processDescriptor(::getpid());
   if (!own) values::fatal("a stage needs process descriptors");
-  struct statfs system {};
+  struct statfs system{};
   return ::fstatfs(own.get(), &system) == 0 && system.f_type == processFileSystem;
 }
 
 std::uint64_t inodeOf(const Descriptor& process) {
-  struct stat found {};
+  struct stat found{};
   return ::fstat(process.get(), &found) == 0 ? found.st_ino : 0;
 }
 

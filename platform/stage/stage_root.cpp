@@ -32,7 +32,7 @@ std::string canonical(const std::string& directory) {
 /// The kernel gives up with EAGAIN when a rename elsewhere might have let a ".." out of the root while it
 /// looked; another try settles it.
 Descriptor openedInRoot(int root, const std::string& path, std::uint64_t flags) {
-  struct open_how how {};
+  struct open_how how{};
   how.flags = flags | O_PATH | O_CLOEXEC;
   how.resolve = RESOLVE_IN_ROOT;
   for (;;) {

@@ -5,14 +5,14 @@
 namespace tamo::stage {
 
 StagePresence::StagePresence(const std::string& directory) : directory_(directory) {
-  struct stat seen {};
+  struct stat seen{};
   if (::stat(directory_.c_str(), &seen) != 0) return;
   device_ = seen.st_dev;
   inode_ = seen.st_ino;
 }
 
 bool StagePresence::isThere() const {
-  struct stat seen {};
+  struct stat seen{};
   return ::stat(directory_.c_str(), &seen) == 0 && seen.st_dev == device_ && seen.st_ino == inode_;
 }
 

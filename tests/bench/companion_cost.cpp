@@ -72,7 +72,7 @@ Cost companion(const tamo::stage::StageRoot& root, const char* action) {
   });
 }
 
-double middle(std::vector<Cost> costs, double Cost::*value) {
+double middle(std::vector<Cost> costs, double Cost::* value) {
   std::sort(costs.begin(), costs.end(),
             [value](const Cost& a, const Cost& b) { return a.*value < b.*value; });
   return costs[costs.size() / 2].*value;

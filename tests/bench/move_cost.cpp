@@ -74,9 +74,8 @@ class Rig {
   }
 
   Cost plainCopy() {
-    const auto cost = costOf([this] {
-      become({"/bin/cp", "--archive", downloaded_.string(), installed_.string()});
-    });
+    const auto cost =
+        costOf([this] { become({"/bin/cp", "--archive", downloaded_.string(), installed_.string()}); });
     clear();
     return cost;
   }
@@ -105,7 +104,7 @@ class Rig {
   fs::path installed_ = root_.host("/Applications/Tamo.app");
 };
 
-double middle(std::vector<Cost> costs, double Cost::*value) {
+double middle(std::vector<Cost> costs, double Cost::* value) {
   std::ranges::sort(costs, {}, value);
   return costs[costs.size() / 2].*value;
 }

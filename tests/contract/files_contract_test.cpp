@@ -18,7 +18,7 @@ class FilesContract : public Contract {
   }
   void folder(std::string_view name) const { fs::create_directories(host(name)); }
   [[nodiscard]] mode_t modeOf(std::string_view name) const {
-    struct stat found {};
+    struct stat found{};
     EXPECT_EQ(::lstat(host(name).c_str(), &found), 0);
     return found.st_mode & 07777;
   }

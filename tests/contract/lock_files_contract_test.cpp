@@ -25,7 +25,7 @@ TEST_P(LockFilesContract, AMissingFileIsMadeForItsOwnerAlone) {
   const auto mask = ::umask(0);
   const int descriptor = opened();
   ::umask(mask);
-  struct stat found {};
+  struct stat found{};
   EXPECT_EQ(::fstat(descriptor, &found), 0);
   EXPECT_EQ(found.st_mode & 07777, 0600U);
   EXPECT_EQ(::fcntl(descriptor, F_GETFL) & O_ACCMODE, O_RDWR);

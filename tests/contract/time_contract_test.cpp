@@ -45,8 +45,8 @@ volatile std::sig_atomic_t alarms = 0;
 
 TEST_P(ClockContract, ASignalDoesNotShortenASleep) {
   alarms = 0;
-  struct sigaction counting {};
-  struct sigaction before {};
+  struct sigaction counting{};
+  struct sigaction before{};
   counting.sa_handler = [](int) { alarms = alarms + 1; };
   ::sigaction(SIGALRM, &counting, &before);
   const itimerval every5ms{.it_interval = {0, 5000}, .it_value = {0, 5000}};

@@ -15,7 +15,7 @@ class FakeLogger final : public platform::Logger {
     const bool error = platform::levelOf(line.format) == platform::LogLevel::Error;
     std::string text = error ? "log: error " : "log: default ";
     for (const auto& piece : platform::pieces(line)) {
-      text += piece.part == LogPart::Private ? "<private:" + piece.text + ">" : piece.text;
+      text += piece.part == platform::LogPart::Private ? "<private:" + piece.text + ">" : piece.text;
     }
     ledger_.note(clock_.monotonicNow(), text);
   }

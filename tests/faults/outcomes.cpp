@@ -94,14 +94,14 @@ std::string outcomesOf(const Scene& scene, By by, simulation::Plant plant) {
   Player player;
   const auto usual = player.play({.scene = &scene, .by = by}, {.plant = plant});
   Answers answers;
-  Sweep sweep(
-      {.plant = plant, .seen = [&](const Take& take, const Played& played) {
-         const auto& fault = take.faults.front();
-         const auto& met = usual.calls[fault.call - 1];
-         if (!counts(met, by) || (played.told == usual.told && played.left == usual.left)) return;
-         auto& failures = answers[told(played, usual)];
-         failures[{whatFailed(met, fault.forGood), fault.way}].push_back(placeOf(usual.calls, fault.call));
-       }});
+  Sweep sweep({.plant = plant, .seen = [&](const Take& take, const Played& played) {
+                 const auto& fault = take.faults.front();
+                 const auto& met = usual.calls[fault.call - 1];
+                 if (!counts(met, by) || (played.told == usual.told && played.left == usual.left)) return;
+                 auto& failures = answers[told(played, usual)];
+                 failures[{whatFailed(met, fault.forGood), fault.way}].push_back(
+                     placeOf(usual.calls, fault.call));
+               }});
   sweep.singles(scene, by);
   auto text = "\n" + scene.name + (by == By::Url ? " by URL" : "") + "\n  = " + usual.told + " | " +
               usual.left + "\n";

@@ -29,7 +29,9 @@ class Changes {
   }
   /// The same for a file that is written to.
   void watchFile(const std::string& file, const std::string& name) {
-    { const platform::Descriptor made(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644)); }
+    {
+      const platform::Descriptor made(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+    }
     const int watch = ::inotify_add_watch(queue_.get(), file.c_str(), IN_MODIFY);
     EXPECT_GE(watch, 0) << file;
     names_[watch] = name;

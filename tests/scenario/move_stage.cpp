@@ -25,7 +25,7 @@ std::string bytesOf(const fs::path& path) {
 }
 
 std::string described(const fs::directory_entry& item) {
-  struct stat found {};
+  struct stat found{};
   if (::lstat(item.path().c_str(), &found) != 0) return "gone";
   std::ostringstream text;
   text << std::oct << found.st_mode << std::dec;

@@ -13,7 +13,6 @@
 namespace tamo::values::open {
 namespace {
 
-
 struct FreeNode {
   void operator()(plist_t node) const { plist_free(node); }
 };

@@ -10,7 +10,6 @@
 namespace tamo::values::open {
 namespace {
 
-
 /// Walks the objects from the top one, along the references of arrays and dictionaries.
 class Walk {
  public:

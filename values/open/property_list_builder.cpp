@@ -16,7 +16,6 @@ bool isAscii(char character) {
 
 }  // namespace
 
-
 bool PropertyListBuilder::begin(std::string_view name, bool isEmpty) {
   const auto element = elementNamed(name);
   if (!element || open_.size() > deepestNesting || !mayBegin(*element)) return false;

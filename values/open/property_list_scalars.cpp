@@ -10,7 +10,6 @@
 namespace tamo::values::open {
 namespace {
 
-
 constexpr std::string_view whiteSpace = " \t\n\v\f\r";
 constexpr std::string_view digits = "0123456789";
 

@@ -10,7 +10,6 @@
 namespace tamo::values::open {
 namespace {
 
-
 /// One run of the parser over a document. Nothing may be thrown through the parser's frames, so the handlers
 /// are noexcept: without memory the process ends.
 class Reading {

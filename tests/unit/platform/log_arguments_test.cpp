@@ -34,9 +34,7 @@ struct Literal {
 };
 
 template <Literal text>
-concept Compiles = requires {
-  std::bool_constant<(logPlaceholders(text.characters.data()), true)>();
-};
+concept Compiles = requires { std::bool_constant<(logPlaceholders(text.characters.data()), true)>(); };
 
 TEST(LogArgumentsTest, AFormatThatIsNotUnderstoodDoesNotCompile) {
   EXPECT_TRUE(Compiles<"%{public}s">);

@@ -47,7 +47,7 @@ class PlayedToolsTest : public ::testing::Test {
     return ::lgetxattr((stage.path + path).c_str(), mark, nullptr, 0) == 4;
   }
   [[nodiscard]] struct stat statOf(const std::string& path) const {
-    struct stat found {};
+    struct stat found{};
     EXPECT_EQ(::lstat((stage.path + path).c_str(), &found), 0) << path;
     return found;
   }
