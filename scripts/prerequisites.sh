@@ -2,14 +2,16 @@
 #
 #   need PACKAGE…   installs the Debian packages that are missing, and says which, once; says nothing when all are there
 
-# The base that every command needs: a compiler, the build tools and the libraries of the stage.
+# The base that every command needs: the compiler and its linker, the build tools and the libraries of the stage.
 base_packages=(
-  g++ cmake ninja-build ccache pkg-config
+  clang-19 lld-19 libstdc++-12-dev cmake ninja-build pkg-config
   libplist-dev libexpat1-dev libutf8proc-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev procps
 )
-# What the whole check adds: the second compiler, the formatter.
-check_packages=(clang-19 libclang-rt-19-dev clang-format)
+# What the whole check adds: the compiler's sanitizers, formatter and static analysis.
+check_packages=(libclang-rt-19-dev clang-format-19 clang-tidy-19)
+# What the mutations add: what is compiled again and again is kept.
+mutation_packages=(ccache)
 # What the figures add.
 bench_packages=(libbenchmark-dev strace)
 
