@@ -145,7 +145,7 @@ TEST(TakeCheckTest, ADeathThatIsNotReachedIsToldOf) {
 /// What a reader is shown has to be a take, and one of which everything happens.
 TEST(TakeCheckTest, TheExamplesThatAreToldOfArePlayed) {
   const std::regex example("faults play '([^']+)'");
-  for (const auto* name : {"/faults", "/docs/proof.md"}) {
+  for (const auto* name : {"/prove/faults", "/docs/proof.md"}) {
     std::ifstream file(TAMO_SOURCE_DIR + std::string(name));
     const std::string text(std::istreambuf_iterator<char>(file), {});
     std::sregex_iterator found(text.begin(), text.end(), example);

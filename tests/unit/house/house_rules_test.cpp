@@ -10,7 +10,7 @@
 #include <vector>
 
 /// The rules of the house that a compiler does not hold: which folder may include which, what stands only in
-/// the platform's folders, what both compilers have, and how long a file may grow.
+/// the platform's folders, what the standard libraries of both systems have, and how long a file may grow.
 namespace tamo {
 namespace {
 
@@ -147,21 +147,36 @@ TEST(HouseRulesTest, ThePlatformIsAskedForInItsFoldersAlone) {
   }
 }
 
-TEST(HouseRulesTest, OnlyWhatBothCompilersHaveIsUsed) {
-  const std::regex missing(
-      R"((<format>|<print>|<generator>|<syncstream>|<spanstream>|<stacktrace>|<memory_resource>|std::jthread)"
-      R"(|std::stop_token|move_only_function|ranges::to\b|views::zip|views::join_with|std::pmr))");
+TEST(HouseRulesTest, OnlyWhatBothLibrariesHaveIsUsed) {
+  const Texts missing{
+      "<format>",     "<print>",           "<generator>",  "<syncstream>",     "<spanstream>",
+      "<stacktrace>", "<memory_resource>", "std::jthread", "std::stop_token",  "move_only_function",
+      "ranges::to<",  "ranges::to(",       "views::zip",   "views::join_with", "std::pmr"};
   for (const auto& source : sources(everything)) {
     if (source.path == "tests/unit/house/house_rules_test.cpp") continue;
-    EXPECT_EQ(matches(source.text, missing), Texts{}) << source.path;
+    for (const auto& name : missing)
+      EXPECT_EQ(source.text.find(name), std::string::npos) << source.path << " has " << name;
   }
+}
+
+/// Where a macro of this name is given what a call gives.
+Texts givenCalls(const std::string& text, const std::string& macro) {
+  Texts found;
+  for (auto at = text.find(macro + '('); at != std::string::npos; at = text.find(macro + '(', at + 1)) {
+    const auto argument = at + macro.size() + 1;
+    const auto stop = text.find_first_of("()", argument);
+    if (stop != std::string::npos && text[stop] == '(') found.push_back(text.substr(at, stop - at));
+  }
+  return found;
 }
 
 /// The macros that read a wait's status take the address of their argument on a Mac.
 TEST(HouseRulesTest, AWaitsStatusIsReadFromAVariable) {
-  const std::regex ofACall(R"(\b(W(?:IF)?(?:EXITED|EXITSTATUS|SIGNALED|TERMSIG|STOPPED|STOPSIG)\([^()]*\())");
-  for (const auto& source : sources(everything))
-    EXPECT_EQ(matches(source.text, ofACall), Texts{}) << source.path;
+  const std::string w = "W";
+  for (const auto& macro :
+       {w + "IFEXITED", w + "EXITSTATUS", w + "IFSIGNALED", w + "TERMSIG", w + "IFSTOPPED", w + "STOPSIG"})
+    for (const auto& source : sources(everything))
+      EXPECT_EQ(givenCalls(source.text, macro), Texts{}) << source.path;
 }
 
 TEST(HouseRulesTest, NoFileOutgrowsOneSitting) {
