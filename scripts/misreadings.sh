@@ -27,7 +27,7 @@ open_lane() {
   ln -sfn ../names "$work/names"
   mutator as-it-was
   export CCACHE_DIR=$PWD/build/mutation/ccache CCACHE_MAXSIZE=2G CCACHE_DEPEND=1 CCACHE_NOHASHDIR=1
-  export CCACHE_BASEDIR=$PWD/$work CCACHE_SLOPPINESS=pch_defines,time_macros
+  export CCACHE_BASEDIR=$PWD/$work CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
   configure_copy -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST
 }
 

@@ -179,10 +179,10 @@ void writeAlone(const Tree& tree, const Planned& planned) {
 
 Blame blamed(const Tree& tree, const fs::path& log) {
   const auto owners = readOwners(tree);
-  const std::regex certain("/tree/([a-z_/]+\\.[ch]pp:[0-9]+):[0-9: ]+(error|.*required from)");
+  const std::regex certain("/tree/([a-z_/]+\\.[ch]pp:[0-9]+):[0-9: ]+(error|.*requested here)");
   const std::regex possible("/tree/([a-z_/]+\\.[ch]pp:[0-9]+)[:,]");
   const std::regex hopeless(
-      "error: (no match for .operator|invalid operands|could not convert|cannot convert)");
+      "error: (invalid operands|no viable conversion|cannot initialize|no matching conversion)");
   Blame blame;
   std::set<std::size_t> suspects;
   std::ifstream in(log);
