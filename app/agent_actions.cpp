@@ -16,30 +16,19 @@ bool isEnabled(AgentService& service) {
   return service.status() == AgentStatus::enabled;
 }
 
-/// The body of a restart's hard stop. It blocks the main thread while launchctl runs; the watcher has its
-/// own.
-Task<std::int32_t> kickstartWithKill(Launchctl* launchctl) {
-  co_return launchctl->kickstart({.kill = true});
-}
-
 }  // namespace
 
 Task<Nothing> AgentActions::carryOut(std::string action, AgentService& service, OutcomeRecord& record) {
   if (action == "register") {
-    auto route = registerCore(service, record);
-    co_await route;
+    co_await registerCore(service, record);
   } else if (action == "unregister") {
-    auto route = needs_.registration.unregister(service);
-    co_await route;
+    co_await needs_.registration.unregister(service);
   } else if (action == "reseat") {
-    auto route = needs_.registration.reseat(service);
-    co_await route;
+    co_await needs_.registration.reseat(service);
   } else if (action == "restart") {
-    auto route = restart(service, record);
-    co_await route;
+    co_await restart(service, record);
   } else if (action == "sync") {
-    auto route = sync(service, record);
-    co_await route;
+    co_await sync(service, record);
   } else if (action != "status") {
     throw platform::Error("TamoCore", 64, "Unknown action");
   }
@@ -58,8 +47,7 @@ Task<Nothing> AgentActions::registerCore(AgentService& service, OutcomeRecord& r
   const bool runs =
       status == 0 || coreAnswers(needs_.sockets, needs_.dataDirectory()) || needs_.launchctl.jobRunning();
   if (!runs) {
-    auto reseating = needs_.registration.reseat(service);
-    co_await reseating;
+    co_await needs_.registration.reseat(service);
   }
   co_return Nothing();
 }
@@ -68,44 +56,38 @@ Task<Nothing> AgentActions::restart(AgentService& service, OutcomeRecord& record
   if (!isEnabled(service)) {
     service.registerAgent();
   } else if (needs_.definition.definitionChanged()) {
-    auto reseating = reseatChanged(service, record);
-    co_await reseating;
+    co_await reseatChanged(service, record);
   } else {
-    auto restarting = restartRunning(service, record);
-    co_await restarting;
+    co_await restartRunning(service, record);
   }
   co_return Nothing();
 }
 
+/// The kickstart blocks the main thread while launchctl runs; the watcher of the hard stop has a thread of its
+/// own. One that failed may have restarted the Core all the same, so launchd is asked before it is reseated.
 Task<Nothing> AgentActions::restartRunning(AgentService& service, OutcomeRecord& record) {
-  const std::function<Task<std::int32_t>()> body = [launchctl = &needs_.launchctl] {
-    return kickstartWithKill(launchctl);
+  const auto kickstart = [this]() -> Task<std::int32_t> {
+    co_return needs_.launchctl.kickstart({.kill = true});
   };
-  const std::function<bool(const std::int32_t&)> asked = [](const std::int32_t& status) {
-    return status == 0;
-  };
-  auto stopping = needs_.hardStop.hardStopping<std::int32_t>(body, asked);
-  const auto status = co_await stopping;
+  const auto asked = [](const std::int32_t& status) { return status == 0; };
+  const auto status = co_await needs_.hardStop.hardStopping<std::int32_t>(kickstart, asked);
   record["kickstart"] = std::int64_t{status};
   if (status != 0 && !needs_.launchctl.jobRunning()) {
-    auto reseating = needs_.registration.reseat(service);
-    co_await reseating;
+    co_await needs_.registration.reseat(service);
   }
   co_return Nothing();
 }
 
 Task<Nothing> AgentActions::sync(AgentService& service, OutcomeRecord& record) {
   if (isEnabled(service) && needs_.definition.definitionChanged()) {
-    auto reseating = reseatChanged(service, record);
-    co_await reseating;
+    co_await reseatChanged(service, record);
   }
   co_return Nothing();
 }
 
 Task<Nothing> AgentActions::reseatChanged(AgentService& service, OutcomeRecord& record) {
   record["reseated"] = "definition";
-  auto reseating = needs_.registration.reseat(service);
-  co_await reseating;
+  co_await needs_.registration.reseat(service);
   co_return Nothing();
 }
 

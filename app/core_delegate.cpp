@@ -97,9 +97,8 @@ void CoreDelegate::application(const std::vector<std::string>& open) {
 /// perform() itself raises nothing; what comes out of it all the same, a failed allocation say, must not
 /// leave a process that waits for ever.
 platform::Task<platform::Nothing> CoreDelegate::performRequested(std::string defaultAction) {
-  auto performing = perform(requested_.value_or(std::move(defaultAction)));
   try {
-    co_await performing;
+    co_await perform(requested_.value_or(std::move(defaultAction)));
   } catch (const std::exception& failure) {
     values::fatal(failure.what());
   }

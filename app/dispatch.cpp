@@ -17,13 +17,11 @@ using platform::Task;
 Task<Nothing> CoreDelegate::perform(std::string action) {
   platform::requireMain(platform_.mainQueue, "perform");
   if (action == AppMove::operation) {
-    auto moving = moveToApplications();
-    co_await moving;
+    co_await moveToApplications();
   } else if (!mayAct(action)) {
     refuse(action);
   } else {
-    auto performing = performOnAgent(std::move(action));
-    co_await performing;
+    co_await performOnAgent(std::move(action));
   }
   co_return Nothing();
 }
@@ -33,8 +31,7 @@ Task<Nothing> CoreDelegate::perform(std::string action) {
 /// every action does.
 Task<Nothing> CoreDelegate::moveToApplications() {
   const int lock = jobLock_.lockJob();
-  auto moving = move_.moveToApplications();
-  co_await moving;
+  co_await move_.moveToApplications();
   platform_.application.terminate();
   jobLock_.unlockJob(lock);
   co_return Nothing();
@@ -58,8 +55,7 @@ Task<Nothing> CoreDelegate::performOnAgent(std::string action) {
   OutcomeRecord record;
   const int lock = action == "status" ? -1 : jobLock_.lockJob();
   try {
-    auto routing = agentActions_.carryOut(action, *service, record);
-    co_await routing;
+    co_await agentActions_.carryOut(action, *service, record);
     recordSuccess(action, *service, record);
   } catch (const platform::Error& error) {
     record = failureRecord(error);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <expected>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -93,7 +94,7 @@ HardStop::Operations operations(const Needs& needs, const Gathered& gathered,
                                 std::shared_ptr<const StopFailed> failed) {
   auto& processes = needs.kernelProcesses;
   auto& clock = needs.clock;
-  auto& files = needs.files;
+  const auto& files = needs.files;
   return {
       .grace = HardStop::grace,
       .poll = HardStop::poll,
@@ -121,28 +122,21 @@ std::optional<Completion<Outcome>> startWatcher(const Needs& needs, const Gather
 
 /// How an operation ended: with a result or with an error.
 template <class T>
-struct Settled {
-  std::optional<T> result;
-  std::exception_ptr failure;
-};
+using Settled = std::expected<T, std::exception_ptr>;
 
 /// Keeps the error instead of raising it: the watcher has to be waited for before it travels on.
 template <class T>
 Task<Settled<T>> settled(std::function<Task<T>()> operation) {
-  Settled<T> end;
   try {
-    auto running = operation();
-    auto given = co_await running;
-    end.result.emplace(std::move(given));
+    co_return co_await operation();
   } catch (...) {
-    end.failure = std::current_exception();
+    co_return std::unexpected(std::current_exception());
   }
-  co_return end;
 }
 
 template <class T>
 bool stopFailed(const Settled<T>& end, const std::function<bool(const T&)>& asked) {
-  return end.failure != nullptr || !asked(*end.result);
+  return !end || !asked(*end);
 }
 
 }  // namespace
@@ -155,19 +149,14 @@ Task<T> HardStopping::hardStopping(std::function<Task<T>()> operation, std::func
   const auto first = runningCore(needs_);
   const auto failed = std::make_shared<StopFailed>();
   const auto watcher = first ? startWatcher(needs_, gather(needs_, *first), failed) : std::nullopt;
-  if (!watcher) {
-    auto alone = operation();
-    auto result = co_await alone;
-    co_return result;
-  }
-  auto stopping = settled<T>(operation);
-  const auto end = co_await stopping;
+  if (!watcher) co_return co_await operation();
+  const auto end = co_await settled<T>(std::move(operation));
   platform::requireMain(needs_.mainQueue, "a stop request's end");
   if (stopFailed(end, asked)) failed->set();
   const auto outcome = co_await *watcher;
   note(outcome, first->pid, stopFailed(end, asked));
-  if (end.failure) std::rethrow_exception(end.failure);
-  co_return *end.result;
+  if (!end) std::rethrow_exception(end.error());
+  co_return *end;
 }
 
 template Task<platform::Nothing> HardStopping::hardStopping(

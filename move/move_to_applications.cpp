@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <functional>
 
 #include "guard/live_data_guard.hpp"
 #include "platform/bundle_info.hpp"
@@ -40,10 +39,8 @@ Task<Nothing> MoveToApplications::moveToApplications() {
     co_return Nothing();
   }
   if (!putInPlace(*copy)) co_return Nothing();
-  auto waiting = waitForQuit(*copy);
-  co_await waiting;
-  auto opening = openInstalled();
-  co_await opening;
+  co_await waitForQuit(*copy);
+  co_await openInstalled();
   co_return Nothing();
 }
 
@@ -112,16 +109,14 @@ bool MoveToApplications::runs(const AppMove::RunningCopy& copy) {
 Task<Nothing> MoveToApplications::waitForQuit(AppMove::RunningCopy copy) {
   const auto deadline = platform::deadlineAfter(needs_.clock.wallNow(), quitLimit);
   while (needs_.clock.wallNow() < deadline && runs(copy)) {
-    auto pausing = pause();
-    co_await pausing;
+    co_await pause();
   }
   co_return Nothing();
 }
 
 Task<Nothing> MoveToApplications::pause() {
   const platform::Completion<Nothing> over(needs_.mainQueue);
-  const std::function<void()> delivers = [over] { over.deliver(Nothing()); };
-  needs_.mainQueue.postAfter(quitPoll, delivers);
+  needs_.mainQueue.postAfter(quitPoll, [over] { over.deliver(Nothing()); });
   co_await over;
   co_return Nothing();
 }
@@ -129,10 +124,8 @@ Task<Nothing> MoveToApplications::pause() {
 /// Why an opening failed concerns nobody: the installed copy is in place, and its user opens it by hand.
 Task<Nothing> MoveToApplications::openInstalled() {
   const platform::Completion<Nothing> opened(needs_.mainQueue);
-  const platform::Workspace::Completion delivers = [opened](const std::optional<platform::Error>&) {
-    opened.deliver(Nothing());
-  };
-  needs_.workspace.openApplication(installedApp(), delivers);
+  needs_.workspace.openApplication(
+      installedApp(), [opened](const std::optional<platform::Error>&) { opened.deliver(Nothing()); });
   co_await opened;
   co_return Nothing();
 }

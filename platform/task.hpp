@@ -16,8 +16,10 @@ using Nothing = std::monostate;
 /// thread. Whoever holds a task owns its frame; destroying a suspended task destroys what it holds and runs
 /// nothing further.
 ///
-/// The compilers in use miscompile some shapes. So `auto x = co_await named;` stands alone as a statement,
-/// parameters are values, no capturing lambda is a coroutine, and nothing is awaited inside a catch.
+/// A frame holds copies of its parameters, but only the address of what a reference names and of the lambda that
+/// it is the body of. So what a parameter refers to outlives the task, and so does a lambda with captures: both
+/// stay with whoever awaits it. A catch cannot await: what has to be awaited after an error comes behind the
+/// handler.
 template <class T>
 class [[nodiscard]] Task {
  public:
