@@ -52,6 +52,7 @@ Task<Nothing> AgentActions::registerCore(AgentService& service, OutcomeRecord& r
   co_return Nothing();
 }
 
+/// A kickstart would start the definition that launchd has loaded; for a changed one only a reseat will do.
 Task<Nothing> AgentActions::restart(AgentService& service, OutcomeRecord& record) {
   if (!isEnabled(service)) {
     service.registerAgent();
@@ -85,6 +86,7 @@ Task<Nothing> AgentActions::sync(AgentService& service, OutcomeRecord& record) {
   co_return Nothing();
 }
 
+/// The reason is recorded before the reseat, whatever comes of it; an error replaces the whole record.
 Task<Nothing> AgentActions::reseatChanged(AgentService& service, OutcomeRecord& record) {
   record["reseated"] = "definition";
   co_await needs_.registration.reseat(service);

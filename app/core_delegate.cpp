@@ -16,8 +16,31 @@ namespace {
 /// can come after launching has finished.
 constexpr std::chrono::milliseconds intake{400};
 
+Launchctl::Needs launchctlNeeds(const platform::Platform& platform, const TamoCoreConfig& config) {
+  return {.processes = platform.processes,
+          .files = platform.files,
+          .clock = platform.clock,
+          .kernelProcesses = platform.kernelProcesses,
+          .user = platform.user,
+          .label = std::string(config.label)};
+}
+
+MoveToApplications::Needs moveNeeds(const platform::Platform& platform, platform::Logger& log) {
+  return {.processes = platform.processes,
+          .files = platform.files,
+          .userFiles = platform.userFiles,
+          .bundles = platform.bundles,
+          .user = platform.user,
+          .workspace = platform.workspace,
+          .clock = platform.clock,
+          .mainQueue = platform.mainQueue,
+          .log = log};
+}
+
 }  // namespace
 
+/// The parts are made in the order of the members, each after those that it uses. The data directory and the
+/// print are asked for when they are needed, because the answers change.
 CoreDelegate::CoreDelegate(const platform::Platform& platform, const TamoCoreConfig& config,
                            std::vector<std::string> arguments)
     : platform_(platform),
@@ -25,12 +48,7 @@ CoreDelegate::CoreDelegate(const platform::Platform& platform, const TamoCoreCon
       arguments_(std::move(arguments)),
       log_(platform.logSystem.logger(std::string(config.coreBundleID), "lifecycle")),
       liveData_(platform.files, platform.bundles, platform.user),
-      launchctl_({.processes = platform.processes,
-                  .files = platform.files,
-                  .clock = platform.clock,
-                  .kernelProcesses = platform.kernelProcesses,
-                  .user = platform.user,
-                  .label = std::string(config.label)}),
+      launchctl_(launchctlNeeds(platform, config)),
       jobLock_({.lockFiles = platform.lockFiles,
                 .files = platform.files,
                 .clock = platform.clock,
@@ -56,15 +74,7 @@ CoreDelegate::CoreDelegate(const platform::Platform& platform, const TamoCoreCon
                      .hardStop = hardStop_,
                      .sockets = platform.localSockets,
                      .dataDirectory = [this] { return dataDirectory(platform_.user, config_); }}),
-      move_({.processes = platform.processes,
-             .files = platform.files,
-             .userFiles = platform.userFiles,
-             .bundles = platform.bundles,
-             .user = platform.user,
-             .workspace = platform.workspace,
-             .clock = platform.clock,
-             .mainQueue = platform.mainQueue,
-             .log = *log_}),
+      move_(moveNeeds(platform, *log_)),
       receipts_({.bundles = platform.bundles,
                  .kernelProcesses = platform.kernelProcesses,
                  .clock = platform.clock,
@@ -74,6 +84,8 @@ CoreDelegate::CoreDelegate(const platform::Platform& platform, const TamoCoreCon
   platform::requireMain(platform_.mainQueue, "CoreDelegate");
 }
 
+/// The default is settled by the copy that was launched, now: what becomes of the copy within the delay
+/// changes nothing.
 void CoreDelegate::applicationDidFinishLaunching() {
   platform::requireMain(platform_.mainQueue, "applicationDidFinishLaunching");
   if (auto action = RequestIntake::actionOfArguments(arguments_)) requested_ = std::move(action);
@@ -87,6 +99,8 @@ void CoreDelegate::applicationDidFinishLaunching() {
   });
 }
 
+/// The last URL wins, and wins over the command line too when it comes after the launch: it was asked for
+/// last.
 void CoreDelegate::application(const std::vector<std::string>& open) {
   platform::requireMain(platform_.mainQueue, "application(open:)");
   for (const auto& url : open) {
@@ -105,6 +119,8 @@ platform::Task<platform::Nothing> CoreDelegate::performRequested(std::string def
   co_return platform::Nothing();
 }
 
+/// Blocks of newer systems would hide the pid from whoever counts blocks, so they are left out here. The exit
+/// status plays no part: the kernel says whether there is such a process.
 std::optional<std::string> CoreDelegate::printedJob() {
   auto printed = launchctl_.printJob();
   if (!printed || !printed->text) return std::nullopt;

@@ -5,6 +5,8 @@
 namespace tamo {
 namespace {
 
+/// Without a home every path would begin at the root, and the data would be looked for, and written, in the
+/// wrong place.
 std::string homeOf(const platform::PasswordEntry& entry) {
   if (!entry.home) values::fatal("the user's password entry has no home directory");
   return *entry.home;
@@ -12,6 +14,7 @@ std::string homeOf(const platform::PasswordEntry& entry) {
 
 }  // namespace
 
+/// No entry is an answer: there is no data of a user whom nobody knows.
 std::optional<std::string> dataDirectory(const platform::User& user, const TamoCoreConfig& config) {
   const auto entry = user.passwordEntry();
   if (!entry) return std::nullopt;

@@ -14,6 +14,8 @@ using platform::LogFormat;
 using platform::Nothing;
 using platform::Task;
 
+/// The order of the branches is the order of the rights: the move asks for none, the status changes nothing,
+/// and everything else is for the installed copy.
 Task<Nothing> CoreDelegate::perform(std::string action) {
   platform::requireMain(platform_.mainQueue, "perform");
   if (action == AppMove::operation) {
@@ -41,6 +43,7 @@ bool CoreDelegate::mayAct(const std::string& action) const {
   return action == "status" || config_.proofHome.has_value() || liveData_.current();
 }
 
+/// The line in the log is all: a copy that may not act leaves nothing else behind.
 void CoreDelegate::refuse(const std::string& action) {
   const auto app = LiveDataGuard::outerApp(platform_.bundles.mainBundlePath());
   log_->write({LogFormat::refused, {action, LiveDataGuard::refusal(app)}});
@@ -66,6 +69,8 @@ Task<Nothing> CoreDelegate::performOnAgent(std::string action) {
   co_return Nothing();
 }
 
+/// The status is asked again after the settings were opened, because the user may have allowed the agent
+/// there.
 void CoreDelegate::recordSuccess(const std::string& action, AgentService& service, OutcomeRecord& record) {
   const bool needsApproval =
       SuccessRule::mayNeedApproval(action) && service.status() == AgentStatus::requiresApproval;

@@ -23,6 +23,7 @@ std::string phrase(const OutcomeRecord& record, std::string_view key, const std:
   return value ? " " + word + " " + *value : "";
 }
 
+/// The outcome line has always shown the value as an optional, and is searched for in this form.
 std::string okText(const OutcomeRecord& record) {
   const auto value = printed(record, "ok");
   return value ? "Optional(" + *value + ")" : "nil";
@@ -33,6 +34,8 @@ std::string errorText(const OutcomeRecord& record) {
   return phrase(record, "domain", "error") + " " + printed(record, "code").value_or("");
 }
 
+/// An argument of its own, because it alone is private in the log: an error's text may name what is the
+/// user's.
 std::string descriptionText(const OutcomeRecord& record) {
   const auto found = record.find("description");
   const auto* text = found == record.end() ? nullptr : std::get_if<std::string>(&found->second);
@@ -41,6 +44,7 @@ std::string descriptionText(const OutcomeRecord& record) {
 
 }  // namespace
 
+/// Made anew: what a route had stored before it failed would read as done.
 OutcomeRecord failureRecord(const platform::Error& error) {
   return {
       {"ok", false},

@@ -19,6 +19,7 @@ std::string json(const OutcomeValue& value) {
 
 }  // namespace
 
+/// The map gives the keys in byte order, as the Mac's serialiser sorts them.
 std::string receiptJson(const OutcomeRecord& record) {
   std::string members;
   for (const auto& [key, value] : record) {
@@ -28,6 +29,7 @@ std::string receiptJson(const OutcomeRecord& record) {
   return "{\n" + members + "\n}";
 }
 
+/// With printf, because the library of the oldest Mac cannot format a date.
 std::string internetDateTime(std::chrono::system_clock::time_point time) {
   const auto day = std::chrono::floor<std::chrono::days>(time);
   const std::chrono::year_month_day date(day);
@@ -41,6 +43,7 @@ std::string internetDateTime(std::chrono::system_clock::time_point time) {
   return {text.data(), static_cast<std::size_t>(size)};
 }
 
+/// The file is named by the process, so two companions never write into one.
 void ReceiptWriter::write(OutcomeRecord& record) const {
   record["bundle"] = needs_.bundles.mainBundlePath();
   record["pid"] = std::int64_t{needs_.kernelProcesses.ownPid()};

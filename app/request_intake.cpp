@@ -9,6 +9,8 @@
 namespace tamo::RequestIntake {
 namespace {
 
+/// A URL may come from any web page, so it is held to the known names. The command line is not: an unknown
+/// name there is reported as an error.
 constexpr std::array<std::string_view, 7> acceptedActions{
     "register", "unregister", "reseat", "restart", "sync", "status", AppMove::operation,
 };
