@@ -2,6 +2,8 @@
 
 namespace tamo {
 
+/// Asked once: a copy that is moved, or replaced by another one while it runs, neither gains nor loses the
+/// right.
 bool LiveData::current() const {
   std::call_once(once_, [this] {
     current_ = LiveDataGuard::mayOpenLive(bundles_.mainBundlePath(), LiveDataGuard::realHome(user_), files_);

@@ -24,6 +24,7 @@ std::optional<std::string_view> behind(const std::string& root, std::string_view
 
 }  // namespace
 
+/// The environment is not asked: whoever starts a copy sets it as he likes.
 std::string realHome(const platform::User& user) {
   const auto entry = user.passwordEntry();
   if (!entry) return std::string(unknownHome);
@@ -40,6 +41,8 @@ std::string outerApp(std::string_view of) {
   return path.substr(0, path.rfind(helperRel));
 }
 
+/// The identifier is read from the file, as everywhere: the system's own answer may be of a bundle that stood
+/// here before.
 AppCopy appCopy(std::string_view path, std::string_view home, const platform::FileReader& files) {
   const auto outer = outerApp(path);
   return {.appPath = outer,
@@ -48,6 +51,7 @@ AppCopy appCopy(std::string_view path, std::string_view home, const platform::Fi
           .home = std::string(home)};
 }
 
+/// A path that changes when its links are resolved names the installed place without being it.
 bool mayOpenLive(const AppCopy& copy) {
   using values::canonicallyEqual;
   if (!copy.bundleID) return false;
@@ -65,6 +69,7 @@ std::string dataHome(const Access& access) {
   return access.live ? access.real : std::string(isolatedHome);
 }
 
+/// Through the parent as well, because a link there leads into the live data under another name.
 ClampedPath clampedPath(std::string_view path, const platform::FileReader& files) {
   const auto standardised = standardisedPath(path);
   const auto parent = files.resolvedPath(std::string(values::parentPath(standardised)));
@@ -73,6 +78,8 @@ ClampedPath clampedPath(std::string_view path, const platform::FileReader& files
           .viaParent = joinedPath(parent, values::lastComponent(standardised))};
 }
 
+/// In lower case, as the usual file system of a Mac compares. What is handed on keeps the spelling that it
+/// came with.
 std::string clamp(const ClampedPath& path, const Access& access) {
   if (access.live) return path.path;
   const auto root = values::lowercased(standardisedPath(joinedPath(access.real, dataRel)));

@@ -7,8 +7,11 @@
 namespace tamo::HardStop {
 namespace {
 
-bool lookFindsAlive(const Seen& first, const Operations& with) {
-  return alive(first, with.look(first.pid));
+/// One look; absent unless it finds the process alive.
+std::optional<Seen> lookFindsAlive(const Seen& first, const Operations& with) {
+  auto seen = with.look(first.pid);
+  if (!alive(first, seen)) return std::nullopt;
+  return seen;
 }
 
 /// Absent when the grace period ended with the process alive and the stop still wanted.
@@ -51,8 +54,8 @@ Outcome kill(const Seen& first, const Seen& last, const Operations& with) {
 Outcome run(const Seen& first, const Operations& operations) {
   if (auto ended = graceWatch(first, operations)) return *std::move(ended);
   // The target is chosen from this look: the process may have changed its group since the first.
-  const auto last = operations.look(first.pid);
-  if (!alive(first, last)) return Exited();
+  const auto last = lookFindsAlive(first, operations);
+  if (!last) return Exited();
   if (operations.cancelled()) return Cancelled();
   auto reason = operations.spare();
   if (!reason) return kill(first, *last, operations);

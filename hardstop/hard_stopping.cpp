@@ -33,6 +33,8 @@ struct Gathered {
   std::optional<std::uint64_t> helperStartMicros;
 };
 
+/// The print only names a pid. Whether a process is behind it is the kernel's to say, and the look gives it
+/// the identity that every later look is compared with.
 std::optional<Seen> runningCore(const Needs& needs) {
   const auto print = needs.printedJob();
   if (!print) return std::nullopt;
@@ -41,6 +43,7 @@ std::optional<Seen> runningCore(const Needs& needs) {
   return HardStop::kernel(needs.kernelProcesses, *pid);
 }
 
+/// Without a data directory there is nowhere to look, and the Core counts as not reverting.
 std::vector<std::string> revertPaths(const std::optional<std::string>& dataDirectory) {
   std::vector<std::string> paths;
   if (!dataDirectory) return paths;
@@ -49,11 +52,13 @@ std::vector<std::string> revertPaths(const std::optional<std::string>& dataDirec
   return paths;
 }
 
+/// Of the application around this helper: the Core that runs was installed with it.
 std::optional<std::string> installedBuild(const Needs& needs) {
   const auto app = LiveDataGuard::outerApp(needs.bundles.mainBundlePath());
   return platform::bundleText(needs.files, app, "CFBundleVersion");
 }
 
+/// Asked of the kernel, as the Core's start is: two stamps of one clock can be compared.
 std::optional<std::uint64_t> ownStartMicros(const platform::KernelProcesses& processes) {
   const auto own = HardStop::kernel(processes, processes.ownPid());
   if (!own) return std::nullopt;
@@ -90,6 +95,8 @@ void kill(platform::KernelProcesses& processes, std::int32_t target, bool isGrou
   }
 }
 
+/// What the watcher may do on its thread: it holds copies of what was gathered, and refers only to what any
+/// thread may ask.
 HardStop::Operations operations(const Needs& needs, const Gathered& gathered,
                                 std::shared_ptr<const StopFailed> failed) {
   auto& processes = needs.kernelProcesses;
@@ -152,6 +159,7 @@ Task<T> HardStopping::hardStopping(std::function<Task<T>()> operation, std::func
   if (!watcher) co_return co_await operation();
   const auto end = co_await settled<T>(std::move(operation));
   platform::requireMain(needs_.mainQueue, "a stop request's end");
+  // Before the watcher is awaited: what it has not decided yet can still be called off.
   if (stopFailed(end, asked)) failed->set();
   const auto outcome = co_await *watcher;
   note(outcome, first->pid, stopFailed(end, asked));
@@ -164,6 +172,8 @@ template Task<platform::Nothing> HardStopping::hardStopping(
 template Task<std::int32_t> HardStopping::hardStopping(std::function<Task<std::int32_t>()> operation,
                                                        std::function<bool(const std::int32_t&)> asked);
 
+/// The record says that the stop request failed. The log's line does not: the outcome line beside it has the
+/// error.
 void HardStopping::note(const Outcome& outcome, std::int32_t pid, bool stopFailed) {
   platform::requireMain(needs_.mainQueue, "a hard stop's note");
   const auto text = HardStop::text(outcome);

@@ -3,6 +3,7 @@
 namespace tamo::HardStop {
 namespace {
 
+/// The forms are read by people and searched for in logs, so they stay as they are.
 std::string textOf(const std::string& name, const std::string& payload, bool gone) {
   return name + "(" + payload + ", gone: " + (gone ? "true" : "false") + ")";
 }

@@ -11,6 +11,8 @@ namespace tamo {
 using platform::Nothing;
 using platform::Task;
 
+/// Service management answers on a thread of its own, or inside the call; either way the answer comes in by a
+/// turn of the main queue.
 Task<Nothing> AgentRegistration::unregister(platform::AgentService& service) {
   platform::requireMain(queue_, "unregistering the agent");
   const platform::Completion<std::optional<platform::Error>> completion(queue_);
@@ -20,6 +22,8 @@ Task<Nothing> AgentRegistration::unregister(platform::AgentService& service) {
   co_return Nothing();
 }
 
+/// Registering anew is the only way to make launchd read the bundled definition: it keeps the one that it has
+/// loaded. An agent that is not enabled has no Core to stop.
 Task<Nothing> AgentRegistration::reseat(platform::AgentService& service) {
   platform::requireMain(queue_, "reseating the agent");
   if (service.status() == AgentStatus::enabled) {

@@ -11,6 +11,7 @@ namespace {
 
 using Side = std::optional<LaunchJob::Definition>;
 
+/// Read from the file each time, because an update may have put another bundle in the place of this one.
 Side bundledDefinition(const platform::FileReader& files, const std::string& path) {
   const auto bytes = files.readWhole(path);
   return bytes ? LaunchJob::bundled(*bytes) : std::nullopt;
@@ -37,6 +38,8 @@ std::string shownTimeout(const Side& side) {
 
 }  // namespace
 
+/// Both sides are logged whatever comes of it: a reseat that did not come is asked about as often as one that
+/// did.
 bool DefinitionCheck::definitionChanged() {
   const auto relative = "Contents/Library/LaunchAgents/" + needs_.label + ".plist";
   const auto path = values::joinedPath(needs_.bundles.mainBundlePath(), relative);

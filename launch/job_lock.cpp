@@ -9,12 +9,15 @@
 namespace tamo {
 namespace {
 
+/// How long an action waits for the one before it. Then it goes on without the lock: one that hangs must not
+/// stop all that come after it.
 constexpr std::chrono::seconds lockDeadline(60);
 constexpr std::chrono::microseconds lockPoll(100'000);
 constexpr std::int32_t noLock = -1;
 
 }  // namespace
 
+/// The user's own temporary directory is closed to other users, so nobody else can hold the lock up.
 std::string JobLock::path() const {
   const auto directory = needs_.files.temporaryDirectory();
   if (!directory) values::fatal("there is no temporary directory for the job lock");

@@ -41,6 +41,7 @@ class PrintReader {
       --depth_;
       collecting_ = false;
     } else {
+      // NOLINTNEXTLINE(bugprone-unchecked-optional-access): the list is there from the line that opens it.
       arguments_->push_back(line);
     }
   }
@@ -59,6 +60,8 @@ class PrintReader {
   std::optional<std::int64_t> exitTimeout_;
 };
 
+/// As a Mac compares texts: an accent in the path of a bundle has two spellings, and both start the same
+/// program.
 bool sameTexts(const std::vector<std::string>& left, const std::vector<std::string>& right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(), values::canonicallyEqual);
 }
@@ -102,12 +105,17 @@ std::optional<Definition> bundled(std::string_view plist) {
                     .exitTimeout = exitTimeout == nullptr ? std::nullopt : values::exactInt64(*exitTimeout)};
 }
 
+/// A reseat interrupts the Core and takes it out of launchd's hands for a moment. So only a difference that
+/// is seen asks for one: what cannot be read, or what one side does not state, would ask for it again at
+/// every start.
 bool needsReseat(const std::optional<Definition>& loaded, const std::optional<Definition>& bundled) {
   if (!loaded || !bundled) return false;
   if (!sameTexts(loaded->arguments, bundled->arguments)) return true;
   return loaded->exitTimeout && bundled->exitTimeout && *loaded->exitTimeout != *bundled->exitTimeout;
 }
 
+/// The arguments of a process that runs tell by which definition it was started; its exit timeout shows
+/// nowhere.
 bool staleLaunch(const std::vector<std::string>& arguments, const std::optional<Definition>& bundled) {
   if (!bundled || arguments.empty()) return false;
   return !sameTexts(arguments, bundled->arguments);

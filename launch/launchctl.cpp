@@ -11,9 +11,13 @@ namespace tamo {
 namespace {
 
 constexpr const char* launchctlPath = "/bin/launchctl";
+/// A launchctl that hangs counts as one that failed after this time: the action, which holds the job lock,
+/// goes on.
 constexpr std::chrono::seconds launchctlDeadline(5);
 constexpr std::chrono::microseconds launchctlPoll(50'000);
+/// No exit status is negative.
 constexpr std::int32_t notFinished = -1;
+/// Stands for the null device.
 constexpr int discarded = -1;
 
 /// Removes a file at the end of a scope, however that is left. A failure to remove it is ignored: the next
@@ -38,6 +42,7 @@ void waitInSteps(platform::Tool& tool, platform::Clock& clock) {
     clock.sleep(launchctlPoll);
 }
 
+/// One byte that is no UTF-8 spoils the whole text: what a reader made of the rest would be a guess.
 std::optional<std::string> utf8Text(const platform::Files& files, const std::string& path) {
   auto bytes = files.readWhole(path);
   if (!bytes || !values::isUtf8(*bytes)) return std::nullopt;
@@ -46,6 +51,7 @@ std::optional<std::string> utf8Text(const platform::Files& files, const std::str
 
 }  // namespace
 
+/// The agent lives in the domain of its user's graphical session.
 std::string Launchctl::jobTarget() const {
   return "gui/" + std::to_string(needs_.user.realUserID()) + "/" + needs_.label;
 }
@@ -63,6 +69,8 @@ std::int32_t Launchctl::launchctl(const std::vector<std::string>& arguments, int
   return tool->wait();
 }
 
+/// launchctl prints into a file. From a pipe somebody would have to read while it runs, and one that hangs
+/// would hold the pipe open.
 std::optional<PrintResult> Launchctl::printJob() {
   const auto directory = needs_.files.temporaryDirectory();
   if (!directory) return std::nullopt;
@@ -82,6 +90,7 @@ bool Launchctl::jobRunning() {
   return tamo::jobRunning(printJob());
 }
 
+/// With -k launchd ends a running job first and starts it again; without it a running job is left alone.
 std::int32_t Launchctl::kickstart(Kickstart how) {
   std::vector<std::string> arguments{"kickstart"};
   if (how.kill) arguments.emplace_back("-k");

@@ -8,6 +8,8 @@
 namespace tamo {
 namespace {
 
+/// At any depth, unlike the pid of a hard stop: nobody is signalled by it, and a pid anywhere means that
+/// something runs.
 bool hasPidLine(std::string_view text) {
   std::optional rest(text);
   while (rest) {
@@ -17,6 +19,7 @@ bool hasPidLine(std::string_view text) {
   return false;
 }
 
+/// So macOS 26 opens the dictionaries of the launch constraint that it prints in front of the pid.
 constexpr std::string_view quotedOpener = "\" => {";
 
 /// How many blocks are open behind a line, of a quoted block and those within it; none outside of one.
@@ -28,12 +31,15 @@ std::size_t openBehind(std::string_view line, std::size_t open) {
 
 }  // namespace
 
+/// Every doubt counts as a yes: a no leads to a reseat, which would interrupt a Core that runs. A no is
+/// launchctl's own status for a job that is not loaded, and a whole print without a pid.
 bool jobRunning(const std::optional<PrintResult>& print) {
   if (!print) return true;
   if (print->code != 0) return print->code != jobNotFound;
   return !print->text || hasPidLine(*print->text);
 }
 
+/// Most prints have none, and come back as they are.
 std::string withoutQuotedBlocks(std::string text) {
   if (!text.contains(quotedOpener)) return text;
   std::string kept;

@@ -37,6 +37,8 @@ constexpr std::array wordings{
 constexpr std::string_view otherwise =
     "Tamo couldn’t move itself. Show it in Finder and drag it into Applications.";
 
+/// The system runs a copy with the mark of a download from a read-only place of its own, which has this name
+/// in its path.
 bool isTranslocated(std::string_view path) {
   return path.contains("/AppTranslocation/");
 }
@@ -63,6 +65,8 @@ bool needed(std::string_view path, std::string_view home, const platform::FileRe
   return needed(LiveDataGuard::appCopy(path, home, files));
 }
 
+/// Where one of the builds cannot be read, the installed copy may be the newer one; it is opened rather than
+/// thrown away.
 Plan plan(const Builds& builds) {
   if (!builds.installedExists) return Plan::copy;
   if (!builds.source || !builds.installed) return Plan::openInstalled;
@@ -84,11 +88,13 @@ Result resultOf(std::string_view code) {
   return {.ok = code == Code::moved || code == Code::opened, .code = std::string(code)};
 }
 
+/// Written by hand, because the order of the members is a part of the form.
 std::string encoded(const Result& result) {
   const std::string ok = result.ok ? "true" : "false";
   return R"({"ok":)" + ok + R"(,"code":)" + values::jsonString(result.code) + "}";
 }
 
+/// In the container of the application that moves: in its sandbox it can read nothing else.
 std::string resultURL(std::string_view home, std::string_view bundleID) {
   const auto container =
       std::string("Library/Containers/").append(bundleID).append("/Data/Library/Application Support/Tamo");
@@ -106,6 +112,8 @@ std::optional<std::string> originalURL(const std::string& of, const platform::Bu
   return bundles.originalLocation(of);
 }
 
+/// A translocated copy lies in a place that is not the user's to clear; if its original is not known, none is
+/// cleared. What lies at the destination is the copy that was just made.
 std::optional<std::string> oldCopy(std::string_view here, const std::optional<std::string>& original) {
   if (!original && isTranslocated(here)) return std::nullopt;
   auto old = original ? *original : std::string(here);
@@ -113,6 +121,7 @@ std::optional<std::string> oldCopy(std::string_view here, const std::optional<st
   return old;
 }
 
+/// By identifier and place, for other copies of the same application may run beside this one and stay.
 bool isCopy(const RunningCopy& copy, const platform::RunningApplication& application) {
   if (!application.bundleIdentifier || !application.bundlePath) return false;
   return values::canonicallyEqual(*application.bundleIdentifier, copy.bundleID) &&

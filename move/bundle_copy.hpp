@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "launch/process_runner.hpp"
 #include "platform/files.hpp"
@@ -21,7 +20,7 @@ class BundleCopy {
     const platform::UserFiles& userFiles;
   };
 
-  explicit BundleCopy(Needs needs) : needs_(std::move(needs)) {}
+  explicit BundleCopy(Needs needs) : needs_(needs) {}
 
   /// Both paths are absolute and standardised. Blocks without limit while the tools run, the time at the
   /// administrator prompt among it. Gives "moved", "copy_failed", "cancelled" or "not_writable"; never raises.

@@ -17,6 +17,8 @@ using platform::Task;
 
 namespace {
 
+/// An old copy may ask its user about unsaved work; after this it may stay, and the installed one is opened
+/// all the same.
 constexpr std::chrono::seconds quitLimit{30};
 constexpr std::chrono::milliseconds quitPoll{250};
 
@@ -69,6 +71,7 @@ bool MoveToApplications::putInPlace(const AppMove::RunningCopy& copy) {
   return result.ok;
 }
 
+/// The build of what is installed is read only where something is.
 AppMove::Plan MoveToApplications::planFor(const std::string& here) const {
   const bool exists = needs_.files.exists(installedApp());
   const auto source = AppMove::build(needs_.files, here);
@@ -76,6 +79,7 @@ AppMove::Plan MoveToApplications::planFor(const std::string& here) const {
   return AppMove::plan({.source = source, .installed = installed, .installedExists = exists});
 }
 
+/// An older copy that cannot be taken away is not copied over: ditto would mix the two.
 std::string_view MoveToApplications::install(const std::string& here) {
   const auto plan = planFor(here);
   if (plan == AppMove::Plan::openInstalled) return AppMove::Code::opened;
