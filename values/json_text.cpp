@@ -25,6 +25,7 @@ char shortEscape(char character) {
   }
 }
 
+/// As the Mac's own serialiser writes: a "/" is escaped, and what lies beyond ASCII stands as it is.
 void append(std::string& json, char character) {
   constexpr std::string_view digits = "0123456789abcdef";
   const auto byte = static_cast<unsigned char>(character);

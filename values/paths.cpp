@@ -6,6 +6,7 @@
 namespace tamo::values {
 namespace {
 
+/// What lies above the root is the root.
 void apply(std::vector<std::string_view>& kept, std::string_view component) {
   if (component.empty() || component == ".") return;
   if (component != "..") {
@@ -17,6 +18,8 @@ void apply(std::vector<std::string_view>& kept, std::string_view component) {
 
 }  // namespace
 
+/// By the text alone. A Mac resolves links first where a ".." occurs; here the answer never depends on what
+/// exists at the moment.
 std::string standardisedPath(std::string_view path) {
   std::vector<std::string_view> kept;
   for (std::size_t start = 0; start <= path.size();) {
@@ -30,6 +33,7 @@ std::string standardisedPath(std::string_view path) {
   return result.empty() ? "/" : result;
 }
 
+/// With one "/" between the two, however many they bring: the directory may be the root.
 std::string joinedPath(std::string_view directory, std::string_view relative) {
   const auto end = directory.find_last_not_of('/');
   const auto start = relative.find_first_not_of('/');

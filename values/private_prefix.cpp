@@ -10,12 +10,15 @@ namespace {
 
 constexpr std::string_view prefix = "/private";
 
+/// What macOS never shortens a path to, the folders of the system and of its users.
 constexpr std::array<std::string_view, 11> systemFolders{"/Applications", "/Library", "/System", "/Users",
                                                          "/Volumes",      "/bin",     "/cores",  "/dev",
                                                          "/opt",          "/sbin",    "/usr"};
 
+/// The root's own links into /private, the same on every Mac.
 constexpr std::array<std::string_view, 3> linkedFolders{"/tmp", "/var", "/etc"};
 
+/// By whole names: "/usr" is not around "/usrlocal".
 bool isWithin(std::string_view path, std::string_view folder) {
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }

@@ -11,10 +11,12 @@ const PropertyList* PropertyList::entry(const std::string& key) const {
   return found == entries->end() ? nullptr : &found->second;
 }
 
+/// A real without a fraction counts, as it does for a Mac's numbers. A text that looks like a number is none.
 std::optional<std::int64_t> exactInt64(const PropertyList& list) {
   if (const auto* integer = std::get_if<std::int64_t>(&list.value)) return *integer;
   const auto* real = std::get_if<double>(&list.value);
   if (real == nullptr) return std::nullopt;
+  // The largest signed integer is no double, but the number above it is; so the range is open there.
   constexpr double twoTo63 = 9223372036854775808.0;
   const bool inRange = *real >= -twoTo63 && *real < twoTo63;
   if (!inRange || std::trunc(*real) != *real) return std::nullopt;

@@ -19,24 +19,26 @@ bool isAscii(char character) {
   return static_cast<unsigned char>(character) < 0x80;
 }
 
+/// Most texts begin and end with a character of ASCII, which spares the look at the table.
 std::size_t blankAtFront(std::string_view text) {
   if (isBlank(text.front())) return 1;
   if (isAscii(text.front())) return 0;
-  const auto found = std::find_if(wideSpaces.begin(), wideSpaces.end(),
-                                  [text](std::string_view space) { return text.starts_with(space); });
+  const auto* found =
+      std::ranges::find_if(wideSpaces, [text](std::string_view space) { return text.starts_with(space); });
   return found == wideSpaces.end() ? 0 : found->size();
 }
 
 std::size_t blankAtBack(std::string_view text) {
   if (isBlank(text.back())) return 1;
   if (isAscii(text.back())) return 0;
-  const auto found = std::find_if(wideSpaces.begin(), wideSpaces.end(),
-                                  [text](std::string_view space) { return text.ends_with(space); });
+  const auto* found =
+      std::ranges::find_if(wideSpaces, [text](std::string_view space) { return text.ends_with(space); });
   return found == wideSpaces.end() ? 0 : found->size();
 }
 
 template <class Integer>
 std::optional<Integer> decimal(std::string_view text) {
+  // The library reads a minus and no plus. Behind a plus, a minus would be a second sign.
   if (text.starts_with('+')) {
     text.remove_prefix(1);
     if (text.starts_with('-')) return std::nullopt;
@@ -80,8 +82,10 @@ Part firstPart(std::string_view bytes) {
   auto low = sequence->low;
   auto high = sequence->high;
   for (std::size_t follower = 1; follower <= sequence->followers; ++follower) {
+    // A byte that is missing is in nobody's range.
     const auto byte = follower < bytes.size() ? static_cast<unsigned char>(bytes[follower]) : 0;
     if (byte < low || byte > high) return {follower, false};
+    // Only the first follower has a range of its own.
     low = 0x80;
     high = 0xBF;
   }
@@ -111,7 +115,7 @@ std::string_view trimmed(std::string_view text, char character) {
 }
 
 std::string_view takeLine(std::optional<std::string_view>& rest) {
-  const auto text = *rest;
+  const auto text = rest.value_or("");
   const auto end = text.find('\n');
   if (end == std::string_view::npos) {
     rest.reset();
@@ -138,6 +142,7 @@ std::string_view utf8Prefix(std::string_view bytes) {
   return bytes.substr(0, size);
 }
 
+/// Strict, as a Mac reads a file as a text: one wrong byte, and there is none.
 bool isUtf8(std::string_view bytes) {
   return utf8Prefix(bytes).size() == bytes.size();
 }

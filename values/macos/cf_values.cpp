@@ -19,6 +19,7 @@ std::uint32_t takeCodePoint(std::string_view& text) {
   return point;
 }
 
+/// Beyond the basic plane a character is two units.
 std::vector<UniChar> utf16(std::string_view text) {
   std::vector<UniChar> units;
   while (!text.empty()) {
@@ -43,6 +44,7 @@ Owned<CFStringRef> cfText(std::string_view text) {
 std::optional<std::string> textOf(CFStringRef string) {
   if (string == nullptr) return std::nullopt;
   const auto whole = CFRangeMake(0, CFStringGetLength(string));
+  // Asked twice, for the size and for the bytes.
   const auto write = [&](UInt8* bytes, CFIndex room) {
     CFIndex size = 0;
     CFStringGetBytes(string, whole, kCFStringEncodingUTF8, '?', /*isExternal*/ false, bytes, room, &size);

@@ -67,6 +67,7 @@ std::optional<PropertyList> arrayOf(plist_t node) {
   return PropertyList{std::move(items)};
 }
 
+/// The library gives the iterator and each key away: both are memory of malloc's.
 std::optional<PropertyList> dictionaryOf(plist_t node) {
   PropertyList::Dictionary entries;
   void* iterator = nullptr;
@@ -80,6 +81,7 @@ std::optional<PropertyList> dictionaryOf(plist_t node) {
     const std::unique_ptr<char, FreeMemory> ownedKey(key);
     auto value = child == nullptr ? std::nullopt : valueOf(child);
     if (key == nullptr || !value) return std::nullopt;
+    // Of a key that comes twice the first value counts, as on a Mac.
     entries.try_emplace(key, std::move(*value));
   }
   return PropertyList{std::move(entries)};
@@ -106,6 +108,8 @@ std::optional<PropertyList> valueOf(plist_t node) {
 
 }  // namespace
 
+/// The shape is looked at before the library is asked, because the library believes what a list says of its
+/// own sizes.
 std::optional<PropertyList> readBinaryPropertyList(std::string_view bytes) {
   if (!binaryListIsSound(bytes)) return std::nullopt;
   plist_t root = nullptr;

@@ -44,6 +44,8 @@ class Walk {
     return value;
   }
 
+  /// Whether a number of `width` bytes can be as large as `limit`. A table whose numbers cannot name all that
+  /// it counts is refused by macOS.
   [[nodiscard]] static bool reaches(std::uint64_t width, std::uint64_t limit) {
     return width >= 8 || limit < std::uint64_t{1} << 8U * width;
   }
@@ -75,6 +77,8 @@ class Walk {
     return number(bytes_, objects_.size() + object * offsetSize_, offsetSize_);
   }
 
+  /// Each object is looked at once for every time that it is named, because that is how often the library
+  /// would copy it; the limits end what refers to itself.
   [[nodiscard]] bool objectIsSound(std::uint64_t object, std::size_t depth) {
     if (depth > deepestNesting || ++values_ > mostValues) return false;
     const auto at = offset(object).value_or(0);
@@ -136,6 +140,7 @@ class Walk {
     return inside;
   }
 
+  /// The library cuts a text at a zero and hands out the bytes beyond ASCII as they are, which is no UTF-8.
   [[nodiscard]] bool textIsSound(std::uint64_t at, std::uint64_t detail) const {
     const auto inside = contents(at, detail, 1);
     if (!inside) return false;

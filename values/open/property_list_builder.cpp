@@ -16,6 +16,8 @@ bool isAscii(char character) {
 
 }  // namespace
 
+/// Counted before it is built, so that a list that is too deep or too large is given up where it becomes so.
+/// A Mac takes an empty date and empty data for faults.
 bool PropertyListBuilder::begin(std::string_view name, bool isEmpty) {
   const auto element = elementNamed(name);
   if (!element || open_.size() > deepestNesting || !mayBegin(*element)) return false;
@@ -29,6 +31,8 @@ bool PropertyListBuilder::begin(std::string_view name, bool isEmpty) {
   return true;
 }
 
+/// Around the elements of a container there is white space and nothing else. Data is not decoded, because
+/// nobody asks for it.
 bool PropertyListBuilder::text(std::string_view piece) {
   auto& open = open_.back();
   if (isContainer(open.element)) return piece.find_first_not_of(" \t\n\r") == std::string_view::npos;
@@ -43,6 +47,7 @@ bool PropertyListBuilder::reference(std::string_view character) {
   return takesAnySpelling(open.element) || open.element == Element::Data;
 }
 
+/// A Mac takes integers and dates from the document as they are written, and finds none in a literal part.
 bool PropertyListBuilder::literal() const {
   return takesAnySpelling(open_.back().element);
 }
@@ -51,6 +56,7 @@ bool PropertyListBuilder::aside() const {
   return open_.empty() || isContainer(open_.back().element);
 }
 
+/// A key is kept until its value has ended, which is what puts both into the dictionary.
 bool PropertyListBuilder::end() {
   auto open = std::move(open_.back());
   open_.pop_back();
@@ -82,6 +88,8 @@ auto PropertyListBuilder::elementNamed(std::string_view name) -> std::optional<E
   return found->second;
 }
 
+/// In a dictionary a key and a value take turns. <plist> is around everything, holds one value, and occurs
+/// once.
 bool PropertyListBuilder::mayBegin(Element element) const {
   if (open_.empty()) return element == Element::Plist;
   if (element == Element::Plist) return false;
@@ -101,6 +109,7 @@ bool PropertyListBuilder::mayBegin(Element element) const {
 std::optional<PropertyList> PropertyListBuilder::valueOf(Open open) {
   switch (open.element) {
     case Element::Dict:
+      // The last key has no value.
       if (open.key) return std::nullopt;
       return std::move(open.list);
     case Element::Plist:
@@ -136,6 +145,7 @@ void PropertyListBuilder::put(PropertyList value) {
     std::get<PropertyList::Array>(parent.list->value).push_back(std::move(value));
   } else {
     auto& entries = std::get<PropertyList::Dictionary>(parent.list->value);
+    // Of a key that comes twice the last value counts, as on a Mac.
     entries.insert_or_assign(std::move(*parent.key), std::move(value));
     parent.key.reset();
   }

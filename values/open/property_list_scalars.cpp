@@ -28,6 +28,7 @@ bool takeMinus(std::string_view& text) {
   return minus;
 }
 
+/// The library's reading takes no "0x", and, unlike that of C, no leading zero for an octal number.
 std::optional<std::uint64_t> magnitude(std::string_view number) {
   int base = 10;
   if (number.starts_with("0x") || number.starts_with("0X")) {
@@ -41,6 +42,7 @@ std::optional<std::uint64_t> magnitude(std::string_view number) {
   return value;
 }
 
+/// Negated as it is unsigned: the smallest integer has no positive counterpart.
 std::optional<PropertyList> negated(std::uint64_t value) {
   constexpr std::uint64_t largest = std::uint64_t{1} << 63U;
   if (value > largest) return std::nullopt;
@@ -63,6 +65,7 @@ constexpr std::array namedReals{
     NamedReal{"-infinity", -infinity},
 };
 
+/// Not by the locale, which the process may have inherited from anywhere.
 char asciiLower(char character) {
   return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
 }

@@ -18,7 +18,7 @@ struct Scalar {
 };
 
 const utf8proc_uint8_t* bytesOf(std::string_view text) {
-  return static_cast<const utf8proc_uint8_t*>(static_cast<const void*>(text.data()));
+  return reinterpret_cast<const utf8proc_uint8_t*>(text.data());
 }
 
 Scalar firstScalar(std::string_view text) {
@@ -45,6 +45,8 @@ void appendLowercased(std::string& text, utf8proc_int32_t codePoint) {
   }
 }
 
+/// Two texts are canonically equal when they are the same once every character is taken apart and the marks
+/// are put in order.
 std::string decomposed(std::string_view text) {
   utf8proc_uint8_t* raw = nullptr;
   const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_STABLE);
@@ -56,6 +58,7 @@ std::string decomposed(std::string_view text) {
 
 }  // namespace
 
+/// Byte by byte where there is no character: a path need not be UTF-8 to be looked at.
 std::string lowercased(std::string_view text) {
   std::string result;
   result.reserve(text.size());

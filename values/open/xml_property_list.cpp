@@ -64,6 +64,7 @@ class Reading {
     return value != nullptr && std::string_view(value).find_first_of(brackets) != std::string_view::npos;
   }
 
+  /// A Mac ends an element at its first ">", also in the value of an attribute, and reads the rest as text.
   bool takeBegin(const XML_Char* name, const XML_Char** attributes) {
     for (; *attributes != nullptr; ++attributes)
       if (holdsOneOf(">", *attributes)) return false;
@@ -94,6 +95,7 @@ class Reading {
   static void onInstruction(void* data, const XML_Char* /*target*/, const XML_Char* /*text*/) noexcept {
     of(data).proceed([data] { return of(data).builder_.aside(); });
   }
+  /// Declarations within the document could define entities, one out of many others, that grow without bound.
   static void onDocumentType(void* data, const XML_Char* /*name*/, const XML_Char* systemId,
                              const XML_Char* /*publicId*/, int hasDeclarations) noexcept {
     if (hasDeclarations != 0 || holdsOneOf(">[", systemId)) refuse(data);
