@@ -12,6 +12,7 @@ std::optional<values::PropertyList> bundleInfo(const FileReader& files, const st
   return list;
 }
 
+/// A value of another kind is not turned into a text: who reads it would compare what nobody wrote.
 std::optional<std::string> bundleText(const FileReader& files, const std::string& appPath,
                                       const std::string& key) {
   const auto info = bundleInfo(files, appPath);

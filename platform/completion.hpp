@@ -88,6 +88,7 @@ class Completion<T>::Awaiter {
   }
   T await_resume() {
     const std::lock_guard hold(shared_->lock);
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): only a delivery resumes.
     return std::move(*shared_->value);
   }
 

@@ -3,6 +3,7 @@
 namespace tamo::platform {
 namespace {
 
+/// Not a domain of the system's, so that nobody looks the code up there.
 constexpr auto ownDomain = "TamoPlatform";
 constexpr std::int64_t unexplained = 1;
 

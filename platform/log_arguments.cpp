@@ -26,6 +26,8 @@ Integer integerAt(const LogLine& line, std::size_t at) {
 
 }  // namespace
 
+/// What the system's logging takes, which are the types of C. Each is looked at, because nobody else would
+/// notice a wrong one: the format is a literal, but the line is put together elsewhere.
 const char* logText(const LogLine& line, std::size_t at) {
   return kindAt<std::string>(line, at).c_str();
 }
@@ -38,6 +40,7 @@ long logLong(const LogLine& line, std::size_t at) {
   return integerAt<long>(line, at);
 }
 
+/// A truth value travels as an int, as everything small does through the arguments of C.
 int logTruth(const LogLine& line, std::size_t at) {
   return kindAt<bool>(line, at) ? 1 : 0;
 }

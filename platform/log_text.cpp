@@ -29,6 +29,8 @@ const LogPlaceholder& placeholderOf(std::string_view rest) {
                                [rest](const auto& known) { return rest.starts_with(known.text); });
 }
 
+/// The same that the Mac's log shows. An argument of another kind is a mistake of the program's, and nothing
+/// that a user could cause.
 std::string shown(const LogArgument& argument, LogTakes takes) {
   if (const auto* text = std::get_if<std::string>(&argument); text != nullptr && takes == LogTakes::Text)
     return *text;
@@ -50,6 +52,7 @@ std::string_view formatText(LogFormat format) {
   return entry(format).text;
 }
 
+/// Every "%" of a format begins a known placeholder: that is looked at when the program is compiled.
 std::vector<LogPiece> pieces(const LogLine& line) {
   const auto& format = entry(line.format);
   if (line.arguments.size() != format.placeholders.count) values::fatal("a log line does not fit its format");

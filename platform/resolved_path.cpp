@@ -5,6 +5,8 @@
 
 namespace tamo::platform {
 
+/// The links first, then the text: what a ".." leads out of is known only when no link is left. The prefix
+/// comes last, because it takes a look at what is there.
 std::string resolvedPath(const std::string& path, const WithoutLinks& withoutLinks) {
   const auto sameItem = [&withoutLinks](const std::string& left, const std::string& right) {
     const auto item = withoutLinks(left);

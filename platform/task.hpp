@@ -79,6 +79,7 @@ class Task<T>::Promise {
   void resumesAtEnd(std::coroutine_handle<> continuation) { continuation_ = continuation; }
   T take() {
     if (failure_) std::rethrow_exception(failure_);
+    // NOLINTNEXTLINE(bugprone-unchecked-optional-access): what ended without a failure has given its value.
     return std::move(*value_);
   }
 

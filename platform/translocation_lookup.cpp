@@ -5,6 +5,8 @@
 namespace tamo::platform {
 namespace {
 
+/// The function is not declared in any header of the system and may be gone in its next version; so it is
+/// looked for by its name.
 constexpr auto securityLibrary = "/System/Library/Frameworks/Security.framework/Security";
 constexpr auto originalPathFunction = "SecTranslocateCreateOriginalPathForURL";
 /// Symbols are bound when they are first used, not all at once.

@@ -8,6 +8,7 @@ NSString* foundationText(std::string_view text) {
   return CFBridgingRelease(values::macos::cfText(text).release());
 }
 
+/// An empty path would stand for the current directory.
 NSURL* fileURL(std::string_view path) {
   NSString* text = foundationText(path);
   return text.length == 0 ? nil : [NSURL fileURLWithPath:text];
@@ -21,6 +22,7 @@ std::optional<std::string> pathOf(NSURL* url) {
   return textOf(url.path);
 }
 
+/// Copied out of the object, which belongs to an autorelease pool of the thread that got it.
 std::optional<platform::ErrorReport> reportOf(NSError* error) {
   if (error == nil) return std::nullopt;
   return platform::ErrorReport{

@@ -51,6 +51,7 @@ class MacAgentService final : public platform::AgentService {
 std::unique_ptr<platform::AgentService> MacAgentServices::agent(const std::string& plistName) {
   @autoreleasepool {
     NSString* name = foundationText(plistName);
+    // The name is the product's own constant, so it is a text.
     if (name == nil) values::fatal("the name of an agent's property list is no text");
     return std::make_unique<MacAgentService>([SMAppService agentServiceWithPlistName:name]);
   }

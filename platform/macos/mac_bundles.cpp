@@ -22,6 +22,8 @@ using CreateOriginalPath = CFURLRef (*)(CFURLRef, CFErrorRef*);
 
 }  // namespace
 
+/// Of the bundle as it was launched: a link on the way is not resolved, and a translocated copy shows its
+/// temporary place.
 std::string MacBundles::mainBundlePath() const {
   auto* bundle = CFBundleGetMainBundle();
   const values::macos::Owned<CFURLRef> url(bundle == nullptr ? nullptr : CFBundleCopyBundleURL(bundle));

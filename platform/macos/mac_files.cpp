@@ -28,6 +28,7 @@ bool MacFiles::writeAtomically(const std::string& path, std::string_view bytes) 
   return posix::writeAtomically(path, bytes);
 }
 
+/// A ".." goes by the text, as in every other path, and not by where a link leads.
 bool MacFiles::createDirectories(const std::string& path) {
   return posix::createDirectories(values::standardisedPath(path));
 }

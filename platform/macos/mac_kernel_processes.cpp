@@ -9,6 +9,8 @@
 namespace tamo::macos {
 namespace {
 
+/// The record as the kernel fills it in. A header that says otherwise is of a system that this was not
+/// written for.
 constexpr int recordSize = 136;
 static_assert(sizeof(proc_bsdinfo) == recordSize);
 static_assert(PROC_PIDTBSDINFO == 3);
@@ -16,6 +18,7 @@ static_assert(SZOMB == 5);
 
 }  // namespace
 
+/// Anything but a whole record means that there is no such process, or none that this user may ask about.
 std::optional<platform::ProcessInfo> MacKernelProcesses::info(std::int32_t pid) const {
   proc_bsdinfo record{};
   const int written = ::proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &record, recordSize);
@@ -34,6 +37,7 @@ std::int32_t MacKernelProcesses::ownGroup() const {
   return ::getpgrp();
 }
 
+/// A process that is gone by now is what was wanted, so the answer is not looked at.
 void MacKernelProcesses::kill(std::int32_t pid) {
   static_cast<void>(::kill(pid, SIGKILL));
 }

@@ -18,6 +18,8 @@ class MacLogger final : public platform::Logger {
  public:
   explicit MacLogger(os_log_t channel) : channel_(channel) {}
 
+  // The system's log keeps the format apart from the arguments, in the program itself; so each line is a
+  // literal of its own at its own call.
   void write(const platform::LogLine& line) override {
     switch (line.format) {
 #define TAMO_LOG_CASE(name, level, format)                                                                 \

@@ -37,6 +37,7 @@ void MacMainQueue::post(Work work) {
 void MacMainQueue::postAfter(std::chrono::nanoseconds delay, Work work) {
   platform::requireMain(*this, "delayed work");
   const auto atLeastNow = std::max(delay, std::chrono::nanoseconds::zero());
+  // This clock cannot be set. It stands still while the machine sleeps, which only prolongs the delay.
   const auto due = dispatch_time(DISPATCH_TIME_NOW, atLeastNow.count());
   dispatch_after_f(due, dispatch_get_main_queue(), carriedOf(std::move(work)), &runWork);
 }

@@ -9,6 +9,8 @@ bool MacUserFiles::isWritable(const std::string& path) const {
   return platform::posix::isWritable(path);
 }
 
+/// The system gives it another name there when its own is taken. Which one, nobody asks, and why it failed
+/// neither.
 bool MacUserFiles::moveToTrash(const std::string& path) {
   @autoreleasepool {
     NSURL* url = fileURL(path);

@@ -18,6 +18,8 @@ void failLater(const MacWorkspace::Completion& deliver) {
 
 }  // namespace
 
+/// The list changes only while the main loop turns (NSWorkspace.h), so whoever waits for a change has to let
+/// it turn. Both values may be missing.
 std::vector<platform::RunningApplication> MacWorkspace::runningApplications() {
   @autoreleasepool {
     std::vector<platform::RunningApplication> applications;

@@ -8,6 +8,8 @@
 
 namespace tamo::platform {
 
+/// What is beyond the limit is read as well, and dropped: a writer whose pipe is full waits, and would never
+/// end.
 std::optional<std::string> readToEnd(int descriptor, std::size_t limit) {
   std::string kept;
   std::array<char, 65536> portion;
@@ -19,6 +21,7 @@ std::optional<std::string> readToEnd(int descriptor, std::size_t limit) {
   }
 }
 
+/// A call may take less than it is given, as a pipe that is nearly full does.
 bool writeAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     const auto count = uninterrupted([&] { return ::write(descriptor, bytes.data(), bytes.size()); });

@@ -47,6 +47,8 @@ std::optional<mode_t> modeToKeep(const std::string& path) {
 /// A file that is removed again unless it has been moved to its place.
 class TemporaryFile {
  public:
+  /// Made by this call or not at all: a file or a link that lies there under the name is never written
+  /// through.
   explicit TemporaryFile(const std::string& folder) {
     do {
       path_ = values::joinedPath(folder, nextName());
@@ -60,6 +62,8 @@ class TemporaryFile {
     if (!placed_) ::unlink(path_.c_str());
   }
 
+  /// On the disk before it gets its name: after a power failure, the name would otherwise lead to an empty
+  /// file.
   [[nodiscard]] bool holds(std::string_view bytes, std::optional<mode_t> mode) {
     if (!opened_ || !writeAll(opened_.get(), bytes)) return false;
     if (mode && ::fchmod(opened_.get(), *mode) != 0) return false;
@@ -90,6 +94,8 @@ bool exists(const std::string& path) {
   return ::stat(path.c_str(), &found) == 0;
 }
 
+/// access() judges by the real user, who is the one to write, and says no on a volume that cannot be written
+/// to.
 bool isWritable(const std::string& path) {
   return ::access(path.c_str(), W_OK) == 0;
 }
@@ -115,17 +121,20 @@ bool writeAtomically(const std::string& path, std::string_view bytes) {
   return file.holds(bytes, modeToKeep(path)) && file.moveTo(path);
 }
 
+/// Neither made nor emptied here: who asks has put the file there.
 std::unique_ptr<OutputFile> openForWriting(const std::string& path) {
   Descriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
   if (!opened) return nullptr;
   return std::make_unique<PosixOutputFile>(std::move(opened));
 }
 
+/// Another process may make the same one at the same time, so its being there counts, not the call.
 bool createDirectory(const std::string& path) {
   if (::mkdir(path.c_str(), 0777) == 0) return true;
   return errno == EEXIST && isDirectory(path);
 }
 
+/// From below, because mostly everything is there and one call tells so.
 bool createDirectories(const std::string& path) {
   if (createDirectory(path)) return true;
   if (errno != ENOENT || path.empty() || path == "/") return false;

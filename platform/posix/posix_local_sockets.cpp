@@ -7,6 +7,7 @@
 
 namespace tamo::platform {
 
+/// The closing zero has to fit, too. A path that is cut would lead to another socket.
 std::optional<sockaddr_un> socketAddress(const std::string& path) {
   sockaddr_un address{};
   if (path.size() >= sizeof address.sun_path) return std::nullopt;
@@ -15,6 +16,7 @@ std::optional<sockaddr_un> socketAddress(const std::string& path) {
   return address;
 }
 
+/// A Mac's call has no flag for closing on exec, so that is set by another.
 Descriptor localStreamSocket() {
   Descriptor made(::socket(AF_UNIX, SOCK_STREAM, 0));
   if (made) ::fcntl(made.get(), F_SETFD, FD_CLOEXEC);
@@ -31,6 +33,7 @@ Descriptor connectedTo(const std::string& path) {
   return made;
 }
 
+/// A file at the path tells nothing: a process that was killed leaves its socket behind. So it is tried.
 bool PosixLocalSockets::accepts(const std::string& path) {
   return static_cast<bool>(connectedTo(path));
 }

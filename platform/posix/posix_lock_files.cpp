@@ -8,6 +8,7 @@
 
 namespace tamo::platform {
 
+/// A link that was planted under the name is not followed, and no tool inherits the lock.
 int PosixLockFiles::open(const std::string& path) {
   return uninterrupted([&] { return ::open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600); });
 }

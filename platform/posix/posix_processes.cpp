@@ -16,6 +16,9 @@
 namespace tamo::platform {
 namespace {
 
+/// Of a child that somebody else has waited for.
+constexpr std::int32_t unknownStatus = -1;
+
 struct Pipe {
   Descriptor reading;
   Descriptor writing;
@@ -34,6 +37,7 @@ std::optional<Pipe> openPipe() {
   return moved;
 }
 
+/// The number of a signal as it is: a Mac's own class for tools tells it so, where a shell would add 128.
 std::int32_t statusFrom(int waited) {
   return WIFSIGNALED(waited) ? WTERMSIG(waited) : WEXITSTATUS(waited);
 }
@@ -52,7 +56,7 @@ class PosixTool final : public Tool {
   }
   [[nodiscard]] std::int32_t wait() override {
     if (!status_) look(0);
-    return *status_;
+    return status_.value_or(unknownStatus);
   }
   // Before the reaping the pid belongs to this child, if only as a zombie; after it, to anybody.
   void terminate() override {
@@ -69,7 +73,7 @@ class PosixTool final : public Tool {
     int waited = 0;
     const auto found = uninterrupted([&] { return ::waitpid(child_, &waited, options); });
     // Whoever else reaped it has its status, and from now on its pid may be anybody's.
-    if (found < 0) status_ = -1;
+    if (found < 0) status_ = unknownStatus;
     if (found == child_) status_ = statusFrom(waited);
   }
 
@@ -94,6 +98,7 @@ std::unique_ptr<Tool> PosixProcesses::start(const ToolLaunch& launch) {
   return start(launch, launch.path);
 }
 
+/// Each start is an occasion to reap those that nobody waited for.
 std::unique_ptr<Tool> PosixProcesses::start(const ToolLaunch& launch, const std::string& executable) {
   leftovers_.reap();
   std::optional<Pipe> errors;

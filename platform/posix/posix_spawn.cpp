@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "platform/posix/argument_vector.hpp"
 #include "platform/posix/host_differences.hpp"
 
 namespace tamo::platform {
@@ -70,17 +71,9 @@ class Attributes {
   bool made_ = false;
 };
 
-/// The argument vector in the form that exec takes. It points into the strings it was made of.
-std::vector<char*> vectorOf(std::vector<std::string>& words) {
-  std::vector<char*> vector;
-  for (auto& word : words)
-    vector.push_back(word.data());
-  vector.push_back(nullptr);
-  return vector;
-}
-
 }  // namespace
 
+/// The executable is started as it is named, without a search along the path.
 std::optional<pid_t> spawn(const ToolLaunch& launch, const std::string& executable, int errors) {
   FileActions actions;
   // Standard output first: its source may be this process's standard error.

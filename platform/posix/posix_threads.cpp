@@ -6,6 +6,7 @@
 
 namespace tamo::platform {
 
+/// That there is no thread to be had is an answer and no error: who asks for one can do without.
 bool PosixThreads::detach(std::function<void()> work) {
   try {
     std::thread(std::move(work)).detach();

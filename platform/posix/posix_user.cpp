@@ -7,6 +7,7 @@
 
 namespace tamo::platform {
 
+/// An entry without a home is not the same as no entry: the first is a fault of the machine's.
 std::optional<PasswordEntry> passwordEntryFrom(const passwd* found) {
   if (found == nullptr) return std::nullopt;
   if (found->pw_dir == nullptr) return PasswordEntry{};

@@ -9,6 +9,8 @@
 namespace tamo::platform::posix {
 namespace {
 
+/// Asked only where the system knows none, which on a Mac it does: there the environment does not decide. A
+/// relative path would mean another folder for each process.
 std::optional<std::string> directoryOfTheEnvironment() {
   const char* directory = std::getenv("TMPDIR");
   if (directory == nullptr || *directory != '/') return std::nullopt;

@@ -16,10 +16,12 @@ namespace {
 
 using platform::Error;
 
+/// What a Mac reports for an application that is missing, or that cannot be started.
 constexpr auto cocoaDomain = "NSCocoaErrorDomain";
 constexpr int noSuchFile = 260;
 constexpr int notLoadable = 3587;
 
+/// For one opening only: an order is taken away with the error that it becomes.
 std::optional<Error> orderedError(const StageRoot& root) {
   auto ordered = root.setting("next-open-error");
   if (!ordered) return std::nullopt;
@@ -34,6 +36,8 @@ std::optional<std::string> programOf(const StageRoot& root, const std::string& b
   return values::joinedPath(bundle, "Contents/MacOS/" + *name);
 }
 
+/// By the executable, through whatever link it was started: a Mac brings that process forward and starts no
+/// second one.
 bool runsFrom(const StageRoot& root, const std::string& program) {
   const auto executable = root.existing(program);
   const auto running = runningPrograms(root);

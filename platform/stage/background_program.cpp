@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
 #include "platform/posix/descriptor.hpp"
 
 namespace tamo::stage {
@@ -47,6 +48,8 @@ bool closedUnused(const platform::Descriptor& end) {
 
 }  // namespace
 
+/// Between a fork and an exec only what a signal handler may call can be called, for another thread may have
+/// held a lock: so everything is made ready before.
 bool startInBackground(const BackgroundProgram& background) {
   const platform::Descriptor input(::open("/dev/null", O_RDONLY | O_CLOEXEC));
   const platform::Descriptor output(
@@ -57,10 +60,7 @@ bool startInBackground(const BackgroundProgram& background) {
   const platform::Descriptor failed(ends[0]);
   platform::Descriptor failure(ends[1]);
   auto texts = background.environment;
-  std::vector<char*> environment;
-  for (auto& text : texts)
-    environment.push_back(text.data());
-  environment.push_back(nullptr);
+  const auto environment = platform::vectorOf(texts);
   auto program = background.program;
   const std::array<char*, 2> arguments = {program.data(), nullptr};
   const Ready ready = {.program = program.c_str(),

@@ -25,6 +25,8 @@ bool sendAll(int socket, std::string_view bytes) {
 
 }  // namespace
 
+/// The end of the question is the end of the half connection, and launchd's end is that of the answer; so
+/// neither needs a length in front.
 std::optional<LaunchdAnswer> askLaunchd(const StageRoot& root, const std::vector<std::string>& words) {
   const auto socket = connectedTo(root.control("launchd.sock"));
   if (!socket || !sendAll(socket.get(), bytesOf(words))) return std::nullopt;
@@ -33,6 +35,7 @@ std::optional<LaunchdAnswer> askLaunchd(const StageRoot& root, const std::vector
   return bytes ? answerOf(*bytes) : std::nullopt;
 }
 
+/// Each word is closed by a zero byte, as the kernel keeps arguments: no word can hold one.
 std::vector<std::string> wordsOf(const std::string& question) {
   std::vector<std::string> words;
   for (std::size_t start = 0; start < question.size();) {

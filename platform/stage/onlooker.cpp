@@ -38,6 +38,7 @@ class NoBrokenPipe {
   bool wasPending_ = false;
 };
 
+/// Whoever reads along may stop reading; the companion must not wait for that.
 bool takesMore(int descriptor) {
   pollfd polled{.fd = descriptor, .events = POLLOUT, .revents = 0};
   return ::poll(&polled, 1, 0) == 1 && (polled.revents & POLLOUT) != 0;

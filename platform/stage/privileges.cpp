@@ -38,6 +38,7 @@ bool writeLine(const char* path, const std::string& line) {
   return file && platform::writeAll(file.get(), line);
 }
 
+/// The kernel lets a process map groups only after it has renounced setgroups.
 bool enterOwnNamespace() {
   const auto user = std::to_string(::geteuid());
   const auto group = std::to_string(::getegid());

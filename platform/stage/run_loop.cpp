@@ -46,9 +46,10 @@ void RunLoop::post(std::function<void()> work) {
   posted_.push_back(std::move(work));
   // A full counter refuses to grow, but then the loop is awake already.
   const std::uint64_t one = 1;
-  static_cast<void>(!::write(wake_.get(), &one, sizeof one));
+  static_cast<void>(::write(wake_.get(), &one, sizeof one));
 }
 
+/// Counted on a clock that stops while the machine sleeps, as a Mac's does.
 void RunLoop::postAfter(std::chrono::nanoseconds delay, std::function<void()> work) {
   platform::requireMain(*this, "delayed work");
   delayed_.emplace(std::chrono::steady_clock::now() + delay, std::move(work));
@@ -57,7 +58,7 @@ void RunLoop::postAfter(std::chrono::nanoseconds delay, std::function<void()> wo
 void RunLoop::run() {
   platform::requireMain(*this, "the main loop");
   if (delegate_ == nullptr) values::fatal("an application without a delegate was run");
-  inbox_.emplace(root_);
+  inbox_ = std::make_unique<UrlInbox>(root_);
   running_ = true;
   finishLaunching();
   while (running_)
@@ -65,6 +66,7 @@ void RunLoop::run() {
   inbox_.reset();
 }
 
+/// The inbox goes first, because an exit from within runs no destructor of what lies on the stack.
 void RunLoop::terminate() {
   platform::requireMain(*this, "the terminate request");
   if (!running_) values::fatal("there is no application to terminate");
@@ -79,6 +81,7 @@ void RunLoop::finishLaunching() {
   if (running_) delegate_->applicationDidFinishLaunching();
 }
 
+/// One piece of work a turn: what is posted meanwhile, and every URL, comes before the next.
 void RunLoop::turn() {
   awaitEvents();
   ++turns_;
@@ -96,7 +99,7 @@ void RunLoop::awaitEvents() {
   // An interrupted wait is only a turn with nothing to do.
   static_cast<void>(::ppoll(sources.data(), sources.size(), longest ? &limit : nullptr, nullptr));
   std::uint64_t wakings = 0;
-  static_cast<void>(!::read(wake_.get(), &wakings, sizeof wakings));
+  static_cast<void>(::read(wake_.get(), &wakings, sizeof wakings));
 }
 
 std::optional<std::chrono::nanoseconds> RunLoop::longestWait() {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -66,7 +67,7 @@ class RunLoop final : public platform::MainQueue, public platform::Application {
   const StageRoot root_;
   const std::thread::id main_ = std::this_thread::get_id();
   platform::Descriptor wake_;
-  std::optional<UrlInbox> inbox_;
+  std::unique_ptr<UrlInbox> inbox_;
   platform::ApplicationDelegate* delegate_ = nullptr;
   bool running_ = false;
   std::uint64_t turns_ = 0;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 #include <thread>
+#include <utility>
 
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/stage_bundles.hpp"
@@ -16,10 +17,11 @@ namespace fs = std::filesystem;
 
 std::optional<std::string> applicationOf(const StageRoot& root, const std::string& program) {
   const auto path = root.onStage(program);
-  const auto bundle = path ? bundleOf(*path) : std::string();
+  if (!path) return std::nullopt;
+  auto bundle = bundleOf(*path);
   // A program outside any bundle belongs to no application, whatever its folder is called.
   const bool inside = bundle.ends_with(".app") && path->starts_with(bundle + "/Contents/MacOS/");
-  return inside ? std::optional(bundle) : std::nullopt;
+  return inside ? std::optional(std::move(bundle)) : std::nullopt;
 }
 
 /// A look at one process: its executable on the stage, and its command line.
@@ -46,6 +48,7 @@ std::optional<Look> lookPastExec(const StageRoot& root, const fs::path& folder) 
   return look;
 }
 
+/// By the path that it was started with, which is what a Mac shows; the executable may have been moved since.
 std::optional<RunningProgram> runningProgram(const StageRoot& root, pid_t pid) {
   const auto look = lookPastExec(root, "/proc/" + std::to_string(pid));
   if (!look) return std::nullopt;
@@ -56,6 +59,7 @@ std::optional<RunningProgram> runningProgram(const StageRoot& root, pid_t pid) {
 
 }  // namespace
 
+/// In an order of its own, because /proc keeps none.
 std::vector<RunningProgram> runningPrograms(const StageRoot& root) {
   std::vector<RunningProgram> found;
   std::error_code ignored;

@@ -11,6 +11,7 @@ namespace {
 using platform::Error;
 
 constexpr auto domain = "TamoStage";
+/// What a Mac answers for an agent that it does not know.
 constexpr std::int64_t notFound = 3;
 
 class StageAgentService final : public platform::AgentService {
@@ -32,6 +33,8 @@ class StageAgentService final : public platform::AgentService {
     const auto error = errorFrom(askLaunchd(root_, {"service-register", bundle_, plistName_}));
     if (error) throw Error(*error);
   }
+  // On a thread of its own, because the answer may take as long as the job takes to end, and to try the
+  // companion's way back to its main thread.
   void unregisterAgent(Completion completion) override {
     runElsewhere(threads_, queue_, [root = root_, name = plistName_, completion = std::move(completion)] {
       completion(errorFrom(askLaunchd(root, {"service-unregister", name})));

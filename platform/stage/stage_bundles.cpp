@@ -12,7 +12,7 @@
 namespace tamo::stage {
 
 std::string executableAsLaunched() {
-  // The auxiliary vector holds the number of an address.
+  // The auxiliary vector holds the number of an address. NOLINTNEXTLINE(performance-no-int-to-ptr)
   const auto* path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
   if (path == nullptr) values::fatal("the kernel does not tell how this process was started");
   return *path == '/' ? path : values::joinedPath(std::filesystem::current_path().string(), path);

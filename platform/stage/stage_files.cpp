@@ -53,6 +53,7 @@ std::unique_ptr<platform::OutputFile> StageFiles::openForWriting(const std::stri
   return found ? posix::openForWriting(*found) : nullptr;
 }
 
+/// With the "/" at its end that a Mac's has.
 std::optional<std::string> StageFiles::temporaryDirectory() const {
   auto directory = root_.setting("temporary-directory", "/private/var/folders/st/tamo/T/");
   if (directory == "none") return std::nullopt;

@@ -38,6 +38,7 @@ StageHost::StageHost(const StageRoot& root, const std::string& executable)
 
 namespace tamo::platform {
 
+/// Before anything is opened: what root may do no user of a Mac may.
 std::unique_ptr<Host> makeHost() {
   stage::renouncePrivileges();
   return std::make_unique<stage::StageHost>(stage::StageRoot::fromEnvironment(),

@@ -68,6 +68,8 @@ std::uint64_t inodeOf(const Descriptor& process) {
 
 }  // namespace
 
+/// The name of the program stands in brackets and may hold brackets and blanks, so the fields are counted
+/// behind the last one.
 std::optional<ProcStat> procStat(std::string_view line) {
   const auto close = line.rfind(')');
   if (close == std::string_view::npos) return std::nullopt;
@@ -83,6 +85,7 @@ std::optional<ProcStat> procStat(std::string_view line) {
   return found;
 }
 
+/// Both are the machine's for as long as it runs, so they are asked for once.
 StageKernelProcesses::StageKernelProcesses()
     : microsecondsPerTick_(1'000'000 / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK))),
       numbersProcesses_(kernelNumbersProcesses()) {}
@@ -111,6 +114,7 @@ std::int32_t StageKernelProcesses::ownGroup() const {
   return ::getpgrp();
 }
 
+/// One that is gone by now is what was wanted.
 void StageKernelProcesses::kill(std::int32_t pid) {
   static_cast<void>(::kill(pid, SIGKILL));
 }

@@ -20,8 +20,9 @@ const char* levelName(platform::LogLevel level) {
   return level == platform::LogLevel::Error ? "error" : "default";
 }
 
+/// The marks tell a reader what would be private on a Mac, so a brace of the text itself is escaped.
 std::string marked(const LogPiece& piece, PrivateTexts privateTexts) {
-  const auto text = escaped(piece.text, "{}");
+  auto text = escaped(piece.text, "{}");
   if (piece.part == LogPart::Fixed) return text;
   if (piece.part == LogPart::Public) return "{public:" + text + "}";
   return privateTexts == PrivateTexts::Shown ? "{private:" + text + "}" : "{private}";
@@ -48,7 +49,7 @@ class StageLogger final : public platform::Logger {
   void append(const std::string& line) const {
     const auto path = root_.control("log");
     const platform::Descriptor log(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666));
-    if (log) static_cast<void>(!::write(log.get(), line.data(), line.size()));
+    if (log) static_cast<void>(::write(log.get(), line.data(), line.size()));
   }
 
   const StageRoot& root_;
@@ -58,12 +59,18 @@ class StageLogger final : public platform::Logger {
 
 }  // namespace
 
+/// A line stays a line and a column a column, whatever the text holds.
 std::string escaped(std::string_view text, std::string_view more) {
   std::string result;
   for (const char character : text) {
-    const bool named = character == '\t' || character == '\n';
-    if (named || character == '\\' || more.contains(character)) result += '\\';
-    result += named ? (character == '\t' ? 't' : 'n') : character;
+    if (character == '\t') {
+      result += "\\t";
+    } else if (character == '\n') {
+      result += "\\n";
+    } else {
+      if (character == '\\' || more.contains(character)) result += '\\';
+      result += character;
+    }
   }
   return result;
 }

@@ -51,6 +51,8 @@ std::optional<std::string> pathOf(const Descriptor& opened) {
   return std::string(path.data(), static_cast<std::size_t>(size));
 }
 
+/// The kernel follows the links, with the stage as its root, and tells through the descriptor where they led.
+/// A path put together by hand could be led out of the stage by a link that is changed meanwhile.
 std::optional<std::string> resolvedInRoot(const std::string& directory, std::string_view path,
                                           std::uint64_t flags) {
   const Descriptor root(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -86,6 +88,7 @@ std::optional<std::string> StageRoot::existing(std::string_view stagePath) const
   return resolvedInRoot(directory_, stagePath, 0);
 }
 
+/// Only the folder is resolved: the last name may be a link that is meant itself, or nothing yet.
 std::optional<std::string> StageRoot::entry(std::string_view stagePath) const {
   const auto end = stagePath.find_last_not_of('/');
   if (end == std::string_view::npos) return std::nullopt;
@@ -124,6 +127,7 @@ void StageRoot::set(std::string_view name, std::optional<std::string_view> value
   if (!written) fatal("the setting " + std::string(name) + " cannot be written");
 }
 
+/// The first user of a Mac has this number, whoever plays him here.
 std::uint32_t StageRoot::userID() const {
   const auto number = values::decimalInt32(setting("user-id", "501"));
   if (!number || *number < 0) fatal("the setting user-id is no user id");

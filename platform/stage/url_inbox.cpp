@@ -40,6 +40,7 @@ UrlInbox::~UrlInbox() {
   ::unlink(path_.c_str());
 }
 
+/// All of them, as a sender that stays silent must not keep the others waiting.
 std::vector<int> UrlInbox::descriptors() const {
   std::vector<int> all{listener_.get()};
   for (const auto& sender : senders_)
