@@ -8,6 +8,7 @@
 
 namespace tamo::stage {
 
+/// In one write, so that the lines of several programs do not mix.
 void logLine(int descriptor, const std::string& text) {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);

@@ -27,6 +27,8 @@ std::string applications(const StageRoot& root) {
 
 }  // namespace
 
+/// Root may write anywhere, so for root it is another user's folder, which the renounced rights then keep it
+/// out of.
 void closeApplications(const StageRoot& root) {
   const auto folder = applications(root);
   const bool byRoot = ::geteuid() == 0;

@@ -56,6 +56,7 @@ std::string commandOf(pid_t pid) {
 
 }  // namespace
 
+/// By the environment, which a process hands to all that it starts: a group or a parent can be left.
 std::vector<StageProcess> processesOfStage(const std::string& directory) {
   std::vector<StageProcess> found;
   const auto entry = "TAMO_STAGE=" + directory;

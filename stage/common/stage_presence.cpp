@@ -11,6 +11,7 @@ StagePresence::StagePresence(const std::string& directory) : directory_(director
   inode_ = seen.st_ino;
 }
 
+/// By number and not by name: another stage may have been laid where this one was.
 bool StagePresence::isThere() const {
   struct stat seen{};
   return ::stat(directory_.c_str(), &seen) == 0 && seen.st_dev == device_ && seen.st_ino == inode_;

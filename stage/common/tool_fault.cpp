@@ -23,6 +23,7 @@ std::string_view takeWord(std::string_view& rest) {
   return word;
 }
 
+/// A number at the end is the status. A file whose own name ends in one is named with the status behind it.
 std::optional<Lie> lieOf(std::string_view rest) {
   if (rest.empty()) return std::nullopt;
   const auto space = rest.rfind(' ');
@@ -95,6 +96,7 @@ void cut(std::int32_t bytes) {
   ::signal(SIGXFSZ, SIG_IGN);
 }
 
+/// What the tool itself would have done is not done.
 int lie(const StageRoot& root, const Lie& fault) {
   const auto file = root.existing(fault.file);
   const auto bytes = file ? platform::posix::readWhole(*file) : std::nullopt;
@@ -132,6 +134,7 @@ std::optional<ToolFault> toolFaultFor(std::string_view lines, std::string_view v
   return own ? own : any;
 }
 
+/// The newest order stands last; an earlier one for the same verb goes.
 std::string withToolFault(std::string_view lines, std::string_view verb,
                           std::optional<std::string_view> fault) {
   std::string kept;
@@ -148,6 +151,7 @@ std::string actingUser() {
   return std::getenv("TAMO_STAGE_ADMINISTRATOR") == nullptr ? "user" : "administrator";
 }
 
+/// A fault that ends the tool gives its status; after any other the tool does its work.
 std::optional<int> sufferFault(const StageRoot& root, const std::string& tool, const std::string& verb) {
   const auto fault = orderedFault(root, tool, verb);
   if (!fault) return std::nullopt;

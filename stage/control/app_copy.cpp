@@ -36,6 +36,7 @@ std::string companionName(Companion companion) {
   return names.at(static_cast<std::size_t>(std::to_underlying(companion)));
 }
 
+/// As full as a real one, so that a reader who takes the wrong key is found out.
 Dictionary bundleInfo(const std::string& identifier, const std::string& executable,
                       const std::string& build) {
   return {{"CFBundleIdentifier", text(identifier)},
@@ -91,6 +92,7 @@ void placeLink(const StageRoot& root, const std::string& path) {
   if (error) throw StageError("cannot link " + path + ": " + error.message());
 }
 
+/// On every item, as an unpacked download has it.
 void quarantine(const std::string& path) {
   const auto attribute = attributeOnDisk("com.apple.quarantine");
   const std::string value = "0081;00000000;Safari;";
@@ -143,6 +145,7 @@ void placeCopy(const StageRoot& root, const std::string& programs, const AppCopy
   if (copy.quarantined) quarantine(root.host(path));
 }
 
+/// The place that the copy was started from is known to the system alone, which may also have forgotten it.
 std::string translocateCopy(const StageRoot& root, const std::string& path, Original original) {
   const auto from = root.existing(path);
   if (!from) throw StageError("there is no copy at " + path);

@@ -29,6 +29,7 @@ Companion companionNamed(const std::string& name) {
   throw UsageError("\"" + name + "\" is no program: shipped receipts proof");
 }
 
+/// A link has nothing of its own that could be different.
 int copy(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   AppCopy wanted{.where = arguments.take("place")};

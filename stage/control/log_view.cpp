@@ -6,6 +6,7 @@
 namespace tamo::stage {
 namespace {
 
+/// The columns of the stage's log (stage_log.hpp).
 constexpr std::size_t kLevel = 2;
 constexpr std::size_t kShown = 5;
 constexpr std::size_t kMarked = 6;
@@ -22,6 +23,7 @@ std::vector<std::string_view> columns(std::string_view line) {
 
 }  // namespace
 
+/// A line of another form is shown as it is: somebody else may write into the file.
 std::string viewedLine(std::string_view line, LogView view) {
   const auto found = columns(line);
   if (found.size() <= kMarked) return std::string(line);

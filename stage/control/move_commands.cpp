@@ -31,6 +31,7 @@ int administrator(StageArguments& arguments) {
   return 0;
 }
 
+/// The path is printed for who wants to run the copy: a Mac makes up another one each time.
 int translocate(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const bool unknown = arguments.takeFlag("--unknown");

@@ -37,7 +37,9 @@ class XmlWriter {
  private:
   void line(const std::string& what) { text += std::string(depth_, '\t') + what + "\n"; }
 
-  void element(const PropertyList::Other&) { values::fatal("a stage writes no such property list"); }
+  static void element(const PropertyList::Other& /*value*/) {
+    values::fatal("a stage writes no such property list");
+  }
   void element(bool value) { line(value ? "<true/>" : "<false/>"); }
   void element(std::int64_t value) { line("<integer>" + std::to_string(value) + "</integer>"); }
   void element(std::uint64_t value) { line("<integer>" + std::to_string(value) + "</integer>"); }
@@ -84,6 +86,7 @@ std::string xmlPropertyList(const PropertyList& list) {
          writer.text + "</plist>\n";
 }
 
+/// By way of the XML form, which the library reads, so that there is one writer here.
 std::string binaryPropertyList(const PropertyList& list) {
   const auto xml = xmlPropertyList(list);
   plist_t parsed = nullptr;

@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
 #include "platform/stage/stream_sockets.hpp"
 #include "stage/common/stage_error.hpp"
 #include "stage/control/app_copy.hpp"
@@ -19,14 +20,11 @@ namespace {
 int become(const StageRoot& root, const std::string& program, std::vector<std::string> arguments) {
   ::setenv("TAMO_STAGE", root.directory().c_str(), 1);
   arguments.insert(arguments.begin(), program);
-  std::vector<char*> pointers;
-  for (auto& argument : arguments)
-    pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-  if (::chdir("/") == 0) ::execv(program.c_str(), pointers.data());
+  if (::chdir("/") == 0) ::execv(program.c_str(), platform::vectorOf(arguments).data());
   throw StageError("cannot run " + program + ": " + std::strerror(errno));
 }
 
+/// One URL a line, so a URL with a line's end in it would be two.
 std::string lines(const std::vector<std::string>& urls) {
   std::string text;
   for (const auto& url : urls) {
@@ -65,6 +63,7 @@ bool deliver(const std::string& socketPath, std::string_view text) {
   return sent == static_cast<ssize_t>(text.size());
 }
 
+/// To all of them, as nobody but the system knows which one a Mac would choose.
 int send(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   auto urls = arguments.takeRest();

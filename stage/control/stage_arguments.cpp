@@ -40,6 +40,7 @@ std::optional<std::string> StageArguments::takeOption(std::string_view name) {
   return takeValue(found);
 }
 
+/// Only where it stands in front: what follows may be the arguments of another program.
 std::optional<std::string> StageArguments::takeNextOption(std::string_view name) {
   if (words_.empty() || words_.front() != name) return std::nullopt;
   return takeValue(words_.begin());
@@ -57,6 +58,7 @@ std::vector<std::string> StageArguments::takeRest() {
   return std::exchange(words_, {});
 }
 
+/// A word that is left over is a slip that would otherwise be obeyed in silence.
 void StageArguments::finish() const {
   if (!words_.empty()) throw UsageError("\"" + words_.front() + "\" is not understood here");
 }

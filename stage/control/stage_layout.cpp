@@ -41,6 +41,7 @@ void must(const std::error_code& error, const std::string& what) {
   if (error) throw StageError(what + ": " + error.message());
 }
 
+/// The folders that a Mac has from the beginning, and the links that lead into /private.
 void makeFolders(const fs::path& root) {
   std::error_code error;
   for (const auto* folder :
@@ -67,6 +68,7 @@ void copyPrograms(const fs::path& root, const fs::path& programs) {
   }
 }
 
+/// A directory with something in it may be anybody's, and striking the stage removes everything.
 fs::path freshDirectory(const std::string& directory) {
   std::error_code error;
   fs::create_directories(directory, error);
@@ -123,6 +125,7 @@ StageRoot layStage(const Laying& laying) {
   return stage;
 }
 
+/// Launchd first, because it would start anew what is killed.
 void strikeStage(const std::string& directory) {
   const auto stage = stageAt(directory);
   shutDownLaunchd(stage);
@@ -135,6 +138,7 @@ void strikeStage(const std::string& directory) {
   must(error, "cannot remove " + stage.directory());
 }
 
+/// The mark keeps a slip of the hand from striking a directory that is no stage.
 StageRoot stageAt(const std::string& directory) {
   std::error_code error;
   if (!fs::is_regular_file(fs::path(directory) / ".stage/laid", error))

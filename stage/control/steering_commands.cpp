@@ -10,10 +10,12 @@
 namespace tamo::stage {
 namespace {
 
+/// An empty setting and none are the same to who reads it; only none leaves no trace in the list of settings.
 void setOrClear(const StageRoot& root, const std::string& name, const std::string& value) {
   root.set(name, value.empty() ? std::nullopt : std::optional<std::string_view>(value));
 }
 
+/// Looked at now, because the Core that will read it has nobody to tell.
 int core(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const auto words = joinedWords(arguments.takeRest());
@@ -23,6 +25,8 @@ int core(StageArguments& arguments) {
   return 0;
 }
 
+/// Withheld approval shows at the next registering. Granted approval has to be told, because launchd then
+/// loads what waits for it.
 int approval(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const auto word = arguments.takeOneOf("approval", {"granted", "withheld"});
@@ -32,6 +36,7 @@ int approval(StageArguments& arguments) {
   return 0;
 }
 
+/// An error travels as one line with tabs between its parts.
 int order(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const auto operation = arguments.takeOneOf("operation", {"register", "unregister", "open"});
@@ -65,6 +70,7 @@ int tool(StageArguments& arguments) {
   return 0;
 }
 
+/// A setting is a file, so a name that leads elsewhere is none.
 int set(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const auto name = arguments.take("setting");

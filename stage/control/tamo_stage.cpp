@@ -2,13 +2,14 @@
 
 #include <iostream>
 
+#include "stage/common/exit_status.hpp"
 #include "stage/common/stage_error.hpp"
 #include "stage/control/stage_commands.hpp"
 
 namespace tamo::stage {
 namespace {
 
-constexpr int kFailed = 1;
+/// What a shell's own commands exit with.
 constexpr int kWrongUse = 2;
 
 std::vector<StageCommand> allCommands() {

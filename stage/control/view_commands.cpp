@@ -21,7 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 
 void printFile(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
+  const std::ifstream file(path, std::ios::binary);
   std::cout << file.rdbuf();
 }
 

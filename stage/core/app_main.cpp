@@ -12,7 +12,7 @@
 
 /// Stands in for the Tamo application itself: it does nothing but run, noted in the control room's "app.log",
 /// until it is told to end or its stage disappears.
-int main(int, char** argv) {
+int main(int /*count*/, char** argv) {
   tamo::stage::renouncePrivileges();
   const auto root = tamo::stage::StageRoot::fromEnvironment();
   const tamo::stage::StagePresence presence(root.directory());

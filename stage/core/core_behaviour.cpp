@@ -30,6 +30,7 @@ std::optional<milliseconds> timeIn(std::string_view text) {
   return count ? std::optional(milliseconds(*count)) : std::nullopt;
 }
 
+/// Without a time "late" and "revert" would mean nothing that a test could wait for.
 bool readTerm(CoreBehaviour& behaviour, std::string_view value) {
   using enum CoreBehaviour::Term;
   const auto parts = split(value, ':');
@@ -60,12 +61,14 @@ bool readGroup(CoreBehaviour& behaviour, std::string_view value) {
   return value == "own" || value == "parent";
 }
 
+/// One that answers is enough for the Core to count as up, so each can be taken away by itself.
 bool readSockets(CoreBehaviour& behaviour, std::string_view value) {
   behaviour.coreSocket = value == "both" || value == "core";
   behaviour.talkSocket = value == "both" || value == "talk";
   return behaviour.coreSocket || behaviour.talkSocket || value == "none";
 }
 
+/// 1 is what a program that fails exits with.
 bool readDeath(CoreBehaviour& behaviour, std::string_view value) {
   const auto parts = split(value, ':');
   const auto code = parts.size() == 2 ? countIn(parts[1]) : std::optional(1);

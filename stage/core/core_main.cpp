@@ -5,12 +5,13 @@
 #include "platform/stage/stream_sockets.hpp"
 #include "stage/core/core_program.hpp"
 
+/// The Core of a stage: what it does is written in the setting "core", and read once, at its start.
 int main() {
   tamo::stage::renouncePrivileges();
   const auto root = tamo::stage::StageRoot::fromEnvironment();
   const auto behaviour = tamo::stage::coreBehaviour(root.setting("core", ""));
   if (!behaviour) {
-    std::cout << "core: \"" << behaviour.error() << "\" is no behaviour" << std::endl;
+    std::cout << "core: \"" << behaviour.error() << "\" is no behaviour\n";
     return 64;
   }
   return tamo::stage::runCore({.dataDirectory = root.host(root.home() + "/Library/Application Support/Tamo"),

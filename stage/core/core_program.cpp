@@ -29,7 +29,7 @@ void say(const std::string& what) {
 /// Set when SIGTERM came, which it does only while the Core waits.
 volatile std::sig_atomic_t told = 0;
 
-void noteTermination(int) {
+void noteTermination(int /*signal*/) {
   told = 1;
 }
 
@@ -70,6 +70,7 @@ class Core {
         began_(Clock::now()),
         data_(surroundings.dataDirectory) {}
 
+  /// The group comes first: whoever looks at the Core later must not see it change.
   int run() {
     if (!behaviour_.leadsGroup && ::setpgid(0, ::getpgid(::getppid())) != 0) say("could not join its parent");
     say("started in group " + std::to_string(::getpgrp()));
@@ -124,6 +125,7 @@ class Core {
     ::pselect(highest + 1, &callers, nullptr, nullptr, &time, &inWaits_);
   }
 
+  /// A Core that starts slowly is a process without sockets for so long, which is what a restart can meet.
   void comeUp() {
     up_ = true;
     if (behaviour_.coreSocket) listen("core.sock");
@@ -149,6 +151,8 @@ class Core {
       }
   }
 
+  /// One that obeys takes its time, and does not hear a second SIGTERM meanwhile. A reverting one leaves the
+  /// marker that spares it.
   void toldToEnd() {
     told = 0;
     if (behaviour_.term == Term::Ignore || exitAt_) return say("ignores SIGTERM");

@@ -13,6 +13,7 @@ std::optional<std::string> textAt(const PropertyList& list, const std::string& k
   return *entry->text();
 }
 
+/// KeepAlive may be a dictionary of conditions on a Mac. The stage knows none of them and takes it for no.
 bool flagAt(const PropertyList& list, const std::string& key) {
   const auto* entry = list.entry(key);
   const auto* flag = entry != nullptr ? std::get_if<bool>(&entry->value) : nullptr;
@@ -51,6 +52,7 @@ std::map<std::string, std::string> environmentOf(const PropertyList& list) {
   return environment;
 }
 
+/// The program of a bundle's agent is named within the bundle, which may lie anywhere.
 std::optional<std::string> programOf(const PropertyList& list, const JobDefinition& definition) {
   if (definition.bundleProgram) {
     const auto bundle = bundleOfAgentList(definition.path);

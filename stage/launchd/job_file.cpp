@@ -4,6 +4,7 @@
 
 namespace tamo::stage {
 
+/// Missing and unusable are two errors of service management.
 std::expected<JobDefinition, JobFileFault> jobDefinitionAt(const StageRoot& root, const std::string& path) {
   const auto file = root.existing(path);
   const auto bytes = file ? platform::posix::readWhole(*file) : std::nullopt;

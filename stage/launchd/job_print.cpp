@@ -29,6 +29,7 @@ std::string_view stateText(const Job& job) {
   return job.state == Job::State::Scheduled ? "spawn scheduled" : "not running";
 }
 
+/// launchd has a word for the one status that it gives itself to what it could not start.
 std::string exitText(const Ending& ending) {
   const auto number = std::to_string(ending.number);
   if (ending.signalled) return std::string(strsignal(ending.number)) + ": " + number;
@@ -139,6 +140,7 @@ std::string printedJob(const Job& job, std::uint32_t userID, PrintStyle style) {
   return printer.text;
 }
 
+/// Only the services: the print of a real domain is long, and nothing here reads it but people.
 std::string printedDomain(const JobTable& jobs, std::uint32_t userID) {
   Printer printer;
   printer.raw(domainName(userID) + " = {\n");

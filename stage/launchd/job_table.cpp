@@ -18,6 +18,8 @@ void answerAll(std::vector<JobTable::Reply>& waiting, const LaunchdAnswer& answe
 
 }  // namespace
 
+/// Refused where a job of that label is loaded, as launchd refuses it: so a changed definition needs a
+/// bootout first.
 void JobTable::bootstrap(const JobDefinition& definition, Time now, const Reply& reply) {
   if (jobs_.contains(definition.label))
     return reply({.status = 5, .errors = "Bootstrap failed: 5: Input/output error\n"});
@@ -27,6 +29,8 @@ void JobTable::bootstrap(const JobDefinition& definition, Time now, const Reply&
   reply({});
 }
 
+/// The answer comes when the process is gone. Whoever waits for a restart of the job learns at once that
+/// there will be none.
 void JobTable::bootout(const std::string& label, Time now, const Reply& reply) {
   const auto found = jobs_.find(label);
   if (found == jobs_.end()) return reply({.status = 3, .errors = "Boot-out failed: 3: No such process\n"});
@@ -43,6 +47,7 @@ void JobTable::bootout(const std::string& label, Time now, const Reply& reply) {
   stop(entry, now);
 }
 
+/// Answered when the new process runs, which after a kill is as late as the old one ends.
 void JobTable::kickstart(const std::string& label, bool kill, Time now, const Reply& reply) {
   auto& entry = jobs_.at(label);
   if (entry.removing)
@@ -68,6 +73,7 @@ std::vector<const Job*> JobTable::all() const {
   return jobs;
 }
 
+/// While the process is a zombie its pid still names its group, and can name no other one.
 void JobTable::dying(pid_t pid) {
   const auto* entry = ofProcess(pid);
   if (entry != nullptr && !entry->definition.abandonProcessGroup) processes_.killGroup(pid);
@@ -82,6 +88,8 @@ void JobTable::ended(pid_t pid, Ending ending, Time now) {
   processGone(*entry, now);
 }
 
+/// What was asked for while it ran decides what comes next: the removal, the restart, or, unasked, the
+/// throttled start of a job that is kept alive.
 void JobTable::processGone(Entry& entry, Time now) {
   if (entry.removing) {
     auto waiting = std::move(entry.waiting);
@@ -117,6 +125,7 @@ std::optional<JobTable::Time> JobTable::nextDeadline() const {
   return next;
 }
 
+/// A start that fails counts as a run that ended, and is tried again no sooner than any other.
 void JobTable::start(Entry& entry, const std::string& reason, Time now) {
   entry.deadline.reset();
   entry.started = now;
@@ -130,6 +139,8 @@ void JobTable::start(Entry& entry, const std::string& reason, Time now) {
   if (entry.definition.keepAlive) entry.deadline = now + entry.definition.throttle;
 }
 
+/// No exit timeout means that the job may take as long as it likes. A second stop does not begin the time
+/// anew.
 void JobTable::stop(Entry& entry, Time now) {
   if (entry.state == Job::State::Stopping) return;
   entry.state = Job::State::Stopping;

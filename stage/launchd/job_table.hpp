@@ -102,7 +102,7 @@ class JobTable {
   void start(Entry& entry, const std::string& reason, Time now);
   void stop(Entry& entry, Time now);
   void processGone(Entry& entry, Time now);
-  void answerRestart(Entry& entry);
+  static void answerRestart(Entry& entry);
   void remove(const std::string& label);
   Entry* ofProcess(pid_t pid);
 

@@ -3,12 +3,11 @@
 #include <iostream>
 
 #include "platform/stage/launchd_wire.hpp"
+#include "stage/common/exit_status.hpp"
 #include "stage/common/tool_fault.hpp"
 
 namespace tamo::stage {
 namespace {
-
-constexpr int kUsage = 64;
 
 int usage(const std::string& verb) {
   std::cerr << "Unrecognized use of launchctl " << verb << ".\n"
@@ -19,6 +18,7 @@ int usage(const std::string& verb) {
 
 }  // namespace
 
+/// The stage knows the four verbs that the companion and its rehearsals use.
 std::optional<std::vector<std::string>> launchctlQuestion(const std::vector<std::string>& arguments) {
   const auto verb = arguments.empty() ? std::string() : arguments.front();
   const bool killing = arguments.size() > 1 && arguments[1] == "-k";
@@ -28,6 +28,7 @@ std::optional<std::vector<std::string>> launchctlQuestion(const std::vector<std:
   return std::nullopt;
 }
 
+/// The fault comes first: a launchctl that hangs does so before it has asked for anything.
 int runLaunchctl(const StageRoot& root, const std::vector<std::string>& arguments) {
   const auto verb = arguments.empty() ? std::string() : arguments.front();
   if (const auto status = sufferFault(root, "launchctl", verb)) return *status;

@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <fstream>
 
+#include "stage/common/exit_status.hpp"
 #include "stage/launchd/job_file.hpp"
 #include "stage/launchd/job_print.hpp"
 
 namespace tamo::stage {
 namespace {
 
-constexpr int kUsage = 64;
+/// The statuses that launchctl exits with on a Mac.
 constexpr int kUnknownDomain = 112;
 constexpr int kUnknownService = 113;
 constexpr int kWrongDomain = 125;
@@ -24,6 +25,8 @@ LaunchdAnswer wrongDomain(const std::string& operation) {
 
 }  // namespace
 
+/// A shutdown is answered last of all, by whoever runs the loop, so that who waits for it finds nothing
+/// running.
 void Launchd::ask(const std::vector<std::string>& words, Time now, const Reply& reply) {
   const Question question{.words = words, .now = now, .reply = reply};
   const auto verb = words.empty() ? std::string() : words.front();
@@ -133,7 +136,8 @@ void Launchd::tick(Time now) {
 std::optional<Launchd::Time> Launchd::nextDeadline() const {
   const auto job = jobs_.nextDeadline();
   const auto service = services_.nextDeadline();
-  return job && service ? std::min(*job, *service) : job ? job : service;
+  if (!job || !service) return job ? job : service;
+  return std::min(*job, *service);
 }
 
 }  // namespace tamo::stage

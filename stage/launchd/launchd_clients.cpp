@@ -25,8 +25,10 @@ void LaunchdClients::addTo(std::vector<pollfd>& polled) const {
   if (listening_) polled.push_back({.fd = listening_.get(), .events = POLLIN, .revents = 0});
   for (const auto& [number, client] : clients_) {
     // One who waits for an answer is watched for hanging up only, which is always reported.
-    const int events = !client.asked ? POLLIN : client.answered ? POLLOUT : 0;
-    polled.push_back({.fd = client.socket.get(), .events = static_cast<short>(events), .revents = 0});
+    short events = 0;
+    if (!client.asked) events = POLLIN;
+    if (client.answered) events = POLLOUT;
+    polled.push_back({.fd = client.socket.get(), .events = events, .revents = 0});
   }
 }
 
@@ -39,6 +41,7 @@ void LaunchdClients::serve(const std::vector<pollfd>& polled) {
   if (listening_ && eventsOf(listening_.get(), polled) != 0) accept();
 }
 
+/// Who still waits for an answer gets none: what it would tell ends with the stage.
 void LaunchdClients::finish() {
   listening_.close();
   std::erase_if(clients_, [](const auto& entry) { return !entry.second.answered; });
@@ -73,6 +76,7 @@ void LaunchdClients::serveClient(std::uint64_t number, short events) {
   if (!stays) clients_.erase(number);
 }
 
+/// The asker closes its half when the question is whole, so no length has to be agreed upon.
 bool LaunchdClients::read(std::uint64_t number, Client& client) {
   std::array<char, 4096> bytes;
   const auto size =

@@ -44,7 +44,7 @@ class LaunchdClients {
   void serveClient(std::uint64_t number, short events);
   /// False when the client is done with.
   bool read(std::uint64_t number, Client& client);
-  bool write(Client& client);
+  static bool write(Client& client);
   void answer(std::uint64_t number, const LaunchdAnswer& answer);
 
   platform::Descriptor listening_;

@@ -63,7 +63,7 @@ class Loop {
     launchd_.services().resume(Clock::now());
     while (turn()) {
     }
-    processes_.endAll();
+    LaunchdProcesses::endAll();
     if (launchd_.shutdown()) (*launchd_.shutdown())({});
     clients_.finish();
   }

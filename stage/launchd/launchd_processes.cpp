@@ -9,6 +9,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
 #include "stage/common/program_log.hpp"
 #include "stage/common/stage_census.hpp"
 #include "values/fatal.hpp"
@@ -20,14 +21,7 @@ void note(const std::string& text) {
   logLine(STDERR_FILENO, text);
 }
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-  std::vector<char*> result;
-  for (auto& text : texts)
-    result.push_back(text.data());
-  result.push_back(nullptr);
-  return result;
-}
-
+/// Nothing of launchd's own environment: a job sees what its definition says and what every job of a Mac has.
 std::vector<std::string> environmentFor(const StageRoot& root, const JobDefinition& definition) {
   auto variables = definition.environment;
   variables.emplace("PATH", "/usr/bin:/bin:/usr/sbin:/sbin");
@@ -87,6 +81,7 @@ std::string endingText(pid_t pid, const Ending& ending) {
 
 }  // namespace
 
+/// A helper whose parent is gone becomes a child of this process, and is found when the stage ends.
 LaunchdProcesses::LaunchdProcesses(const StageRoot& root) : root_(root), errands_(root) {
   if (::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) values::fatal("launchd cannot adopt orphans");
 }
@@ -101,8 +96,9 @@ std::optional<pid_t> LaunchdProcesses::start(const JobDefinition& definition) {
   auto arguments = definition.arguments;
   auto environment = environmentFor(root_, definition);
   pid_t pid = 0;
-  const int error = ::posix_spawn(&pid, executable->c_str(), settings.actions(), settings.attributes(),
-                                  pointers(arguments).data(), pointers(environment).data());
+  const int error =
+      ::posix_spawn(&pid, executable->c_str(), settings.actions(), settings.attributes(),
+                    platform::vectorOf(arguments).data(), platform::vectorOf(environment).data());
   if (error != 0) {
     note(definition.label + ": " + definition.program + " cannot be started: " + std::strerror(error));
     return std::nullopt;
@@ -125,6 +121,7 @@ void LaunchdProcesses::killGroup(pid_t group) {
   ::killpg(group, SIGKILL);
 }
 
+/// Looked at before it is reaped, so that its group can be killed while nobody else can have the number.
 void LaunchdProcesses::reap(JobTable& jobs, JobTable::Time now) {
   for (;;) {
     siginfo_t info{};

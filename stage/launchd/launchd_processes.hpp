@@ -27,7 +27,7 @@ class LaunchdProcesses final : public ProcessControl {
 
   /// Kills every child until none is left; the children of a killed one become children of this process and
   /// follow. Blocks until the last has been reaped.
-  void endAll();
+  static void endAll();
 
  private:
   const StageRoot& root_;

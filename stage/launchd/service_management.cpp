@@ -10,6 +10,7 @@
 namespace tamo::stage {
 namespace {
 
+/// The codes of SMErrors.h.
 constexpr int kInternalFailure = 2;
 constexpr int kNotRegistered = 6;
 constexpr int kListMissing = 8;
@@ -36,6 +37,7 @@ LaunchdAnswer ServiceManagement::status(const std::string& plistName) const {
   return {.output = record ? std::to_string(record->status) : root_.setting("never-registered-status", "0")};
 }
 
+/// The registration is kept before the job is loaded, so that a login after a power failure loads it.
 LaunchdAnswer ServiceManagement::registerAgent(const std::string& bundle, const std::string& plistName,
                                                Time now) {
   if (auto error = orderedError("next-register-error")) return *error;
@@ -49,6 +51,7 @@ LaunchdAnswer ServiceManagement::registerAgent(const std::string& bundle, const 
   return load(plistName, record, now);
 }
 
+/// An ordered delay holds the answer back and not the work, as a slow answer of a Mac would come.
 void ServiceManagement::unregisterAgent(const std::string& plistName, Time now, const Reply& reply) {
   const auto due = now + unregisterDelay();
   const auto answer = [this, due, reply](const LaunchdAnswer& what) {

@@ -11,6 +11,7 @@
 namespace tamo::stage {
 namespace {
 
+/// The name becomes that of a file, so one that leads to another folder is refused.
 std::optional<std::string> fileOf(const StageRoot& root, const std::string& plistName) {
   const bool oneName = plistName.find('/') == std::string::npos && !plistName.starts_with(".");
   if (plistName.empty() || !oneName) return std::nullopt;

@@ -13,6 +13,7 @@ std::string_view takeComponent(std::string_view& rest) {
   return component;
 }
 
+/// Kept as a text: launchctl repeats the number as it was given.
 bool isNumber(std::string_view text) {
   return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
 }

@@ -121,6 +121,7 @@ class Reader {
   std::size_t next_ = 0;
 };
 
+/// From left to right, never again over what was put in.
 std::string replaced(std::string_view text, std::string_view what, std::string_view by) {
   std::string whole;
   std::size_t start = 0;
@@ -141,6 +142,7 @@ std::string joined(const ScriptText& text) {
   return whole;
 }
 
+/// A script with a character that begins no word is read as an empty one, which is no script either.
 std::expected<ShellRequest, ScriptError> shellRequest(std::string_view script,
                                                       const std::vector<std::string>& arguments) {
   auto words = scriptWords(script);
@@ -151,6 +153,7 @@ std::expected<ShellRequest, ScriptError> shellRequest(std::string_view script,
   }
 }
 
+/// A quote within ends the quoting, stands there by itself, and the quoting begins anew.
 std::string quotedForm(std::string_view text) {
   std::string quoted("'");
   return quoted.append(replaced(text, "'", R"('\'')")).append("'");

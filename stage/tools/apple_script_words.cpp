@@ -20,6 +20,7 @@ ScriptWord takeName(std::string_view& rest) {
   return word;
 }
 
+/// The escapes of AppleScript. One that it does not know is a mistake in the script.
 std::optional<char> escaped(char letter) {
   switch (letter) {
     case 'n':
@@ -55,7 +56,7 @@ std::optional<ScriptWord> takeLiteral(std::string_view& rest) {
   return std::nullopt;
 }
 
-std::optional<ScriptWord> takeWord(std::string_view& rest) {
+std::optional<ScriptWord> takeScriptWord(std::string_view& rest) {
   const char first = rest.front();
   if (first == '"') return takeLiteral(rest);
   if (isNameLetter(first)) return takeName(rest);
@@ -68,6 +69,7 @@ std::optional<ScriptWord> takeWord(std::string_view& rest) {
 
 }  // namespace
 
+/// The end of the last line is added where it is missing, so that each line can be read in the same way.
 std::optional<std::vector<ScriptWord>> scriptWords(std::string_view script) {
   std::vector<ScriptWord> words;
   for (auto rest = script; !rest.empty();) {
@@ -75,7 +77,7 @@ std::optional<std::vector<ScriptWord>> scriptWords(std::string_view script) {
       rest.remove_prefix(1);
       continue;
     }
-    auto word = takeWord(rest);
+    auto word = takeScriptWord(rest);
     if (!word) return std::nullopt;
     words.push_back(*std::move(word));
   }

@@ -5,12 +5,12 @@
 #include <iostream>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
+#include "stage/common/exit_status.hpp"
 #include "stage/common/tool_fault.hpp"
 
 namespace tamo::stage {
 namespace {
-
-constexpr int kFailed = 1;
 
 int complain(const std::string& path, int error) {
   std::cerr << "ditto: " << path << ": " << std::strerror(error) << "\n";
@@ -23,12 +23,9 @@ std::optional<std::string> destination(const StageRoot& root, const std::string&
   return item ? item : root.entry(path);
 }
 
+/// In this very process, so that whoever ends the tool ends the copying.
 int become(std::vector<std::string> words) {
-  std::vector<char*> pointers;
-  for (auto& word : words)
-    pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-  ::execv(words.front().c_str(), pointers.data());
+  ::execv(words.front().c_str(), platform::vectorOf(words).data());
   return complain(words.front(), errno);
 }
 

@@ -10,6 +10,7 @@
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/launchd_wire.hpp"
+#include "stage/common/exit_status.hpp"
 #include "stage/common/program_log.hpp"
 #include "stage/common/stage_presence.hpp"
 #include "stage/common/tool_fault.hpp"
@@ -18,14 +19,13 @@
 namespace tamo::stage {
 namespace {
 
-constexpr int kFailed = 1;
-constexpr int kUsage = 64;
-
 struct Answer {
   const char* word;
   const char* error;
   int number;
 };
+/// What a Mac's interpreter reports: -128 for a prompt that the user closes, and two of the authorization's
+/// errors.
 constexpr Answer refusals[] = {
     {"cancel", "User canceled.", -128},
     {"refuse", "This user may not act as an administrator.", -60005},
@@ -40,7 +40,7 @@ int failed(const ScriptError& error) {
 std::string answered(const StageRoot& root) {
   const StagePresence presence(root.directory());
   for (;;) {
-    const auto answer = root.setting("administrator", "agree");
+    auto answer = root.setting("administrator", "agree");
     if (answer != "wait") return answer;
     if (!presence.isThere()) return "cancel";
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -65,6 +65,7 @@ std::optional<ScriptError> askedUser(const StageRoot& root, const std::string& p
                      .number = -60008};
 }
 
+/// By launchd and not by this process, because on a Mac too it is another process that has the rights.
 int asAdministrator(const StageRoot& root, const std::string& command) {
   const auto answer = askLaunchd(root, {"administrator", command});
   if (!answer) return failed({.text = "launchd does not answer.", .number = -60008});

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <sys/xattr.h>
 
+#include "stage/common/exit_status.hpp"
 #include "stage/common/tool_fault.hpp"
 
 namespace tamo::stage {
@@ -13,8 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kFailed = 1;
-constexpr int kUsage = 64;
 constexpr std::string_view userSpace = "user.";
 
 /// The attributes of one item that users may set, by the names of a Mac; none when they cannot be read.
@@ -42,6 +41,7 @@ class Work {
   }
 
  private:
+  /// A link on the way down is passed over: what it leads to is not below the item.
   void visitAll(const std::string& path) {
     const auto item = root_.existing(path);
     if (!item) return fail(path, "No such file: " + path);
