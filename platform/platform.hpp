@@ -42,6 +42,26 @@ struct Platform {
   LogSystem& logSystem;
 };
 
+/// The platform of a backend's parts, each of which has its name here.
+template <class Parts>
+[[nodiscard]] Platform platformOf(Parts& parts) {
+  return {.application = parts.application,
+          .mainQueue = parts.mainQueue,
+          .agentServices = parts.agentServices,
+          .workspace = parts.workspace,
+          .processes = parts.processes,
+          .kernelProcesses = parts.kernelProcesses,
+          .threads = parts.threads,
+          .files = parts.files,
+          .userFiles = parts.userFiles,
+          .lockFiles = parts.lockFiles,
+          .bundles = parts.bundles,
+          .user = parts.user,
+          .clock = parts.clock,
+          .localSockets = parts.localSockets,
+          .logSystem = parts.logSystem};
+}
+
 /// The real objects of the system that this program was built for.
 class Host {
  public:

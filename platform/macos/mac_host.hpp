@@ -25,36 +25,26 @@ class MacHost final : public platform::Host {
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
 
  private:
-  MacApplication application_;
-  MacMainQueue mainQueue_;
-  MacAgentServices agentServices_;
-  MacWorkspace workspace_;
-  platform::PosixProcesses processes_;
-  MacKernelProcesses kernelProcesses_;
-  platform::PosixThreads threads_;
-  MacFiles files_;
-  MacUserFiles userFiles_;
-  platform::PosixLockFiles lockFiles_;
-  MacBundles bundles_;
-  platform::PosixUser user_;
-  platform::PosixClock clock_;
-  platform::PosixLocalSockets localSockets_;
-  MacLog log_;
-  platform::Platform platform_{.application = application_,
-                               .mainQueue = mainQueue_,
-                               .agentServices = agentServices_,
-                               .workspace = workspace_,
-                               .processes = processes_,
-                               .kernelProcesses = kernelProcesses_,
-                               .threads = threads_,
-                               .files = files_,
-                               .userFiles = userFiles_,
-                               .lockFiles = lockFiles_,
-                               .bundles = bundles_,
-                               .user = user_,
-                               .clock = clock_,
-                               .localSockets = localSockets_,
-                               .logSystem = log_};
+  struct Parts {
+    MacApplication application;
+    MacMainQueue mainQueue;
+    MacAgentServices agentServices;
+    MacWorkspace workspace;
+    platform::PosixProcesses processes;
+    MacKernelProcesses kernelProcesses;
+    platform::PosixThreads threads;
+    MacFiles files;
+    MacUserFiles userFiles;
+    platform::PosixLockFiles lockFiles;
+    MacBundles bundles;
+    platform::PosixUser user;
+    platform::PosixClock clock;
+    platform::PosixLocalSockets localSockets;
+    MacLog logSystem;
+  };
+
+  Parts parts_;
+  platform::Platform platform_ = platform::platformOf(parts_);
 };
 
 }  // namespace tamo::macos

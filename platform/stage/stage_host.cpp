@@ -4,35 +4,22 @@
 
 namespace tamo::stage {
 
-StageHost::StageHost(const StageRoot& root, const std::string& executable)
-    : root_(root),
-      clock_(root_),
-      runLoop_(root_),
-      processes_(root_),
-      files_(root_),
-      lockFiles_(root_),
-      bundles_(root_, executable),
-      user_(root_),
-      userFiles_(root_, clock_),
-      localSockets_(root_),
-      log_(root_, clock_),
-      agentServices_(root_, bundles_, threads_, runLoop_),
-      workspace_(root_, runLoop_, threads_),
-      platform_{.application = runLoop_,
-                .mainQueue = runLoop_,
-                .agentServices = agentServices_,
-                .workspace = workspace_,
-                .processes = processes_,
-                .kernelProcesses = kernelProcesses_,
-                .threads = threads_,
-                .files = files_,
-                .userFiles = userFiles_,
-                .lockFiles = lockFiles_,
-                .bundles = bundles_,
-                .user = user_,
-                .clock = clock_,
-                .localSockets = localSockets_,
-                .logSystem = log_} {}
+StageHost::Parts::Parts(const StageRoot& stage, const std::string& executable)
+    : root(stage),
+      clock(root),
+      mainQueue(root),
+      processes(root),
+      files(root),
+      lockFiles(root),
+      bundles(root, executable),
+      user(root),
+      userFiles(root, clock),
+      localSockets(root),
+      logSystem(root, clock),
+      agentServices(root, bundles, threads, mainQueue),
+      workspace(root, mainQueue, threads) {}
+
+StageHost::StageHost(const StageRoot& root, const std::string& executable) : parts_(root, executable) {}
 
 }  // namespace tamo::stage
 

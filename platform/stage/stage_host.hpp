@@ -28,22 +28,30 @@ class StageHost final : public platform::Host {
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
 
  private:
-  StageRoot root_;
-  StageClock clock_;
-  platform::PosixThreads threads_;
-  RunLoop runLoop_;
-  StageProcesses processes_;
-  StageKernelProcesses kernelProcesses_;
-  StageFiles files_;
-  StageLockFiles lockFiles_;
-  StageBundles bundles_;
-  StageUser user_;
-  StageUserFiles userFiles_;
-  StageLocalSockets localSockets_;
-  StageLog log_;
-  StageAgentServices agentServices_;
-  StageWorkspace workspace_;
-  platform::Platform platform_;
+  /// Each is made after those that it refers to.
+  struct Parts {
+    Parts(const StageRoot& stage, const std::string& executable);
+
+    StageRoot root;
+    StageClock clock;
+    platform::PosixThreads threads;
+    RunLoop mainQueue;
+    RunLoop& application = mainQueue;
+    StageProcesses processes;
+    StageKernelProcesses kernelProcesses;
+    StageFiles files;
+    StageLockFiles lockFiles;
+    StageBundles bundles;
+    StageUser user;
+    StageUserFiles userFiles;
+    StageLocalSockets localSockets;
+    StageLog logSystem;
+    StageAgentServices agentServices;
+    StageWorkspace workspace;
+  };
+
+  Parts parts_;
+  platform::Platform platform_ = platform::platformOf(parts_);
 };
 
 }  // namespace tamo::stage
