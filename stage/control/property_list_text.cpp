@@ -30,7 +30,7 @@ std::string escapedXml(const std::string& text) {
 class XmlWriter {
  public:
   void write(const PropertyList& list) {
-    std::visit([this](const auto& value) { element(value); }, list.value);
+    std::visit([this](const auto& value) { this->element(value); }, list.value);
   }
   std::string text;
 
