@@ -13,8 +13,8 @@ source scripts/building.sh
 folders="values platform guard hardstop launch move app stage"
 tidy=build/tidy
 
-# One a line: a unit and its sources. The tests have none, what is only the precompiled headers has none, and of programs
-# that differ in their constants one is enough.
+# One a line, the largest first: a unit and its sources. The tests have none, what is only the precompiled headers has
+# none, and of programs that differ in their constants one is enough.
 units_of_build() {
   local unit sources
   sed -n 's/^ *"file": "\(.*\)",\{0,1\}$/\1/p' "$tidy/compile_commands.json" | sort -u | while read -r unit; do
@@ -27,7 +27,7 @@ units_of_build() {
       "$tidy"/*) ;;
       *) printf '%s\t%s\n' "$unit" "$unit" ;;
     esac
-  done | awk -F '\t' '!seen[$2]++'
+  done | awk -F '\t' '!seen[$2]++ { print split($2, sources, " ") "\t" $0 }' | sort -k 1,1nr -s | cut -f 2-
 }
 
 # Sources that no unit has are told: those of a Mac are compiled on a Mac only.

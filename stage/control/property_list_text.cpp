@@ -30,14 +30,15 @@ std::string escapedXml(const std::string& text) {
 class XmlWriter {
  public:
   void write(const PropertyList& list) {
-    std::visit([this](const auto& value) { this->element(value); }, list.value);
+    std::visit([this](const auto& value) { element(value); }, list.value);
   }
   std::string text;
 
  private:
   void line(const std::string& what) { text += std::string(depth_, '\t') + what + "\n"; }
 
-  static void element(const PropertyList::Other& /*value*/) {
+  // NOLINTNEXTLINE(readability-convert-member-functions-to-static): called as one of the overloads.
+  void element(const PropertyList::Other& /*value*/) {
     values::fatal("a stage writes no such property list");
   }
   void element(bool value) { line(value ? "<true/>" : "<false/>"); }
