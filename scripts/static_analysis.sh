@@ -10,7 +10,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/building.sh
 
-folders="values platform guard hardstop launch move app stage"
+folders=(values platform guard hardstop launch move app stage)
 tidy=build/tidy
 
 # One a line, the largest first: a unit and its sources. The tests have none, what is only the precompiled headers has
@@ -33,7 +33,7 @@ units_of_build() {
 # Sources that no unit has are told: those of a Mac are compiled on a Mac only.
 left_out() {
   local source
-  find $folders -name '*.cpp' | grep -v /macos/ | sort | while read -r source; do
+  find "${folders[@]}" -name '*.cpp' | grep -v /macos/ | sort | while read -r source; do
     grep -qF "/$source" "$tidy/units" || echo "static analysis: $source is in no unit"
   done
 }
@@ -66,7 +66,7 @@ analyse() {
 mkdir -p "$tidy/clean" "$tidy/logs"
 quietly build/tidy.configure.log cmake --preset daily -B "$tidy" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 \
   -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
-find $folders -name '*.hpp' -exec sha256sum {} + | sort >"$tidy/headers"
+find "${folders[@]}" -name '*.hpp' -exec sha256sum {} + | sort >"$tidy/headers"
 { clang-tidy-19 --version; cat .clang-tidy; } >"$tidy/rules"
 units_of_build >"$tidy/units"
 failed=0
