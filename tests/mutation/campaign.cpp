@@ -48,13 +48,14 @@ void removeVanished(const fs::path& original, const fs::path& copy) {
 void copyTree(const fs::path& original, const fs::path& copy,
               const std::map<std::string, std::string>& changed) {
   removeVanished(original, copy);
-  writeIfChanged(copy / "CMakeLists.txt", wholeText(original / "CMakeLists.txt"));
+  const auto copyFile = [&](const std::string& name) {
+    const auto found = changed.find(name);
+    writeIfChanged(copy / name, found == changed.end() ? wholeText(original / name) : found->second);
+  };
+  copyFile("CMakeLists.txt");
   for (const auto& folder : builtFolders()) {
     for (const auto& entry : fs::recursive_directory_iterator(original / folder)) {
-      if (!entry.is_regular_file()) continue;
-      const auto name = fs::relative(entry.path(), original).string();
-      const auto found = changed.find(name);
-      writeIfChanged(copy / name, found == changed.end() ? wholeText(entry.path()) : found->second);
+      if (entry.is_regular_file()) copyFile(fs::relative(entry.path(), original).string());
     }
   }
 }
