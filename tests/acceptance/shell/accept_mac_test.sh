@@ -21,7 +21,7 @@ tool() {
 # A Mac on which everything is there and nothing stands in the way.
 lay() {
   rm -rf "$folder"
-  mkdir -p "$folder/bin" "$folder/Applications" "$folder/home/Downloads" "$folder/work/build"
+  mkdir -p "$folder/bin" "$folder/Applications" "$folder/home/Downloads" "$folder/home/.Trash" "$folder/work"
   echo 'echo 14.5' | tool sw_vers
   echo 'exit 0' | tool xcode-select
   echo 'exit 0' | tool cmake
@@ -29,8 +29,12 @@ lay() {
   echo 'echo 501' | tool id
   echo 'exit 1' | tool pgrep
   echo "echo pkill \"\$*\" >>'$folder/asked'" | tool pkill
+  echo 'exit 0' | tool log
+  # An attribute is a file of its name here.
+  echo '[[ $1 == -p && -e $3/$2 ]]' | tool xattr
   echo "echo open \"\$*\" >>'$folder/asked'; rm -f '$folder/registered'" | tool open
-  echo 'echo "  1) ABCDEF \"Developer ID Application: Somebody (TEAM000000)\""' | tool security
+  # Far more than a pipe holds, for whoever does not read to the end.
+  tool security <<<'echo "  1) ABCDEF \"Developer ID Application: Somebody (TEAM000000)\""; seq 20000'
   printf 'echo head\necho "disk 9 9 %s 1%% /"\n' 5000000 | tool df
   tool launchctl <<SH
 echo launchctl "\$*" >>'$folder/asked'
@@ -52,7 +56,7 @@ run() {
     cd "$folder/work" && PATH="$folder/bin:$PATH" HOME="$folder/home" bash -c '
       set -euo pipefail
       cd "$0"; source "$1/scripts/accept_mac.sh"; cd "$2"
-      applications=$3/Applications home=$3/home journal=$3/work/build/accept.journal lsregister=true
+      applications=$3/Applications home=$3/home journal=$3/work/build/accept.journal lsregister=true patience=1
       build_parts() { echo built >>"$folder/asked"; }
       play_parts() { eval "$player"; }
       folder=$3 player=$4
@@ -82,6 +86,8 @@ missing "macOS 13 or later is needed; this is 12.7.6" sw_vers <<<'echo 12.7.6'
 missing "Xcode's command line tools are missing: xcode-select --install" xcode-select <<<'exit 2'
 missing "there is no login session: log in at the screen, and start this in a terminal there" launchctl <<<'exit 125'
 missing "less than 1000 MB are free on the disk of $folder/work" df <<<'echo head; echo "disk 9 9 999999 99% /"'
+missing "this user may not read the system's log; ./accept --with-me move-administrator move-cancelled is all that can be played" \
+  log <<<'echo "log: Could not open local log store: Operation not permitted"; exit 64'
 missing "Tamo is running; quit it first" pgrep <<<'[[ $2 == Tamo ]]'
 missing "Tamo is running; quit it first" pgrep <<<'[[ $2 == "Tamo Core" ]]'
 
@@ -102,16 +108,30 @@ refuses "$folder/home/Library/Containers/studio.pell.Tamo was not made by this c
 lay; touch "$folder/registered"; run
 refuses "an agent studio.pell.tamo.core is registered already; unregister it first"
 
-# Without the right to /Applications. Root may write everywhere, so the question itself is answered by the test.
-no_right() {
-  said=$(bash -c 'cd "$0"; source scripts/accept_mac.sh; applications=/nowhere; missing_right "$@"' "$project" "$@")
+# What is there on a Mac that could be harmed is no reason not to name the checks.
+lay; mkdir -p "$folder/Applications/Tamo.app"; player='echo listed' run --list
+[[ $status == 0 && $said == listed ]] || fault "the checks are named on any Mac: $status $said"
+
+# A user who may not read the log, or not write to /Applications, which only the words tell apart here: root may write
+# everywhere.
+prompts() {
+  lay
+  echo 'exit 64' | tool log
+  run "$@"
 }
-no_right
+prompts --with-me --report lock move-administrator move-cancelled
+[[ $status == 0 ]] || fault "the two checks of such a user are played: $said"
+for words in '--with-me' '--with-me move-administrator register' '--with-me --report move-cancelled'; do
+  # shellcheck disable=SC2086
+  prompts $words
+  [[ $status == 2 ]] || fault "no other check goes with them: $words"
+done
+said=$(bash -c 'cd "$0"; source scripts/accept_mac.sh; applications=/nowhere; missing_right' "$project")
 [[ $said == *"may not write to /nowhere"* ]] || fault "a user without the right is told: $said"
-no_right --with-me move-administrator move-cancelled
-[[ -z $said ]] || fault "the two checks without the right are played: $said"
-no_right --with-me move-administrator register
-[[ $said ]] || fault "no other check goes with them"
+
+# A journal that cannot be kept: nothing is made.
+lay; touch "$folder/work/build"; run
+refuses "the journal $folder/work/build/accept.journal cannot be written"
 
 # What a run makes is taken away, whatever its status.
 everything='
@@ -126,6 +146,13 @@ everything='
   mkdir -p "$home/Library/Containers/studio.pell.Tamo/Data"
   note "path $home/Downloads/Tamo acceptance"
   mkdir -p "$home/Downloads/Tamo acceptance/Tamo.app"
+  note "path $folder/T/studio.pell.tamo.core.job.lock"
+  mkdir -p "$folder/T"
+  touch "$folder/T/studio.pell.tamo.core.job.lock"
+  note "path $folder/T/tamo-acceptance-sample"
+  mkdir -p "$folder/T/tamo-acceptance-sample/Tamo.app"
+  note trash
+  mkdir -p "$home/.Trash/Tamo 2.app/Contents/Resources"; touch "$home/.Trash/Tamo 2.app/Contents/Resources/acceptance-sample"
   app="$applications/Tamo.app"
   note "path $app"
   note "path $app.making"
@@ -138,7 +165,7 @@ everything='
 nothing_left() {
   local item
   for item in Applications/Tamo.app Applications/Tamo.app.making "home/Library/Application Support/Tamo.making" "home/Downloads/Tamo acceptance" "home/Library/Application Support/Tamo" \
-    home/Library/Containers/studio.pell.Tamo registered work/build/accept.journal; do
+    T/studio.pell.tamo.core.job.lock T/tamo-acceptance-sample "home/.Trash/Tamo 2.app" home/Library/Containers/studio.pell.Tamo registered work/build/accept.journal; do
     [[ -e $folder/$item ]] && fault "$1: $item is left"
   done
 }
@@ -147,6 +174,10 @@ lay; player=$everything run
 [[ $status == 0 ]] || fault "a run that held ends with 0: $status $said"
 nothing_left "after a run"
 grep -q 'open .*--core-action unregister' "$folder/asked" || fault "the companion unregisters what it registered"
+for copy in Applications "home/Downloads/Tamo acceptance"; do
+  grep -qF "pkill -KILL -f ^$(sed 's/\./\\./g' <<<"$folder/$copy/Tamo.app")/Contents/" "$folder/asked" ||
+    fault "the programs of the copy are ended: $copy"
+done
 lay; player="$everything; return 1" run
 [[ $status == 1 ]] || fault "a run that did not hold ends with 1: $status"
 nothing_left "after a run that failed"
@@ -156,6 +187,44 @@ for signal in INT TERM HUP; do
   ((status > 128)) || fault "an interrupted run ends by its signal: $signal $status"
   nothing_left "after $signal"
 done
+
+# A player that is at work when the signal comes does not keep it waiting, and ends with it. Another start meanwhile is
+# refused, and takes nothing away.
+lay
+player="$everything; echo \$BASHPID >'$folder/played'; exec sleep 300" run &
+first=$!
+for ((look = 0; look < 300; look++)); do [[ -s $folder/played ]] && break; sleep 0.1; done
+held=$(sed -n 's/^run //p' "$folder/work/build/accept.journal")
+run
+[[ $status == 2 && $said == "accept: another ./accept is at work here, as process $held" ]] ||
+  fault "a second run is refused: $status $said"
+[[ -e $folder/Applications/Tamo.app && -e $folder/registered ]] || fault "a second run takes nothing away"
+SECONDS=0
+kill -TERM "$held"
+wait "$first"
+((SECONDS < 60)) || fault "a signal is heard at once, and not after $SECONDS s"
+kill -0 "$(<"$folder/played")" 2>/dev/null && fault "the player ends with the run"
+nothing_left "after a signal during the play"
+
+# A tool that hangs does not keep the rest from being taken away.
+lay; echo "echo \$\$ >'$folder/hangs'; exec sleep 300" | tool open; player=$everything run
+[[ $status == 0 ]] || fault "launchd takes the agent away where the companion hangs: $status $said"
+nothing_left "after a companion that hangs"
+kill -0 "$(<"$folder/hangs")" 2>/dev/null && fault "the tool that hangs is ended"
+
+# A Trash that this terminal may not look into is told of, and one of somebody else in it stays.
+lay; mkdir -p "$folder/home/.Trash/Tamo.app/Contents"; player=$everything run
+[[ -e $folder/home/.Trash/Tamo.app ]] || fault "what somebody else threw away stays"
+lay; echo 'exit 1' | tool ls; player=$everything run
+[[ $status == 0 && $said == *"empty it in the Finder" ]] || fault "the Trash is told of: $status $said"
+
+# A real Tamo that was put there by a run bears its mark as an attribute.
+lay
+mkdir -p "$folder/Applications/Tamo.app" "$folder/work/build"
+touch "$folder/Applications/Tamo.app/studio.pell.tamo.acceptance"
+echo "path $folder/Applications/Tamo.app" >"$folder/work/build/accept.journal"
+run
+[[ $status == 0 && ! -e $folder/Applications/Tamo.app ]] || fault "a real Tamo that was put there is taken away: $said"
 
 # One that was killed at each of its steps leaves a journal, and the next start clears first.
 lines=$(grep -c . <<<"$everything")
@@ -169,7 +238,7 @@ done
 
 # What bears no mark is never taken away, whatever a journal says.
 lay
-mkdir -p "$folder/Applications/Tamo.app/Contents" "$folder/home/Documents"
+mkdir -p "$folder/Applications/Tamo.app/Contents" "$folder/home/Documents" "$folder/work/build"
 printf 'path %s\n' "$folder/Applications/Tamo.app" "$folder/home/Documents" / >"$folder/work/build/accept.journal"
 run
 [[ $status == 1 && -e $folder/Applications/Tamo.app && -e $folder/home/Documents ]] || fault "only what is marked goes: $said"
@@ -178,6 +247,7 @@ run
 
 # What cannot be removed is told, with the way to do it.
 lay
+mkdir -p "$folder/work/build"
 sample "$folder/Applications/Tamo.app"
 echo "path $folder/Applications/Tamo.app" >"$folder/work/build/accept.journal"
 echo 'exit 1' | tool rm
@@ -187,11 +257,17 @@ run
 
 # An agent that stays registered is told as well.
 lay
+mkdir -p "$folder/work/build"
 touch "$folder/registered"
 echo registered >"$folder/work/build/accept.journal"
 tool launchctl <<<'exit 0'
 run
 [[ $status == 1 && $said == *"launchctl bootout gui/501/studio.pell.tamo.core"* ]] || fault "the agent is told: $said"
+
+# What is told of the command is told from anywhere, and is not its text.
+said=$(cd / && "$project/accept" --help)
+status=$?
+[[ $status == 2 && $said == *'./accept --list'* && $said != *$'\n'set* ]] || fault "the help is told: $status $said"
 
 rm -rf "$folder"
 ((faults == 0)) && echo "all is well"
