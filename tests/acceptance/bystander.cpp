@@ -13,11 +13,13 @@
 namespace tamo::acceptance {
 namespace {
 
+/// It ends with whoever started it: nobody else would end it, and a terminal's signal does not reach its group.
 constexpr auto script =
-    "notes=$1\n"
+    "notes=$1 starter=$2\n"
     "for name in HUP INT QUIT TERM USR1 USR2 CONT; do trap \"echo $name >>'$notes'\" $name; done\n"
     "echo >>\"$notes\"\n"
-    "while :; do sleep 1; done\n";
+    "while kill -0 \"$starter\"; do sleep 1; done\n"
+    "rm -f \"$notes\"\n";
 
 }  // namespace
 
@@ -26,7 +28,7 @@ Bystander::Bystander() {
   const int file = ::mkstemp(notes_.data());
   if (file < 0) throw PlaceError("no file for the notes of a bystander");
   ::close(file);
-  pid_ = startProgram({.words = {"/bin/sh", "-c", script, "bystander", notes_}});
+  pid_ = startProgram({.words = {"/bin/sh", "-c", script, "bystander", notes_, std::to_string(::getpid())}});
   // Its first line says that it listens.
   for (int look = 0; look < 500 && platform::posix::readWhole(notes_).value_or("").empty(); ++look)
     ::usleep(10'000);

@@ -5,14 +5,15 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <limits>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "acceptance/place.hpp"
+#include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/host_differences.hpp"
-#include "platform/posix/posix_files.hpp"
 
 namespace tamo::acceptance {
 namespace {
@@ -86,6 +87,8 @@ Run runProgram(const Program& program, std::chrono::seconds limit) {
   const platform::Descriptor file(::mkstemp(name.data()));
   if (!file) throw PlaceError("no file for the output of " + program.words.front());
   ::fcntl(file.get(), F_SETFD, FD_CLOEXEC);
+  // Nothing is left of it, whatever becomes of this process.
+  ::unlink(name.c_str());
   auto given = program;
   given.output = file.get();
   const auto pid = startProgram(given);
@@ -99,9 +102,9 @@ Run runProgram(const Program& program, std::chrono::seconds limit) {
     ::kill(-pid, SIGKILL);
     platform::uninterrupted([&] { return ::waitpid(pid, nullptr, 0); });
   }
-  Run run{.status = status.value_or(-1), .text = platform::posix::readWhole(name).value_or("")};
-  ::unlink(name.c_str());
-  return run;
+  ::lseek(file.get(), 0, SEEK_SET);
+  const auto text = platform::readToEnd(file.get(), std::numeric_limits<std::size_t>::max());
+  return {.status = status.value_or(-1), .text = text.value_or("")};
 }
 
 }  // namespace tamo::acceptance

@@ -1,4 +1,7 @@
+#include <array>
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
@@ -32,6 +35,18 @@ TEST(ChildTest, OneThatDoesNotEndIsKilledWithAllThatItStarted) {
   const auto run = runProgram(shell("echo begun; sleep 60 & wait"), std::chrono::seconds(1));
   EXPECT_EQ(run.status, -1);
   EXPECT_EQ(run.text, "begun\n");
+}
+
+TEST(ChildTest, NoFileIsThereWhileAProgramRuns) {
+  // In a directory of this test's own: others run programs as well.
+  const auto own = ::testing::TempDir() + "outputs-" + std::to_string(::getpid());
+  std::filesystem::create_directory(own);
+  const auto before = std::filesystem::temp_directory_path();
+  ::setenv("TMPDIR", own.c_str(), 1);
+  const auto run = runProgram(shell("ls \"$TMPDIR\"; echo listed"));
+  ::setenv("TMPDIR", before.c_str(), 1);
+  std::filesystem::remove_all(own);
+  EXPECT_EQ(run.text, "listed\n");
 }
 
 TEST(ChildTest, OneThatIsNotThereIsAFault) {
@@ -94,6 +109,33 @@ TEST(BystanderTest, OneThatWasKilledIsGone) {
   for (int look = 0; look < 500 && bystander.signalled().empty(); ++look)
     ::usleep(10'000);
   EXPECT_EQ(bystander.signalled(), "gone");
+}
+
+/// Somebody who starts a bystander and is cut off; gives the bystander's pid.
+pid_t bystanderOfOneThatWasKilled() {
+  std::array<int, 2> ends{};
+  if (::pipe(ends.data()) != 0) return 0;
+  const auto starter = ::fork();
+  if (starter == 0) {
+    const Bystander bystander;
+    const auto pid = oldestChild();
+    static_cast<void>(::write(ends[1], &pid, sizeof pid));
+    ::raise(SIGKILL);
+  }
+  pid_t pid = 0;
+  const auto count = ::read(ends[0], &pid, sizeof pid);
+  ::waitpid(starter, nullptr, 0);
+  ::close(ends[0]);
+  ::close(ends[1]);
+  return count == sizeof pid ? pid : 0;
+}
+
+TEST(BystanderTest, ItEndsWithWhoeverStartedIt) {
+  const auto pid = bystanderOfOneThatWasKilled();
+  ASSERT_GT(pid, 1);
+  for (int look = 0; look < 500 && ::kill(pid, 0) == 0; ++look)
+    ::usleep(10'000);
+  EXPECT_NE(::kill(pid, 0), 0);
 }
 
 TEST(IdentityTest, WhoeverRunsThisHasANameAHomeAndAHost) {
