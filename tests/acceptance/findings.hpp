@@ -33,6 +33,7 @@ class Findings {
   /// Gives back whether it holds, so that a check can stop where nothing more can be seen.
   bool that(bool holds, const std::string& what, const std::string& seen = {});
   bool equal(const std::string& what, const std::string& expected, const std::string& seen);
+  void add(const Judgement& judgement) { judgements_.push_back(judgement); }
   void fact(const std::string& question, const std::string& answer) { facts_.push_back({question, answer}); }
   void keep(const std::string& name, const std::string& text);
 

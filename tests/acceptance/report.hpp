@@ -34,7 +34,8 @@ struct Counts {
 [[nodiscard]] std::string markdownOf(const Report& report);
 [[nodiscard]] std::string jsonOf(const Report& report);
 
-/// Removes what an earlier report of the folder kept of any check, so that no two are mixed.
+/// Removes what an earlier report of the folder kept of any check, so that no two are mixed. A folder without a report
+/// is left as it is.
 void clearReport(const std::string& folder);
 /// Writes what one check keeps, and the two texts about all of them so far, without the secrets. False when something
 /// could not be written.

@@ -102,6 +102,31 @@ TEST_F(WrittenReportTest, WhatAnEarlierOneKeptGoesAndNothingElse) {
   EXPECT_TRUE(std::filesystem::exists(folder / "mine.txt"));
 }
 
+TEST(ReportTest, AFolderWithoutAReportLosesNothing) {
+  const auto folder =
+      std::filesystem::path(::testing::TempDir()) / ("no-report-" + std::to_string(::getpid()));
+  std::filesystem::create_directories(folder / "status");
+  clearReport(folder.string());
+  EXPECT_TRUE(std::filesystem::exists(folder / "status"));
+  std::filesystem::remove_all(folder);
+}
+
+/// Who is called as a word of the report, or has a letter in his name that JSON writes otherwise.
+TEST(ReportTest, WhatIsTakenOutLeavesTheReportWhole) {
+  const auto folder = std::filesystem::path(::testing::TempDir()) / ("names-" + std::to_string(::getpid()));
+  auto report = sampleReport();
+  report.checks.at(1).findings.equal("who is here", "", R"(Jo "true" at /home/true)");
+  report.checks.at(2).reason = "true may not";
+  const std::vector<Secret> secrets{{R"(Jo "true")", "(name)"}, {"/home/true", "~"}, {"true", "(user)"}};
+  ASSERT_TRUE(writeTexts(report, folder.string(), secrets));
+  const auto json = nlohmann::json::parse(contents(folder / "report.json"));
+  EXPECT_EQ(json["checks"][0]["judgements"][0]["holds"], true);
+  EXPECT_EQ(json["checks"][1]["judgements"][1]["seen"], "(name) at ~");
+  EXPECT_EQ(json["checks"][2]["reason"], "(user) may not");
+  EXPECT_THAT(contents(folder / "report.md"), HasSubstr("(name) at ~"));
+  std::filesystem::remove_all(folder);
+}
+
 TEST(ReportTest, AFolderThatCannotBeMadeIsTold) {
   EXPECT_FALSE(writeTexts(sampleReport(), "/proc/nowhere", {}));
 }
