@@ -1,3 +1,4 @@
+#include <array>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -122,24 +123,27 @@ std::string whyNot(const std::string& words) {
 
 /// The calls of a restart that nothing disturbs are 67; the 16th starts a print, and the 41st the kickstart, which a
 /// print that is torn makes the 43rd.
-TEST(TakeCheckTest, AFaultThatTheCallCannotHaveIsToldOf) {
-  EXPECT_EQ(whyNot("restart switch 16:Torn"), "");
-  EXPECT_EQ(whyNot("restart switch 1:Fails"), "call 1, becomeAccessory, has no way to fail");
-  EXPECT_EQ(whyNot("restart switch 36:Torn"), "call 36, processInfo core, fails only so: Fails");
-}
+struct Restart {
+  const char* words;
+  /// Empty for one that is played.
+  const char* whyNot;
+};
 
-TEST(TakeCheckTest, AFaultThatIsNotReachedIsToldOf) {
-  EXPECT_EQ(whyNot("restart switch 500:Fails"), "there is no call 500: the run has 67");
-  EXPECT_EQ(whyNot("restart switch 0:Fails"), "there is no call 0: the run has 67");
-  EXPECT_EQ(whyNot("restart switch 43:Exits 16:Torn"), "");
-  EXPECT_EQ(whyNot("restart switch 16:Torn 16:Exits"), "a call has two faults");
-  EXPECT_EQ(whyNot("restart switch 41:Exits before 20"), "not every fault is reached before the death");
-}
+constexpr std::array restarts{Restart{"16:Torn", ""},
+                              Restart{"43:Exits 16:Torn", ""},
+                              Restart{"before 67", ""},
+                              Restart{"1:Fails", "call 1, becomeAccessory, has no way to fail"},
+                              Restart{"36:Torn", "call 36, processInfo core, fails only so: Fails"},
+                              Restart{"500:Fails", "there is no call 500: the run has 67"},
+                              Restart{"0:Fails", "there is no call 0: the run has 67"},
+                              Restart{"16:Torn 16:Exits", "a call has two faults"},
+                              Restart{"41:Exits before 20", "not every fault is reached before the death"},
+                              Restart{"before 68", "the death is not reached"},
+                              Restart{"at 3600000", "the death is not reached"}};
 
-TEST(TakeCheckTest, ADeathThatIsNotReachedIsToldOf) {
-  EXPECT_EQ(whyNot("restart switch before 67"), "");
-  EXPECT_EQ(whyNot("restart switch before 68"), "the death is not reached");
-  EXPECT_EQ(whyNot("restart switch at 3600000"), "the death is not reached");
+TEST(TakeCheckTest, ATakeOfWhichSomethingWouldNotHappenIsToldOf) {
+  for (const auto& [words, due] : restarts)
+    EXPECT_EQ(whyNot(std::string("restart switch ") + words), due) << words;
 }
 
 /// What a reader is shown has to be a take, and one of which everything happens.
