@@ -16,7 +16,7 @@ enum class Setting {
   Installed,
   /// The same, with the agent registered and the Core running.
   Registered,
-  /// A marked copy of build 5000 in Downloads, and nothing installed.
+  /// A copy of build 5000 in Downloads, without the mark of a download, and nothing installed.
   Downloaded,
 };
 

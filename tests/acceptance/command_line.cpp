@@ -1,5 +1,7 @@
 #include "acceptance/command_line.hpp"
 
+#include <iostream>
+
 #include "acceptance/check.hpp"
 #include "values/text.hpp"
 
@@ -27,6 +29,7 @@ class Words {
 bool take(Orders& orders, const std::string& word, Words& words) {
   if (word == "--with-me") return orders.withMe = true;
   if (word == "--canaries") return orders.canaries = true;
+  if (word == "--everywhere") return orders.everywhere = true;
   if (word == "--list") return orders.list = true;
   if (word == "--report") return !(orders.report = words.text()).empty();
   if (word == "--canary") return !(orders.canary = words.text()).empty();
@@ -47,6 +50,17 @@ std::expected<Orders, std::string> ordersOf(const std::vector<std::string>& word
     if (!take(orders, word, rest)) return std::unexpected("\"" + word + "\" is no use of this command");
   }
   return orders;
+}
+
+int playWords(int count, char** words, const std::function<int(const Orders&)>& play) {
+  const auto orders = ordersOf({words + 1, words + count});
+  if (!orders) {
+    std::cerr << "accept: " << orders.error() << "\n";
+    return 2;
+  }
+  if (!orders->list) return play(*orders);
+  std::cout << listOfChecks();
+  return 0;
 }
 
 std::string listOfChecks() {

@@ -33,7 +33,14 @@ class PlaceError final : public std::runtime_error {
 };
 
 /// Which copy of the sample application is meant.
-enum class Copy { Installed, Downloaded, Staged, Translocated };
+enum class Copy {
+  Installed,
+  /// The installed one by its path in small letters, where that leads to it. It cannot be placed or removed.
+  InstalledInSmallLetters,
+  Downloaded,
+  Staged,
+  Translocated
+};
 
 /// What a copy's launch agent list says.
 struct Definition {
@@ -53,6 +60,13 @@ struct Sample {
   bool marked = false;
 };
 
+struct Signature {
+  /// Why that of the whole copy does not hold, in the words of the tool that looked; empty when it does.
+  std::string fault;
+  /// What the agent is signed under.
+  std::string agentIdentifier;
+};
+
 /// The copies of the sample application, whole bundles with companion and agent.
 class Copies {
  public:
@@ -69,8 +83,7 @@ class Copies {
   [[nodiscard]] virtual std::string folder(Copy copy) const = 0;
   /// How many files of the copy carry the mark of a download.
   [[nodiscard]] virtual int marked(Copy copy) const = 0;
-  /// Whether the signature of the copy holds, in the words of the tool that looked; empty when it does.
-  [[nodiscard]] virtual std::string signatureFault(Copy copy) const = 0;
+  [[nodiscard]] virtual Signature signature(Copy copy) const = 0;
 };
 
 /// How a companion is started: with arguments, or by a URL that the system hands to it.
@@ -127,6 +140,8 @@ class Evidence {
   /// The companion's lines since then. Waits until `endings` of them end an action, as long as the place's log
   /// may lag behind.
   [[nodiscard]] virtual std::vector<Line> lines(std::int64_t since, std::size_t endings) = 0;
+  /// Why this user cannot read the companion's lines; empty where he can.
+  [[nodiscard]] virtual std::string unreadable() = 0;
   /// What the system noted of companions that a condition of their own or a signal ended, since then.
   [[nodiscard]] virtual std::vector<std::string> crashes(std::int64_t since) = 0;
 };
@@ -164,6 +179,8 @@ class Faults {
   virtual void failNextUnregister(const std::string& domain, int code, const std::string& text) = 0;
   /// launchctl does nothing for the verb and ends with the status.
   virtual void failLaunchctl(const std::string& verb, int status) = 0;
+  /// Leaves in the log what a companion leaves there that a condition of its own ends.
+  virtual void leaveLastWords(const std::string& reason) = 0;
 };
 
 /// Paths of this machine.
@@ -174,6 +191,9 @@ struct Paths {
   std::string moveResult;
   std::string trash;
 };
+
+/// Of a user with that home and that temporary directory, which ends in a "/".
+[[nodiscard]] Paths pathsOf(const std::string& home, const std::string& temporary);
 
 /// One laid place, cleared of everything that an earlier check left. What it refers to outlives it.
 struct Place {

@@ -10,7 +10,7 @@ using std::chrono::steady_clock;
 /// What a check finds when it begins is arranged with its own verbs; a failure there is a finding like any other.
 void arrange(Scene& scene, Setting setting) {
   if (setting == Setting::Downloaded)
-    return scene.place.copies.place({.copy = Copy::Downloaded, .build = "5000", .marked = true});
+    return scene.place.copies.place({.copy = Copy::Downloaded, .build = "5000"});
   scene.place.copies.place({});
   if (setting != Setting::Registered) return;
   auto outcome = scene.act("register").outcome();

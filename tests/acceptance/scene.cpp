@@ -1,6 +1,7 @@
 #include "acceptance/scene.hpp"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <thread>
 
@@ -15,6 +16,10 @@ using std::chrono::steady_clock;
 std::string sinceStart(steady_clock::time_point began) {
   const auto time = std::chrono::duration_cast<milliseconds>(steady_clock::now() - began);
   return std::to_string(time.count()) + " ms";
+}
+
+void readable(const Acted& acted) {
+  if (!acted.unread.empty()) throw CannotArrange(acted.unread);
 }
 
 }  // namespace
@@ -48,6 +53,8 @@ Acted Scene::finish(const Going& going) {
       eventually([&] { return place.companions.ended(going.number); }, std::chrono::seconds(120));
   if (!over) see.that(false, "the companion ends by itself", "it still ran after " + sinceStart(going.began));
   const auto after = std::chrono::duration_cast<milliseconds>(steady_clock::now() - going.began);
+  if (auto unread = place.evidence.unreadable(); !unread.empty())
+    return {.lines = {}, .after = after, .unread = std::move(unread)};
   Acted acted{place.evidence.lines(going.since, 1), after};
   see.keep("lines.txt", lineText(acted.lines) + "(ended after " + std::to_string(after.count()) + " ms)\n");
   return acted;
@@ -103,7 +110,13 @@ pid_t Scene::freshCore(const std::string& behaviour) {
   return pid;
 }
 
+void Scene::signal(pid_t pid, int number) {
+  // Zero would be this process's own group.
+  if (pid > 0) ::kill(pid, number);
+}
+
 bool Scene::left(const Acted& acted, const std::vector<std::string>& patterns) {
+  readable(acted);
   std::string expected;
   std::string seen;
   bool all = patterns.size() == acted.lines.size();
@@ -119,6 +132,7 @@ bool Scene::left(const Acted& acted, const std::vector<std::string>& patterns) {
 }
 
 bool Scene::ended(const Acted& acted, const std::string& pattern) {
+  readable(acted);
   const auto outcome = acted.outcome();
   if (matches(pattern, outcome)) return see.that(true, "the action ends with this line", outcome);
   return see.equal("the action ends with this line", pattern, outcome);

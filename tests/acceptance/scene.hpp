@@ -32,6 +32,8 @@ struct Acted {
   /// All lines of companions since it was started.
   std::vector<Line> lines;
   std::chrono::milliseconds after{0};
+  /// Why the lines could not be read; empty where they could.
+  std::string unread{};
   /// The line that ended the action; empty without one.
   [[nodiscard]] std::string outcome() const;
 };
@@ -66,8 +68,11 @@ class Scene {
   [[nodiscard]] std::vector<pid_t> helpers();
   /// Starts the Core anew, so that it behaves as ordered, and gives its pid.
   pid_t freshCore(const std::string& behaviour);
+  /// Sends it to that process alone, and to nobody when there is none.
+  static void signal(pid_t pid, int number);
 
-  /// Judges that the companion left exactly the lines that the patterns tell ("*" is any text).
+  /// Judges that the companion left exactly the lines that the patterns tell ("*" is any text). This and the next one
+  /// raise CannotArrange where the lines cannot be read.
   bool left(const Acted& acted, const std::vector<std::string>& patterns);
   /// Judges the line that ended the action.
   bool ended(const Acted& acted, const std::string& pattern);

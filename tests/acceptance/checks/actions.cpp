@@ -76,6 +76,13 @@ void anUnknownAction(Scene& scene) {
   scene.untouched(before);
 }
 
+/// A system may take a word that is no switch for a document to open.
+void aWordMore(Scene& scene) {
+  const auto acted = scene.finish(scene.begin(Start{.arguments = {"stray", "--core-action", "status"}}));
+  scene.left(acted, {enabled("status")});
+  scene.see.fact("a status with a word more took", std::to_string(acted.after.count()) + " ms");
+}
+
 void noActionAtAll(Scene& scene) {
   scene.left(scene.finish(scene.begin(Start{})), {enabled("register")});
   scene.see.that(scene.alive(scene.core()), "the Core runs");
@@ -107,6 +114,7 @@ Theme actionChecks() {
            {"sync", "Synchronising an unchanged definition touches nothing.", Registered, synchronising},
            {"unknown-action", "An action that nobody knows is an error of our own, TamoCore 64.", Registered,
             anUnknownAction},
+           {"word-more", "A word more among the arguments is no document to open.", Registered, aWordMore},
            {"default-action", "Without an action the installed copy registers.", Installed, noActionAtAll},
            {"move-of-the-installed-copy", "The installed copy refuses to move.", Installed,
             theMoveOfTheInstalledCopy}}};

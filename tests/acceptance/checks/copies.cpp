@@ -23,6 +23,18 @@ void theStatusOfADownloadedCopy(Scene& scene) {
   scene.untouched(before);
 }
 
+/// Whether the system tells the companion the path as it was asked or as it lies on the disk is a fact: by the first
+/// the copy may not act, and says so.
+void theInstalledCopyInSmallLetters(Scene& scene) {
+  const auto before = scene.core();
+  const auto acted = scene.act("sync", Copy::InstalledInSmallLetters);
+  const auto outcome = acted.outcome();
+  scene.see.that(outcome == enabled("sync") || outcome.starts_with("error sync refused: "),
+                 "it acts or is refused", outcome);
+  scene.see.fact("an action of the installed copy by its path in small letters", outcome);
+  scene.untouched(before);
+}
+
 /// A sync touches nothing while the agent is not registered, so it shows who may act without acting.
 void theStagedCopy(Scene& scene) {
   scene.place.copies.place({.copy = Copy::Staged, .build = "5000"});
@@ -38,6 +50,8 @@ Theme copyChecks() {
       {{"copy-refused", "A copy in Downloads may not act, and says so at error level.", Registered,
         aDownloadedCopy},
        {"copy-status", "A copy in Downloads may ask for the status.", Registered, theStatusOfADownloadedCopy},
+       {"copy-in-small-letters", "The installed copy acts, or is refused, by its path in small letters.",
+        Registered, theInstalledCopyInSmallLetters},
        {"copy-staged", "The copy that is staged in the data directory may act.", Installed, theStagedCopy}}};
 }
 

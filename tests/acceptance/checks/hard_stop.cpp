@@ -57,7 +57,7 @@ void helpersThatLeft(Scene& scene) {
                                     enabled("restart", " kickstart 0")});
   scene.replaced(before);
   scene.see.that(scene.alive(helpers.front()), "the helper that left the group lives");
-  ::kill(helpers.front(), SIGKILL);
+  Scene::signal(helpers.front(), SIGKILL);
 }
 
 void aCoreThatStoppedItself(Scene& scene) {
@@ -69,7 +69,7 @@ void aCoreThatStoppedItself(Scene& scene) {
 
 void aCoreThatWasStopped(Scene& scene) {
   const auto before = scene.core();
-  ::kill(before, SIGSTOP);
+  Scene::signal(before, SIGSTOP);
   const auto acted = scene.act("restart");
   const auto line = acted.lines.size() < 2 ? "" : comparable(acted.lines.at(1));
   const bool killed = line == hardStop(before, killedGroup(before)) ||

@@ -57,8 +57,14 @@ void isInFront(Scene& scene) {
   scene.see.that(front, "the installed copy is in front", scene.place.user.front());
 }
 
+/// A move asks a user who is no administrator as well, who may not read the log.
+void tells(Scene& scene, const Acted& acted, const std::string& code) {
+  if (!acted.unread.empty()) return scene.see.fact("the line of the move", acted.unread);
+  scene.left(acted, {"move-to-applications -> " + code});
+}
+
 void movedWhole(Scene& scene, const Acted& acted) {
-  scene.left(acted, {"move-to-applications -> moved"});
+  tells(scene, acted, "moved");
   scene.see.equal("build 5000 is installed", "5000", build(scene, Copy::Installed));
   scene.see.equal("the result is recorded", resultOf("moved"), recorded(scene));
   isInFront(scene);
@@ -75,7 +81,13 @@ void byDefault(Scene& scene) {
   movedWhole(scene, scene.finish(scene.begin(Start{.copy = Copy::Downloaded})));
 }
 
+/// The other moves are of copies without it, so that it is here alone where a system minds it.
+void placeMarked(Scene& scene) {
+  scene.place.copies.place({.copy = Copy::Downloaded, .build = "5000", .marked = true});
+}
+
 void theMark(Scene& scene) {
+  placeMarked(scene);
   const auto before = scene.place.copies.marked(Copy::Downloaded);
   scene.see.that(before > 0, "the copy in Downloads carries the mark", std::to_string(before) + " files");
   movedWhole(scene, scene.act("move-to-applications", Copy::Downloaded));
@@ -118,7 +130,7 @@ void whileTheOldOneQuits(Scene& scene) {
   scene.see.that(recordedSoon, "the result is recorded before the old copy has quit");
   Scene::pause(1500ms);
   scene.see.that(running(scene, installed).empty(), "the new copy is not opened while the old one runs");
-  if (old > 0) ::kill(old, SIGTERM);
+  Scene::signal(old, SIGTERM);
   movedWhole(scene, scene.finish(going));
   scene.see.that(Scene::eventually([&] { return !running(scene, installed).empty(); }), "the new copy runs");
 }
@@ -130,12 +142,14 @@ void whileTheOldOneStays(Scene& scene) {
   const auto took = std::to_string(acted.after.count()) + " ms";
   scene.see.that(acted.after >= 30s && acted.after < 45s, "it waits for half a minute, and no longer", took);
   scene.see.that(scene.alive(old), "the old copy runs on");
-  scene.see.that(Scene::eventually([&] { return !running(scene, installed).empty(); }),
-                 "the new copy runs beside it");
-  if (old > 0) ::kill(old, SIGTERM);
+  const bool beside = Scene::eventually([&] { return !running(scene, installed).empty(); });
+  scene.see.that(beside, "the new copy runs beside it");
+  scene.see.fact("whether a second copy of the same identifier opens", beside ? "yes" : "no");
+  Scene::signal(old, SIGTERM);
 }
 
 void withTheAdministrator(Scene& scene) {
+  placeMarked(scene);
   scene.place.user.loseApplications("agree");
   movedWhole(scene, scene.act("move-to-applications", Copy::Downloaded));
   scene.see.equal("no file of the installed copy carries the mark", "0",
@@ -144,7 +158,7 @@ void withTheAdministrator(Scene& scene) {
 
 void withAPromptThatIsClosed(Scene& scene) {
   scene.place.user.loseApplications("cancel");
-  scene.left(scene.act("move-to-applications", Copy::Downloaded), {"move-to-applications -> cancelled"});
+  tells(scene, scene.act("move-to-applications", Copy::Downloaded), "cancelled");
   scene.see.equal("nothing is installed", "none", build(scene, Copy::Installed));
   scene.see.equal("the copy stays where it is", "5000", build(scene, Copy::Downloaded));
   scene.see.equal("the result is recorded", resultOf("cancelled"), recorded(scene));

@@ -29,8 +29,9 @@ void sparedForGood(Scene& scene, const Acted& acted, pid_t before, const std::st
   scene.left(acted, {definition("false"), hardStop(before, spared(reason, false)),
                      enabled("restart", " kickstart *")});
   scene.see.fact("the kickstart of a Core that stays", acted.outcome());
-  scene.see.that(acted.after >= 22s, "it is watched for twenty seconds more",
-                 std::to_string(acted.after.count()) + " ms");
+  const auto took = std::to_string(acted.after.count()) + " ms";
+  scene.see.that(acted.after >= 22s, "it is watched for twenty seconds more", took);
+  scene.see.fact("a restart that watches a Core for 22 seconds took", took);
   scene.see.that(scene.alive(before), "the Core lives");
 }
 

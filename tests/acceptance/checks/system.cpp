@@ -20,12 +20,13 @@ void approvalWithheld(Scene& scene) {
 }
 
 void theSignature(Scene& scene) {
-  scene.see.equal("the signature of the installed copy holds", "",
-                  scene.place.copies.signatureFault(Copy::Installed));
+  const auto signature = scene.place.copies.signature(Copy::Installed);
+  scene.see.equal("the signature of the installed copy holds", "", signature.fault);
   const auto print = scene.place.job.print().text;
   const auto at = print.find("\"signing-identifier\" => \"");
   const auto line = at == std::string::npos ? "no such line" : print.substr(at, print.find('\n', at) - at);
   scene.see.fact("the signing identifier in the print of the job", line);
+  scene.see.fact("the signing identifier that codesign shows of the agent", signature.agentIdentifier);
 }
 
 void asleepInTheGrace(Scene& scene) {
@@ -42,6 +43,17 @@ void asleepInTheGrace(Scene& scene) {
   scene.see.that(told, "the hard stop killed the Core on waking, or was called off",
                  acted.lines.size() < 2 ? "" : comparable(acted.lines.at(1)));
   scene.replaced(before);
+}
+
+/// The next check could not see a condition that ended a companion if its line were not found.
+void theLastWords(Scene& scene) {
+  const auto since = scene.place.evidence.now();
+  scene.place.faults.leaveLastWords("said for a check");
+  std::string noted;
+  for (const auto& one : scene.place.evidence.crashes(since))
+    noted += one + "\n";
+  scene.see.fact("the line of what is fatal, as the log gives it", noted);
+  scene.see.that(noted.contains("fatal: said for a check"), "the line is found at fault level", noted);
 }
 
 /// After a companion of each kind.
@@ -67,6 +79,7 @@ Theme systemChecks() {
            {"signature", "The signature of the installed copy holds.", Registered, theSignature},
            {"sleep-in-the-grace", "A machine that sleeps in the grace kills on waking, or not at all.",
             Registered, asleepInTheGrace, true, "The machine goes to sleep; wake it after a minute."},
+           {"last-words", "What is fatal leaves a line at fault level.", Installed, theLastWords},
            {"nothing-ended-by-itself", "No action ends by a fault or a signal.", Installed,
             nothingEndedByItself}}};
 }

@@ -7,9 +7,11 @@
 #include <sys/syslimits.h>
 #include <sys/xattr.h>
 #include <thread>
+#include <unistd.h>
 
 #include "acceptance/mac/mac_tools.hpp"
 #include "acceptance/mac/sample_lists.hpp"
+#include "acceptance/mac/signers.hpp"
 #include "platform/posix/posix_files.hpp"
 
 namespace tamo::acceptance {
@@ -30,6 +32,25 @@ constexpr auto markOfAnOpenedCopy = "01c1;00000000;Safari;";
 /// Of one that was only just downloaded.
 constexpr auto markOfAFreshCopy = "0081;00000000;Safari;";
 
+/// A URL of the scheme is to reach a copy as soon as it is there, and no longer. Without the tool the system finds that
+/// out by itself.
+void tellLaunchServices(const std::string& order, const std::string& app) {
+  if (::access(launchServicesTool, X_OK) != 0) return;
+  for (const auto& bundle : {app, app + companionInCopy})
+    runProgram({.words = {launchServicesTool, order, bundle}});
+}
+
+bool bearsOurMark(const std::string& app) {
+  return fs::exists(app + sampleMark) ||
+         ::getxattr(app.c_str(), copyMark, nullptr, 0, 0, XATTR_NOFOLLOW) >= 0;
+}
+
+std::string inSmallLetters() {
+  const std::string app = "/applications/tamo.app";
+  if (!fs::exists(app)) throw CannotArrange("this disk minds the case of letters");
+  return app;
+}
+
 void mark(const std::string& app, const std::string& value) {
   need({"/usr/bin/xattr", "-r", "-w", "com.apple.quarantine", value, app});
 }
@@ -42,7 +63,8 @@ std::string agentOf(const std::string& app) {
 
 std::string MacCopies::path(Copy copy) const {
   if (copy == Copy::Installed) return installedCopy;
-  if (copy == Copy::Downloaded) return settings_.home + "/Downloads/Tamo acceptance/Tamo.app";
+  if (copy == Copy::InstalledInSmallLetters) return inSmallLetters();
+  if (copy == Copy::Downloaded) return settings_.downloads() + "/Tamo.app";
   if (copy == Copy::Staged) return settings_.dataDirectory() + "staged/Tamo.app";
   return translocated_;
 }
@@ -57,24 +79,32 @@ void MacCopies::place(const Sample& sample) {
                       sample.definition.exitTimeout == 20 && sample.definition.arguments.empty();
   if (!asItIs) onlyOfASample();
   const auto app = path(sample.copy);
-  const auto making = app + ".making";
-  journal_.willMake(sample.copy == Copy::Downloaded ? fs::path(app).parent_path().string() : app);
-  journal_.willMake(making);
+  const auto temporary = fs::temp_directory_path() / "tamo-acceptance-sample";
+  journal_.willMake(app);
+  journal_.willMake(app + ".making");
+  journal_.willMake(temporary.string());
+  if (sample.copy == Copy::Downloaded) journal_.willTrash();
   remove(sample.copy);
   fs::create_directories(fs::path(app).parent_path());
-  if (!settings_.isSample()) return need({"/usr/bin/ditto", settings_.tamoApp, app});
-  const auto made = fs::temp_directory_path() / "tamo-acceptance-sample" / "Tamo.app";
+  if (!settings_.isSample()) return putInPlace(settings_.tamoApp, app);
+  const auto made = temporary / "Tamo.app";
   fs::remove_all(made);
   assemble(made.string(), sample);
-  // Put in place by its name: whatever cuts this off, nothing lies there without its mark.
-  fs::remove_all(making);
-  need({"/usr/bin/ditto", made.string(), making});
-  fs::rename(making, app);
-  fs::remove_all(made.parent_path());
+  putInPlace(made.string(), app);
+  fs::remove_all(temporary);
   placed_.emplace_back(::open(app.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // A URL of the scheme is to reach this copy as soon as it is there.
-  if (sample.copy == Copy::Installed) need({launchServicesTool, "-f", app, app + companionInCopy});
+  if (sample.copy == Copy::Installed) tellLaunchServices("-f", app);
   if (sample.marked) mark(app, markOfAnOpenedCopy);
+}
+
+/// By its name: whatever cuts this off, nothing lies there without its mark.
+void MacCopies::putInPlace(const std::string& made, const std::string& app) const {
+  const auto making = app + ".making";
+  fs::remove_all(making);
+  need({"/usr/bin/ditto", made, making});
+  const bool marks = settings_.isSample() || ::setxattr(making.c_str(), copyMark, "", 0, 0, 0) == 0;
+  if (!marks) throw PlaceError("the copy cannot be marked as put there by this command");
+  fs::rename(making, app);
 }
 
 void MacCopies::assemble(const std::string& app, const Sample& sample) const {
@@ -114,11 +144,16 @@ void MacCopies::sign(const std::string& app) const {
 void MacCopies::remove(Copy copy) {
   const auto app = path(copy);
   if (app.empty() || copy == Copy::Translocated || !fs::exists(app)) return;
-  if (settings_.isSample() && !fs::exists(app + sampleMark))
-    throw PlaceError(app + " is no sample and is left alone");
+  if (!bearsOurMark(app)) throw PlaceError(app + " was not put there by this command and is left alone");
+  tellLaunchServices("-u", app);
   fs::remove_all(app + ".making");
   fs::rename(app, app + ".making");
   fs::remove_all(app + ".making");
+}
+
+void MacCopies::onlyOurs() const {
+  if (fs::exists(installedCopy) && !bearsOurMark(installedCopy))
+    throw PlaceError(std::string(installedCopy) + " was not put there by this command and is left alone");
 }
 
 void MacCopies::define(Copy copy, const Definition& definition) {
@@ -155,10 +190,13 @@ int MacCopies::marked(Copy copy) const {
   return count;
 }
 
-std::string MacCopies::signatureFault(Copy copy) const {
+Signature MacCopies::signature(Copy copy) const {
   const auto run = runProgram(
       {.words = {"/usr/bin/codesign", "--verify", "--strict", "--deep", "--verbose=2", folder(copy)}});
-  return run.status == 0 ? "" : run.text + "(status " + std::to_string(run.status) + ")";
+  const auto shown =
+      runProgram({.words = {"/usr/bin/codesign", "--display", "--verbose=2", agentOf(folder(copy))}});
+  return {.fault = run.status == 0 ? "" : run.text + "(status " + std::to_string(run.status) + ")",
+          .agentIdentifier = signingIdentifierIn(shown.text)};
 }
 
 /// Only a person's double click makes the system run a copy from a place of its own.

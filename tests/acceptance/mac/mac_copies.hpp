@@ -11,7 +11,7 @@
 namespace tamo::acceptance {
 
 /// The copies on a Mac: assembled in the temporary directory, signed from the inside out, and copied with ditto. Nothing
-/// that is no sample is ever replaced or removed.
+/// that does not bear a mark of ours is ever replaced or removed.
 class MacCopies final : public Copies {
  public:
   /// Both must outlive it.
@@ -24,12 +24,15 @@ class MacCopies final : public Copies {
   [[nodiscard]] std::string path(Copy copy) const override;
   [[nodiscard]] std::string folder(Copy copy) const override { return path(copy); }
   [[nodiscard]] int marked(Copy copy) const override;
-  [[nodiscard]] std::string signatureFault(Copy copy) const override;
+  [[nodiscard]] Signature signature(Copy copy) const override;
 
+  /// Raises PlaceError when a Tamo is installed that was not put there by these checks.
+  void onlyOurs() const;
   /// Removes the samples that were placed and lie in the Trash now. Those that may not be touched stay there.
   void emptyTrash();
 
  private:
+  void putInPlace(const std::string& made, const std::string& app) const;
   void assemble(const std::string& app, const Sample& sample) const;
   void writeList(const std::string& app, const Definition& definition) const;
   void sign(const std::string& app) const;

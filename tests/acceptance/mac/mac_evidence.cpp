@@ -29,12 +29,21 @@ std::vector<Line> logged(std::int64_t since, const std::string& predicate) {
   const auto run = runProgram({.words = {"/usr/bin/log", "show", "--start", startText(since), "--style",
                                          "ndjson", "--predicate", predicate}},
                               seconds(120));
+  if (run.status != 0) throw PlaceError("the log cannot be read: " + run.text);
   auto lines = linesOfUnifiedLog(run.text);
   std::erase_if(lines, [&](const Line& line) { return line.time < since; });
   return lines;
 }
 
+constexpr auto ownSubsystem = "subsystem == \"studio.pell.Tamo.Core\"";
+
 }  // namespace
+
+std::string logFault() {
+  const auto run = runProgram(
+      {.words = {"/usr/bin/log", "show", "--last", "1s", "--predicate", ownSubsystem}}, seconds(120));
+  return run.status == 0 ? "" : "this user may not read the log: " + run.text;
+}
 
 std::int64_t MacEvidence::now() {
   return duration_cast<microseconds>(system_clock::now().time_since_epoch()).count();
@@ -42,7 +51,7 @@ std::int64_t MacEvidence::now() {
 
 /// A line that was just written may not be in the store yet.
 std::vector<Line> MacEvidence::lines(std::int64_t since, std::size_t endings) {
-  const std::string predicate = "subsystem == \"studio.pell.Tamo.Core\" AND category == \"lifecycle\"";
+  const auto predicate = ownSubsystem + std::string(" AND category == \"lifecycle\"");
   const auto limit = steady_clock::now() + seconds(15);
   if (endings == 0) std::this_thread::sleep_for(seconds(1));
   auto lines = logged(since, predicate);
@@ -56,16 +65,16 @@ std::vector<Line> MacEvidence::lines(std::int64_t since, std::size_t endings) {
   return lines;
 }
 
-/// A crash report is written some seconds after the crash.
+/// The companion's own faults: those of the system's libraries end nothing. A crash report is written some seconds after the crash.
 std::vector<std::string> MacEvidence::crashes(std::int64_t since) {
   namespace fs = std::filesystem;
   std::this_thread::sleep_for(seconds(8));
   std::vector<std::string> noted;
-  for (const auto& line : logged(since, "process == \"Tamo Core\" AND messageType == fault"))
+  for (const auto& line : logged(since, ownSubsystem + std::string(" AND messageType == fault")))
     noted.push_back("fault: " + line.text);
   std::error_code none;
   const auto first = fs::file_time_type::clock::now() - microseconds(now() - since);
-  for (const auto& item : fs::directory_iterator(home_ + "/Library/Logs/DiagnosticReports", none)) {
+  for (const auto& item : fs::directory_iterator(settings_.home + "/Library/Logs/DiagnosticReports", none)) {
     const auto name = item.path().filename().string();
     if (name.starts_with("Tamo Core") && item.last_write_time(none) >= first)
       noted.push_back("report: " + name);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "acceptance/mac/mac_settings.hpp"
 #include "acceptance/place.hpp"
 
 namespace tamo::acceptance {
@@ -9,14 +10,19 @@ namespace tamo::acceptance {
 /// The unified log, and the crash reports of the user.
 class MacEvidence final : public Evidence {
  public:
-  explicit MacEvidence(std::string home) : home_(std::move(home)) {}
+  /// They must outlive it.
+  explicit MacEvidence(const MacSettings& settings) : settings_(settings) {}
 
   [[nodiscard]] std::int64_t now() override;
   [[nodiscard]] std::vector<Line> lines(std::int64_t since, std::size_t endings) override;
+  [[nodiscard]] std::string unreadable() override { return settings_.unreadable; }
   [[nodiscard]] std::vector<std::string> crashes(std::int64_t since) override;
 
  private:
-  std::string home_;
+  const MacSettings& settings_;
 };
+
+/// Why this user cannot read the log, in the words of the tool; empty when he can.
+[[nodiscard]] std::string logFault();
 
 }  // namespace tamo::acceptance

@@ -5,6 +5,7 @@
 #include "acceptance/child.hpp"
 #include "acceptance/identity.hpp"
 #include "acceptance/mac/mac_place.hpp"
+#include "acceptance/mac/signers.hpp"
 
 namespace tamo::acceptance {
 namespace {
@@ -23,17 +24,6 @@ std::string serial() {
   if (at == std::string::npos) return "";
   const auto begin = at + name.size();
   return text.substr(begin, text.find('"', begin) - begin);
-}
-
-/// "Developer ID Application: NAME (TEAM)" names a person and a team.
-void addSigner(std::vector<Secret>& secrets, const std::string& identity) {
-  if (identity == "-") return;
-  secrets.push_back({identity, "(identity)"});
-  const auto colon = identity.find(": ");
-  const auto open = identity.rfind(" (");
-  if (open == std::string::npos || !identity.ends_with(')')) return;
-  secrets.push_back({identity.substr(open + 2, identity.size() - open - 3), "(team)"});
-  if (colon < open) secrets.push_back({identity.substr(colon + 2, open - colon - 2), "(signer)"});
 }
 
 }  // namespace
@@ -59,7 +49,9 @@ std::vector<Secret> macSecrets(const MacSettings& settings) {
   if (::confstr(_CS_DARWIN_USER_TEMP_DIR, temporary.data(), temporary.size()) > 0)
     identity.temporary = temporary.data();
   auto secrets = secretsOf(identity);
-  addSigner(secrets, settings.identity);
+  const auto signers =
+      signersOf(said({"/usr/bin/security", "find-identity", "-v", "-p", "codesigning"}), settings.identity);
+  secrets.insert(secrets.end(), signers.begin(), signers.end());
   return secrets;
 }
 

@@ -1,7 +1,9 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "acceptance/command_line.hpp"
 #include "acceptance/identity.hpp"
+#include "acceptance/mac/mac_evidence.hpp"
 #include "acceptance/mac/mac_place.hpp"
 #include "acceptance/session.hpp"
 
@@ -20,6 +22,7 @@ int playOnThisMac(const Orders& orders) {
                              .tamoApp = variable("TAMO_APP", ""),
                              .journal = variable("ACCEPT_JOURNAL", ""),
                              .home = identityOfThisProcess().home,
+                             .unreadable = logFault(),
                              .withMe = orders.withMe};
   if (settings.journal.empty()) {
     std::cerr << "accept: started by ./accept alone, which keeps a journal\n";
@@ -42,14 +45,5 @@ int playOnThisMac(const Orders& orders) {
 
 /// Plays the checks on the Mac that it runs on. ./accept starts it, once it is known that nothing can be harmed.
 int main(int count, char** words) {
-  const auto orders = ordersOf({words + 1, words + count});
-  if (!orders) {
-    std::cerr << "accept: " << orders.error() << "\n";
-    return 2;
-  }
-  if (orders->list) {
-    std::cout << listOfChecks();
-    return 0;
-  }
-  return playOnThisMac(*orders);
+  return playWords(count, words, playOnThisMac);
 }

@@ -14,7 +14,9 @@
 #include "acceptance/mac/mac_evidence.hpp"
 #include "acceptance/mac/mac_tools.hpp"
 #include "acceptance/mac/mac_user.hpp"
+#include "acceptance/mac/played_copies.hpp"
 #include "platform/macos/mac_kernel_processes.hpp"
+#include "platform/macos/mac_log.hpp"
 #include "platform/posix/posix_files.hpp"
 
 namespace tamo::acceptance {
@@ -61,6 +63,7 @@ class MacFaults final : public Faults {
   void failNextRegister(const std::string&, int, const std::string&) override { no(); }
   void failNextUnregister(const std::string&, int, const std::string&) override { no(); }
   void failLaunchctl(const std::string&, int) override { no(); }
+  void leaveLastWords(const std::string& reason) override { macos::logAtFaultLevel(reason); }
 
  private:
   [[noreturn]] static void no() { throw CannotArrange("nobody can order an error of this system"); }
@@ -77,7 +80,10 @@ class LaidMac final : public LaidPlace {
  public:
   explicit LaidMac(const MacSettings& settings) : settings_(settings) {
     clear();
-    journal_.willMake(settings_.container());
+    // A companion makes these, or a move does.
+    for (const auto& path :
+         {settings_.container(), std::string(installedCopy), settings_.downloads(), place_.paths.lockFile})
+      journal_.willMake(path);
     makeDataDirectory();
     fs::create_directories(settings_.coreFolder());
     // The first start of a companion may register.
@@ -113,6 +119,7 @@ class LaidMac final : public LaidPlace {
   }
 
   void clear() {
+    copies_.onlyOurs();
     endPrograms("/Tamo.app/Contents/MacOS/Tamo");
     unregister();
     endPrograms(std::string(companionInCopy) + "/Contents/MacOS/Tamo Core");
@@ -126,7 +133,7 @@ class LaidMac final : public LaidPlace {
 
   /// By the companion itself, as a user would; launchd's own word is the last resort.
   void unregister() {
-    if (job_.print().status == 113) return;
+    if (job_.print().status == 113 && !user_.approvalMayBeWithheld()) return;
     if (fs::exists(std::string(installedCopy) + companionInCopy)) {
       const auto started = companions_.start({.arguments = {"--core-action", "unregister"}});
       for (int look = 0; look < 600 && !companions_.ended(started); ++look)
@@ -137,9 +144,9 @@ class LaidMac final : public LaidPlace {
     std::this_thread::sleep_for(1s);
   }
 
-  static void endPrograms(const std::string& ending) {
+  void endPrograms(const std::string& ending) const {
     for (const auto& one : processesEndingWith(ending))
-      ::kill(one.pid, SIGKILL);
+      if (isOfAPlayedCopy(one.path, settings_)) ::kill(one.pid, SIGKILL);
   }
 
   const MacSettings settings_;
@@ -148,23 +155,13 @@ class LaidMac final : public LaidPlace {
   MacCompanions companions_{copies_};
   MacJob job_;
   MacCore core_{settings_};
-  MacEvidence evidence_{settings_.home};
+  MacEvidence evidence_{settings_};
   MacUser user_{settings_, copies_, companions_, evidence_};
   MacFaults faults_;
   macos::MacKernelProcesses kernel_;
-  const Place place_{copies_,
-                     companions_,
-                     job_,
-                     core_,
-                     evidence_,
-                     user_,
-                     faults_,
-                     kernel_,
-                     {.dataDirectory = settings_.dataDirectory(),
-                      .lockFile = temporaryDirectory() + "studio.pell.tamo.core.job.lock",
-                      .moveResult = settings_.container() +
-                                    "/Data/Library/Application Support/Tamo/move-to-applications.json",
-                      .trash = settings_.home + "/.Trash"}};
+  const Place place_{copies_, companions_, job_,
+                     core_,   evidence_,   user_,
+                     faults_, kernel_,     pathsOf(settings_.home, temporaryDirectory())};
 };
 
 }  // namespace

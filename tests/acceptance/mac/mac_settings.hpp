@@ -14,12 +14,16 @@ struct MacSettings {
   std::string tamoApp;
   std::string journal;
   std::string home;
+  /// Why this user cannot read the log; empty when he can.
+  std::string unreadable;
   bool withMe = false;
 
   [[nodiscard]] bool isSample() const { return tamoApp.empty(); }
   [[nodiscard]] std::string dataDirectory() const { return home + "/Library/Application Support/Tamo/"; }
   /// What the sample's Core reads and writes, and what it ends without.
   [[nodiscard]] std::string coreFolder() const { return dataDirectory() + "acceptance"; }
+  /// The downloaded copy alone lies in it.
+  [[nodiscard]] std::string downloads() const { return home + "/Downloads/Tamo acceptance"; }
   [[nodiscard]] std::string container() const { return home + "/Library/Containers/studio.pell.Tamo"; }
 };
 
@@ -29,5 +33,7 @@ inline constexpr auto companionInCopy = "/Contents/Library/LoginItems/Tamo Core.
 inline constexpr auto dataMark = ".made-by-acceptance";
 /// What a sample has and no other application.
 inline constexpr auto sampleMark = "/Contents/Resources/acceptance-sample";
+/// The attribute of a real Tamo that was put in its place here, whose signature a further file would break.
+inline constexpr auto copyMark = "studio.pell.tamo.acceptance";
 
 }  // namespace tamo::acceptance

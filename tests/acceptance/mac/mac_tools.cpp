@@ -1,7 +1,9 @@
 #include "acceptance/mac/mac_tools.hpp"
 
+#include <algorithm>
 #include <array>
 #include <libproc.h>
+#include <unistd.h>
 
 #include "acceptance/place.hpp"
 
@@ -15,10 +17,12 @@ void need(const std::vector<std::string>& words) {
 
 std::vector<MacProcess> processesEndingWith(const std::string& ending) {
   // A few more than there were: processes start meanwhile.
-  std::vector<pid_t> pids(static_cast<std::size_t>(::proc_listallpids(nullptr, 0)) + 64);
-  const auto bytes = static_cast<int>(pids.size() * sizeof(pid_t));
-  const int count = ::proc_listallpids(pids.data(), bytes);
-  pids.resize(static_cast<std::size_t>(count < 0 ? 0 : count));
+  const auto user = ::getuid();
+  const auto before = std::max(::proc_listpids(PROC_UID_ONLY, user, nullptr, 0), 0);
+  std::vector<pid_t> pids(static_cast<std::size_t>(before) / sizeof(pid_t) + 64);
+  const auto room = static_cast<int>(pids.size() * sizeof(pid_t));
+  const auto filled = std::max(::proc_listpids(PROC_UID_ONLY, user, pids.data(), room), 0);
+  pids.resize(static_cast<std::size_t>(filled) / sizeof(pid_t));
   std::vector<MacProcess> found;
   for (const auto pid : pids) {
     std::array<char, PROC_PIDPATHINFO_MAXSIZE> path{};

@@ -61,11 +61,15 @@ std::string MacUser::outcomeOf(const std::string& action) {
 void MacUser::approve(bool granted) {
   ask(std::string("in the list that opens, switch Tamo ") + (granted ? "on" : "off") +
       "; the checks go on by themselves.");
+  withheld_ = true;
   if (!granted) static_cast<void>(outcomeOf("register"));
   need({"/usr/bin/open", settingsPane});
   const std::string wanted = granted ? "status -> status 1" : "status -> status 2";
   for (int look = 0; look < 60; ++look) {
-    if (outcomeOf("status").starts_with(wanted)) return;
+    if (outcomeOf("status").starts_with(wanted)) {
+      withheld_ = !granted;
+      return;
+    }
     std::this_thread::sleep_for(3s);
   }
   throw CannotArrange("Tamo was not switched within the time");

@@ -20,6 +20,9 @@ class MacUser final : public User {
   void loseApplications(const std::string& answer) override;
   void sleepAWhile() override;
 
+  /// Whether the agent may be registered without being loaded.
+  [[nodiscard]] bool approvalMayBeWithheld() const { return withheld_; }
+
  private:
   [[nodiscard]] std::string outcomeOf(const std::string& action);
   void ask(const std::string& sentence) const;
@@ -28,6 +31,7 @@ class MacUser final : public User {
   const Copies& copies_;
   Companions& companions_;
   Evidence& evidence_;
+  bool withheld_ = false;
 };
 
 }  // namespace tamo::acceptance

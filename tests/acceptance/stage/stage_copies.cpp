@@ -15,7 +15,8 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string nameOf(Copy copy) {
-  static constexpr std::array names = {"installed", "downloaded", "staged", "translocated"};
+  static constexpr std::array names = {"installed", "", "downloaded", "staged", "translocated"};
+  if (copy == Copy::InstalledInSmallLetters) throw CannotArrange("a stage's disk minds the case of letters");
   return names.at(static_cast<std::size_t>(std::to_underlying(copy)));
 }
 
@@ -74,7 +75,7 @@ int StageCopies::marked(Copy copy) const {
   return count;
 }
 
-std::string StageCopies::signatureFault(Copy) const {
+Signature StageCopies::signature(Copy) const {
   throw CannotArrange("nothing is signed on a stage");
 }
 

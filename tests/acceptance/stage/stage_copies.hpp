@@ -23,7 +23,7 @@ class StageCopies final : public Copies {
   [[nodiscard]] std::string path(Copy copy) const override;
   [[nodiscard]] std::string folder(Copy copy) const override;
   [[nodiscard]] int marked(Copy copy) const override;
-  [[nodiscard]] std::string signatureFault(Copy copy) const override;
+  [[nodiscard]] Signature signature(Copy copy) const override;
 
  private:
   const stage::StageRoot& root_;

@@ -21,6 +21,7 @@ class StageEvidence final : public Evidence {
 
   [[nodiscard]] std::int64_t now() override;
   [[nodiscard]] std::vector<Line> lines(std::int64_t since, std::size_t endings) override;
+  [[nodiscard]] std::string unreadable() override { return ""; }
   [[nodiscard]] std::vector<std::string> crashes(std::int64_t since) override;
 
  private:

@@ -21,7 +21,7 @@ int playOnStages(const Orders& orders) {
   }
   const auto programs = tamo::stage::ownProgramFolder();
   const auto lay = [&](const Check& check) -> Lay {
-    const bool lies = canary != nullptr && canary->check == check.name;
+    const bool lies = canary != nullptr && (orders.everywhere || canary->check == check.name);
     return [&programs, lie = lies ? canary->plant : Lie()] { return laidStage(programs, lie); };
   };
   const Offer offer{.terms = {.repetitions = orders.repetitions, .underLoad = orders.underLoad}};
@@ -36,14 +36,5 @@ int playOnStages(const Orders& orders) {
 
 /// Plays the checks on stages. The words are those of ./accept.
 int main(int count, char** words) {
-  const auto orders = ordersOf({words + 1, words + count});
-  if (!orders) {
-    std::cerr << "accept: " << orders.error() << "\n";
-    return 2;
-  }
-  if (orders->list) {
-    std::cout << listOfChecks();
-    return 0;
-  }
-  return playOnStages(*orders);
+  return playWords(count, words, playOnStages);
 }

@@ -115,6 +115,9 @@ class StageFaults final : public Faults {
     const auto faults = root_.setting("tool-launchctl", "");
     root_.set("tool-launchctl", stage::withToolFault(faults, verb, "fail " + std::to_string(status)));
   }
+  void leaveLastWords(const std::string&) override {
+    throw CannotArrange("on a stage last words go to standard error, which nobody keeps");
+  }
 
  private:
   const stage::StageRoot& root_;
@@ -162,7 +165,6 @@ class LaidStage final : public LaidPlace {
   StageUser user_{root_, copies_};
   StageFaults faults_{root_};
   stage::StageKernelProcesses kernel_;
-  const std::string home_ = root_.host(root_.home());
   const Place place_{copies_,
                      companions_,
                      job_,
@@ -171,11 +173,7 @@ class LaidStage final : public LaidPlace {
                      user_,
                      faults_,
                      kernel_,
-                     {.dataDirectory = home_ + "/Library/Application Support/Tamo/",
-                      .lockFile = root_.host("/private/var/folders/st/tamo/T/studio.pell.tamo.core.job.lock"),
-                      .moveResult = home_ + "/Library/Containers/studio.pell.Tamo/Data/Library/Application "
-                                            "Support/Tamo/move-to-applications.json",
-                      .trash = home_ + "/.Trash"}};
+                     pathsOf(root_.host(root_.home()), root_.host("/private/var/folders/st/tamo/T") + "/")};
 };
 
 }  // namespace

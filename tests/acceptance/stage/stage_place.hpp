@@ -19,6 +19,8 @@ struct Lie {
   std::optional<std::string> core{};
   /// The companion in copies that are placed from then on.
   stage::Companion companion = stage::Companion::Shipped;
+
+  bool operator==(const Lie&) const = default;
 };
 
 /// Lays a stage in a directory of its own, with nothing installed. `programs` is the folder of the stage's programs.

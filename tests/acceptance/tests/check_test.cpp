@@ -97,6 +97,24 @@ TEST(OrdersTest, TheListHasALineForEach) {
   EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(list, '\n')), names().size());
 }
 
+int playedBy(std::vector<std::string> words) {
+  std::vector<char*> pointers;
+  words.insert(words.begin(), "accept");
+  for (auto& word : words)
+    pointers.push_back(word.data());
+  return playWords(static_cast<int>(pointers.size()), pointers.data(), [](const Orders&) { return 7; });
+}
+
+TEST(PlayWordsTest, TheListAndAWrongUsePlayNothing) {
+  ::testing::internal::CaptureStdout();
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(playedBy({"lock", "--list"}), 0);
+  EXPECT_EQ(playedBy({"--help"}), 2);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), listOfChecks());
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "accept: \"--help\" is no use of this command\n");
+  EXPECT_EQ(playedBy({"lock"}), 7);
+}
+
 TEST(LineTextTest, ALineIsOneLine) {
   EXPECT_EQ(
       lineText(

@@ -4,7 +4,9 @@
 
 #include "acceptance/mac/journal.hpp"
 #include "acceptance/mac/json_fields.hpp"
+#include "acceptance/mac/played_copies.hpp"
 #include "acceptance/mac/sample_lists.hpp"
+#include "acceptance/mac/signers.hpp"
 #include "acceptance/mac/unified_log.hpp"
 #include "launch/launch_job.hpp"
 #include "platform/posix/posix_files.hpp"
@@ -77,6 +79,43 @@ TEST(SampleListsTest, TheReadersOfTheProductReadThem) {
   EXPECT_EQ(definition, (LaunchJob::Definition{.arguments = {"/a b", "<&>"}, .exitTimeout = 9}));
 }
 
+TEST(PlayedCopiesTest, WhatRunsFromAnywhereElseIsNotOurs) {
+  MacSettings settings;
+  settings.home = "/Users/anna";
+  for (const auto* place : {"/Applications", "/Users/anna/Downloads/Tamo acceptance",
+                            "/Users/anna/Library/Application Support/Tamo/staged", "/Users/anna/.Trash",
+                            "/private/var/folders/a/b/T/AppTranslocation/X/d"})
+    EXPECT_TRUE(isOfAPlayedCopy(place + std::string("/Tamo.app/Contents/MacOS/Tamo"), settings)) << place;
+  for (const auto* place : {"/Volumes/Tamo", "/Users/anna/Downloads", "/Users/anna/Applications",
+                            "/Users/bob/Downloads/Tamo acceptance", ""})
+    EXPECT_FALSE(isOfAPlayedCopy(place + std::string("/Tamo.app/Contents/MacOS/Tamo"), settings)) << place;
+}
+
+constexpr auto identities = R"list(
+  1) 0123AB "Developer ID Application: Anna O'Hara (TEAM000000)"
+  2) 4567CD "Apple Development: Bob (TEAM111111)"
+     2 valid identities found
+)list";
+
+std::string signedBy(const std::string& identity) {
+  const std::string shown =
+      "Authority=Developer ID Application: Anna O'Hara (TEAM000000), team TEAM000000, by Anna O'Hara";
+  return redacted(shown, signersOf(identities, identity));
+}
+
+TEST(SignersTest, WhoSignsIsNotNamedHoweverHeIsGiven) {
+  for (const auto* identity : {"Developer ID Application: Anna O'Hara (TEAM000000)", "Anna", "0123AB"})
+    EXPECT_EQ(signedBy(identity), "Authority=(identity), team (team), by (signer)") << identity;
+  EXPECT_TRUE(signersOf(identities, "-").empty());
+}
+
+TEST(SignersTest, TheIdentifierIsReadFromWhatIsShown) {
+  EXPECT_EQ(
+      signingIdentifierIn("Executable=/a\nIdentifier=studio.pell.tamo.core-agent\nTeamIdentifier=not set\n"),
+      "studio.pell.tamo.core-agent");
+  EXPECT_EQ(signingIdentifierIn("a: code object is not signed at all\nTeamIdentifier=x"), "");
+}
+
 class JournalTest : public ::testing::Test {
  protected:
   ~JournalTest() override { std::filesystem::remove(file); }
@@ -87,10 +126,11 @@ TEST_F(JournalTest, EachThingIsToldOnce) {
   Journal journal(file);
   journal.willMake("/Applications/Tamo.app");
   journal.willRegister();
+  journal.willTrash();
   journal.willMake("/Applications/Tamo.app");
   journal.willMake("/Applications/Tamo");
   EXPECT_EQ(platform::posix::readWhole(file),
-            "path /Applications/Tamo.app\nregistered\npath /Applications/Tamo\n");
+            "path /Applications/Tamo.app\nregistered\ntrash\npath /Applications/Tamo\n");
 }
 
 TEST_F(JournalTest, WithoutAJournalNothingIsMade) {
