@@ -83,7 +83,8 @@ int playSession(const Orders& orders, const Venue& venue) {
                                 growing.add(played);
                                 summary.ends(played);
                               }};
-  const auto report = growing.whole(playSet(choice.checks, venue.lay, venue.offer, orders.atOnce, watching));
+  const auto lay = [&](const Chosen& one) { return venue.lay(*one.check); };
+  const auto report = growing.whole(playSet(choice.checks, lay, venue.offer, orders.atOnce, watching));
   summary.closes(report, orders.report);
   if (!growing.written())
     std::cerr << "accept: the report could not be written whole to " << orders.report << "\n";

@@ -11,7 +11,7 @@ namespace {
 /// What the workers of a set share: the next check, and the results.
 struct Work {
   const std::vector<Chosen>& set;
-  const std::function<Lay(const Check&)>& lay;
+  const std::function<Lay(const Chosen&)>& lay;
   const Offer& offer;
   const Watching& watching;
   std::vector<Played> results;
@@ -22,7 +22,7 @@ struct Work {
     for (auto index = next++; index < set.size(); index = next++) {
       const auto& one = set.at(index);
       tell([&] { watching.begins(*one.check); });
-      auto played = play(*one.check, lay(*one.check), offer);
+      auto played = play(*one.check, lay(one), offer);
       played.theme = one.theme;
       tell([&] { watching.ends(played); });
       results.at(index) = std::move(played);
@@ -54,7 +54,7 @@ Choice chosen(const std::vector<std::string>& names) {
   return choice;
 }
 
-std::vector<Played> playSet(const std::vector<Chosen>& set, const std::function<Lay(const Check&)>& lay,
+std::vector<Played> playSet(const std::vector<Chosen>& set, const std::function<Lay(const Chosen&)>& lay,
                             const Offer& offer, std::size_t atOnce, const Watching& watching) {
   Work work{.set = set,
             .lay = lay,

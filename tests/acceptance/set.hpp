@@ -28,10 +28,10 @@ struct Watching {
   std::function<void(const Played&)> ends;
 };
 
-/// In the order of the set, whatever was over first. `lay` is called on as many threads as are at work at once; with
-/// one, on the caller's own.
+/// In the order of the set, whatever was over first. `lay` is called with an item of the set, on as many threads as are
+/// at work at once; with one, on the caller's own.
 [[nodiscard]] std::vector<Played> playSet(const std::vector<Chosen>& set,
-                                          const std::function<Lay(const Check&)>& lay, const Offer& offer,
+                                          const std::function<Lay(const Chosen&)>& lay, const Offer& offer,
                                           std::size_t atOnce, const Watching& watching);
 
 }  // namespace tamo::acceptance

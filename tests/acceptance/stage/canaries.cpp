@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "platform/posix/posix_files.hpp"
 
@@ -103,6 +104,7 @@ std::vector<Canary> actionCanaries() {
           planted("restart", "a kickstart fails", failsToKickstart, linesDiffer),
           planted("sync", "another job is printed", printsAnotherJob, linesDiffer),
           planted("unknown-action", "the registration is forgotten", forgetsTheAgent, linesDiffer),
+          planted("word-more", "the registration is forgotten", forgetsTheAgent, linesDiffer),
           planted("default-action", "registering fails", refusesToRegister, linesDiffer),
           planted("move-of-the-installed-copy", "the companion stops for want of a folder",
                   hasNoTemporaryDirectory, linesDiffer)};
@@ -223,13 +225,40 @@ const std::vector<Canary>& allCanaries() {
   return canaries;
 }
 
+std::string_view sparedBy(const Lie& lie) {
+  using Plant = void (*)(const StageRoot&);
+  static const std::vector<std::pair<Plant, std::string_view>> spared{
+      {forgetsTheAgent, "register"},
+      {losesTheList, "move-of-the-installed-copy"},
+      {failsToPrint, "move-of-the-installed-copy"},
+      {printsAnyJob, "move-of-the-installed-copy"},
+      {printsAnotherJob, "move-of-the-installed-copy"},
+      {hasNoTemporaryDirectory, "print-not-loaded"},
+      {copiesNothing, "move-opens"},
+      {opensNothing, "move-cancelled"},
+      {clearsNoMark, "move-copies"},
+      {asksNobody, "move-copies"}};
+  const auto found = std::ranges::find(spared, lie.plant, &std::pair<Plant, std::string_view>::first);
+  return found == spared.end() ? "status" : found->second;
+}
+
+std::vector<const Canary*> oneOfEachLie() {
+  std::vector<const Canary*> kinds;
+  for (const auto& canary : allCanaries()) {
+    const auto alike = [&](const Canary* other) { return other->plant == canary.plant; };
+    if (std::ranges::none_of(kinds, alike)) kinds.push_back(&canary);
+  }
+  return kinds;
+}
+
 const Canary* canaryOf(std::string_view check) {
   const auto found = std::ranges::find(allCanaries(), check, &Canary::check);
   return found == allCanaries().end() ? nullptr : &*found;
 }
 
 const std::vector<std::string_view>& notForStages() {
-  static const std::vector<std::string_view> checks{"signature", "sleep-in-the-grace"};
+  static const std::vector<std::string_view> checks{"copy-in-small-letters", "signature",
+                                                    "sleep-in-the-grace", "last-words"};
   return checks;
 }
 

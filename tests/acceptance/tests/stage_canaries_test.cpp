@@ -50,6 +50,24 @@ TEST(CanaryFaultTest, ItHasToFailByTheRightJudgement) {
   EXPECT_EQ(canaryFault(canary, played), "");
 }
 
+TEST(SparedTest, EachKindOfLieSparesACheckThatIsNotItsOwn) {
+  const auto kinds = oneOfEachLie();
+  EXPECT_GT(kinds.size(), 20U);
+  for (const auto& one : allCanaries()) {
+    const auto alike = [&](const Canary* other) { return other->plant == one.plant; };
+    EXPECT_EQ(std::ranges::count_if(kinds, alike), 1) << one.check;
+    EXPECT_NE(checkNamed(sparedBy(one.plant)), nullptr) << one.check;
+    EXPECT_NE(sparedBy(one.plant), one.check);
+  }
+}
+
+TEST(SparedTest, ACheckThatFailsByALieThatIsNothingToItIsTold) {
+  Played played{.check = checkNamed("status"), .outcome = Outcome::Held};
+  EXPECT_EQ(sparedFault(played), "");
+  played.outcome = Outcome::Failed;
+  EXPECT_EQ(sparedFault(played), "its lie is nothing to status, which does not hold all the same");
+}
+
 TEST(LineOfStageTest, AllColumnsAreRead) {
   const auto line = lineOfStage(
       "1970-01-01T00:00:01.250Z\t42\terror\tstudio\tlifecycle\ta\\nb <private>\t{public:a\\nb\\{} {private}");
