@@ -84,14 +84,17 @@ clear_path() {
   fi
   "$lsregister" -u "$path" >/dev/null 2>&1 || true
   remove_whole "${path%/}" && return 0
+  [[ -e $path ]] || path=${path%/}.making
   echo "accept: could not be removed; take it away with: sudo rm -rf \"$path\"" >&2
   return 1
 }
 
-# Under another name first: what is cut off in the middle has lost its mark perhaps, but not that name.
+# Under another name first: what is cut off in the middle has lost its mark perhaps, but not that name. What cannot be
+# renamed cannot be removed either, and keeps its mark.
 remove_whole() {
   local going=$1
-  if [[ $going == */Tamo.app || $going == "$(data_directory)" ]] && mv "$going" "$going.making" 2>/dev/null; then
+  if [[ $going == */Tamo.app || $going == "$(data_directory)" ]]; then
+    mv "$going" "$going.making" 2>/dev/null || return 1
     going=$going.making
   fi
   rm -rf "$going" 2>/dev/null || true

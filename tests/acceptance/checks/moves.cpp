@@ -190,13 +190,14 @@ Theme moveChecks() {
        {"move-waits", "The new copy is opened once the old one has quit.", Downloaded, whileTheOldOneQuits},
        {"move-waits-no-longer", "After 30 seconds the new copy is opened although the old one runs.",
         Downloaded, whileTheOldOneStays},
+       {"move-cancelled", "A prompt that is closed cancels the move.", Downloaded, withAPromptThatIsClosed,
+        false, "When the system asks for an administrator's password, close the prompt."},
+       // After the other one of a user who cannot take away again what it installs.
        {"move-administrator", "Where the user may not write, the administrator copies.", Downloaded,
         withTheAdministrator, false,
         "When the system asks for an administrator's password, check that it reads \"Tamo wants to move "
         "itself "
         "into your Applications folder.\", and type it."},
-       {"move-cancelled", "A prompt that is closed cancels the move.", Downloaded, withAPromptThatIsClosed,
-        false, "When the system asks for an administrator's password, close the prompt."},
        {"move-translocated", "Of a translocated copy the original goes to the Trash.", Downloaded,
         ofATranslocatedCopy, false, "Open Tamo in the folder that the Finder shows, by a double click."}}};
 }

@@ -252,8 +252,19 @@ sample "$folder/Applications/Tamo.app"
 echo "path $folder/Applications/Tamo.app" >"$folder/work/build/accept.journal"
 echo 'exit 1' | tool rm
 run
-[[ $status == 1 && $said == *"could not be removed; take it away with: sudo rm -rf \"$folder/Applications/Tamo.app\""* ]] ||
-  fault "what stays is told: $status $said"
+[[ $status == 1 && $said == *"could not be removed; take it away with: sudo rm -rf \"$folder/Applications/Tamo.app.making\""* ]] ||
+  fault "what stays is told by the name that it has: $status $said"
+
+# What an administrator has put into a folder that is not the user's stays whole, and is told of at every start.
+lay
+mkdir -p "$folder/work/build"
+sample "$folder/Applications/Tamo.app"
+echo "path $folder/Applications/Tamo.app" >"$folder/work/build/accept.journal"
+echo 'exit 1' | tool mv
+for start in first second; do
+  run
+  [[ $status == 1 && $said == *"sudo rm -rf \"$folder/Applications/Tamo.app\""* ]] || fault "the $start start tells: $said"
+done
 
 # An agent that stays registered is told as well.
 lay
