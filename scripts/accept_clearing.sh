@@ -30,7 +30,8 @@ end_programs() {
     esac
     pkill -KILL -f "^$(literally "$path")/Contents/" 2>/dev/null || true
   done < <(sed -n 's/^path //p' "$journal")
-  # The prompt for an administrator, and a copy that the system ran from a place of its own.
+  # Of a move that was cut off: the prompt for an administrator, and a copy that the system ran from a place of its own.
+  grep -qx trash "$journal" || return 0
   pkill -f "osascript .*$(literally "$(downloads)")/" 2>/dev/null || true
   pkill -KILL -f '^(/private)?/var/folders/.*/AppTranslocation/.*/Tamo\.app/Contents/' 2>/dev/null || true
 }

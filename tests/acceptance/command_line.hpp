@@ -26,8 +26,8 @@ struct Orders {
   bool canaries = false;
 };
 
-/// --report FOLDER, --with-me, --list, --at-once N, --repetitions N, --canary NAME, --everywhere, --canaries, and names. An unexpected answer is
-/// the line for a person.
+/// --report FOLDER, --with-me, --list, --at-once N, --repetitions N, --canary NAME, --everywhere, --canaries, and names.
+/// An unexpected answer is the line for a person.
 [[nodiscard]] std::expected<Orders, std::string> ordersOf(const std::vector<std::string>& words);
 
 /// The exit status of a program that plays what its words order, the first of which is its own name. A wrong use is told

@@ -81,6 +81,7 @@ missing() { # LINE, the made-up tool on standard input: TOOL
 
 lay; run
 [[ $status == 0 ]] || fault "a Mac where all is there is played on: $said"
+grep -q pkill "$folder/asked" && fault "where nothing was made nobody is ended"
 
 missing "macOS 13 or later is needed; this is 12.7.6" sw_vers <<<'echo 12.7.6'
 missing "Xcode's command line tools are missing: xcode-select --install" xcode-select <<<'exit 2'

@@ -16,7 +16,7 @@ struct Canary {
   /// What the stage does instead.
   std::string_view lie;
   Lie plant;
-  /// The judgement that must not hold; empty where any will do.
+  /// The judgement that must not hold.
   std::string_view finds{};
 };
 

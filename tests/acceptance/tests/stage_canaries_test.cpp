@@ -24,6 +24,7 @@ TEST(StageCanariesTest, EachIsOfACheckAndLies) {
     const bool lies = canary.plant.plant != nullptr || canary.plant.core ||
                       canary.plant.companion != stage::Companion::Shipped;
     EXPECT_TRUE(lies) << canary.check;
+    EXPECT_NE(canary.finds, "") << canary.check;
     EXPECT_EQ(std::ranges::count(allCanaries(), canary.check, &Canary::check), 1) << canary.check;
   }
 }
