@@ -193,6 +193,6 @@ accept_on_a_mac() {
 list_on_a_mac() {
   local line
   if line=$(missing_tools); then refuse "$line" || return; fi
-  build_parts >/dev/null || return 2
+  build_parts >&2 || return 2
   (play_parts "$@")
 }
