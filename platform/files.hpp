@@ -15,7 +15,8 @@ class FileReader {
   /// Whether an item is there, links followed: a dangling link counts as nothing.
   [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
 
-  /// The whole file as bytes; absent when it cannot be read to its end.
+  /// The whole file as bytes; absent when it cannot be read to its end, and for what is no file: a pipe or a
+  /// device is not waited for.
   [[nodiscard]] virtual std::optional<std::string> readWhole(const std::string& path) const = 0;
 
   /// `path` with the symbolic links of every component resolved, then standardised. All or nothing: a path
@@ -49,7 +50,8 @@ class Files : public FileReader {
   /// something is left or nothing was there.
   virtual bool remove(const std::string& path) = 0;
 
-  /// Opens an existing file for writing from its start. Null when it cannot be opened.
+  /// Opens an existing file for writing from its start. Null when it cannot be opened, and when what is there
+  /// may be somebody else's: a symbolic link, a file with a second name, a pipe, which is not waited for.
   [[nodiscard]] virtual std::unique_ptr<OutputFile> openForWriting(const std::string& path) = 0;
 
   /// The user's own temporary directory, with a "/" at its end. Absent when there is none.

@@ -37,6 +37,21 @@ bool isDirectory(const std::string& path) {
   return ::stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
 }
 
+/// Owns nothing unless a regular file is there. A pipe that somebody laid there, whose other end nobody opens,
+/// would be waited for without end, and a device would never come to its end.
+Descriptor openedFile(const std::string& path, int flags) {
+  Descriptor opened(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC));
+  struct stat found{};
+  const bool regular = opened && ::fstat(opened.get(), &found) == 0 && S_ISREG(found.st_mode);
+  return regular ? std::move(opened) : Descriptor();
+}
+
+/// Whether an open file has no second name. One that somebody laid there under a name of ours has.
+bool hasOneName(const Descriptor& file) {
+  struct stat found{};
+  return ::fstat(file.get(), &found) == 0 && found.st_nlink == 1;
+}
+
 /// The mode that a replaced file hands on; absent when there is no regular file to take it from.
 std::optional<mode_t> modeToKeep(const std::string& path) {
   struct stat found{};
@@ -111,7 +126,7 @@ std::optional<std::string> withoutLinks(const std::string& path) {
 }
 
 std::optional<std::string> readWhole(const std::string& path) {
-  const Descriptor opened(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const auto opened = openedFile(path, O_RDONLY);
   if (!opened) return std::nullopt;
   return readToEnd(opened.get(), std::numeric_limits<std::size_t>::max());
 }
@@ -123,8 +138,8 @@ bool writeAtomically(const std::string& path, std::string_view bytes) {
 
 /// Neither made nor emptied here: who asks has put the file there.
 std::unique_ptr<OutputFile> openForWriting(const std::string& path) {
-  Descriptor opened(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!opened) return nullptr;
+  auto opened = openedFile(path, O_WRONLY | O_NOFOLLOW);
+  if (!opened || !hasOneName(opened)) return nullptr;
   return std::make_unique<PosixOutputFile>(std::move(opened));
 }
 

@@ -49,8 +49,8 @@ bool StageFiles::remove(const std::string& path) {
 }
 
 std::unique_ptr<platform::OutputFile> StageFiles::openForWriting(const std::string& path) {
-  const auto found = root_.existing(path);
-  return found ? posix::openForWriting(*found) : nullptr;
+  const auto place = root_.entry(path);
+  return place ? posix::openForWriting(*place) : nullptr;
 }
 
 /// With the "/" at its end that a Mac's has.

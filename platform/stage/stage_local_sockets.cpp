@@ -6,7 +6,7 @@ namespace tamo::stage {
 
 bool StageLocalSockets::accepts(const std::string& path) {
   const auto socket = root_.existing(path);
-  return socket && connectedTo(*socket);
+  return socket && connectedTo(*socket, FullBacklog::Refuses);
 }
 
 }  // namespace tamo::stage

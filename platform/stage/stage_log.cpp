@@ -20,6 +20,26 @@ const char* levelName(platform::LogLevel level) {
   return level == platform::LogLevel::Error ? "error" : "default";
 }
 
+/// What a terminal would obey instead of showing it.
+bool isControl(char character) {
+  const auto code = static_cast<unsigned char>(character);
+  return code < 0x20 || code == 0x7f;
+}
+
+std::string hexadecimal(char character) {
+  std::array<char, 8> text{};
+  std::snprintf(text.data(), text.size(), "x%02x", static_cast<unsigned char>(character));
+  return text.data();
+}
+
+std::string escapedCharacter(char character, std::string_view more) {
+  if (character == '\t') return "\\t";
+  if (character == '\n') return "\\n";
+  if (isControl(character)) return "\\" + hexadecimal(character);
+  const bool marked = character == '\\' || more.contains(character);
+  return std::string(marked ? "\\" : "") + character;
+}
+
 /// The marks tell a reader what would be private on a Mac, so a brace of the text itself is escaped.
 std::string marked(const LogPiece& piece, PrivateTexts privateTexts) {
   auto text = escaped(piece.text, "{}");
@@ -62,16 +82,8 @@ class StageLogger final : public platform::Logger {
 /// A line stays a line and a column a column, whatever the text holds.
 std::string escaped(std::string_view text, std::string_view more) {
   std::string result;
-  for (const char character : text) {
-    if (character == '\t') {
-      result += "\\t";
-    } else if (character == '\n') {
-      result += "\\n";
-    } else {
-      if (character == '\\' || more.contains(character)) result += '\\';
-      result += character;
-    }
-  }
+  for (const char character : text)
+    result += escapedCharacter(character, more);
   return result;
 }
 

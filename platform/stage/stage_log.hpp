@@ -16,14 +16,15 @@
 /// (see onlooker.hpp).
 ///
 /// A private argument reads "<private>", or "{private}" among the marks, unless the setting "log-private" is
-/// "shown". A tab, a line break and a backslash inside a text are written "\t", "\n" and "\\"; among the
-/// marks a brace is written "\{" or "\}" too, so that the column can be read back exactly.
+/// "shown". A tab, a line break and a backslash inside a text are written "\t", "\n" and "\\", and another
+/// control character by its number; among the marks a brace is written "\{" or "\}" too, so that the column can
+/// be read back exactly.
 namespace tamo::stage {
 
 enum class PrivateTexts { Hidden, Shown };
 
 /// `text` with a backslash before each of "\", tab and line break (as "\\", "\t", "\n") and before each
-/// character of `more`.
+/// character of `more`; another control character, which a terminal would obey, is its number ("\x1b").
 [[nodiscard]] std::string escaped(std::string_view text, std::string_view more = {});
 
 /// The sixth and the seventh column.

@@ -37,11 +37,12 @@ const sockaddr* generic(const sockaddr_un& address) {
 
 }  // namespace
 
-Descriptor connectedTo(const std::string& path) {
+Descriptor connectedTo(const std::string& path, FullBacklog when) {
   const auto folder = folderOf(path);
   sockaddr_un address;
   if (!folder || !fill(address, folder, path)) return {};
-  Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  const int waits = when == FullBacklog::Refuses ? SOCK_NONBLOCK : 0;
+  Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | waits, 0));
   if (!socket) return {};
   const auto result =
       platform::uninterrupted([&] { return ::connect(socket.get(), generic(address), sizeof address); });

@@ -176,6 +176,43 @@ TEST_P(FilesContract, OnlyAnExistingFileIsOpenedForWriting) {
   EXPECT_TRUE(namesIn(".").empty());
 }
 
+/// Whoever laid the link between our making of the file and our opening of it has named one that is not ours.
+TEST_P(FilesContract, ALinkIsNotOpenedForWriting) {
+  lay("victim", "kept");
+  link("link", "victim");
+  link("dangling", "nowhere");
+  EXPECT_EQ(files.openForWriting(path("link")), nullptr);
+  EXPECT_EQ(files.openForWriting(path("dangling")), nullptr);
+  EXPECT_EQ(contentsOf("victim"), "kept");
+  EXPECT_EQ(namesIn("."), (std::vector<std::string>{"dangling", "link", "victim"}));
+}
+
+TEST_P(FilesContract, AFileWithASecondNameIsNotOpenedForWriting) {
+  lay("victim", "kept");
+  fs::create_hard_link(host("victim"), host("planted"));
+  EXPECT_EQ(files.openForWriting(path("planted")), nullptr);
+  fs::remove(host("planted"));
+  EXPECT_NE(files.openForWriting(path("victim")), nullptr);
+}
+
+/// Nobody ever opens the other end; the test ends, or waits for ever.
+TEST_P(FilesContract, APipeIsNeitherReadNorWrittenNorWaitedFor) {
+  ASSERT_EQ(::mkfifo(host("pipe").c_str(), 0600), 0);
+  link("to-pipe", "pipe");
+  EXPECT_EQ(files.readWhole(path("pipe")), std::nullopt);
+  EXPECT_EQ(files.readWhole(path("to-pipe")), std::nullopt);
+  EXPECT_EQ(files.openForWriting(path("pipe")), nullptr);
+}
+
+/// With its other end open, a pipe has no end that could be read to, and takes what was meant for a file.
+TEST_P(FilesContract, APipeWhoseOtherEndIsOpenIsNoFileEither) {
+  ASSERT_EQ(::mkfifo(host("pipe").c_str(), 0600), 0);
+  const platform::Descriptor other(::open(host("pipe").c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+  ASSERT_TRUE(other);
+  EXPECT_EQ(files.readWhole(path("pipe")), std::nullopt);
+  EXPECT_EQ(files.openForWriting(path("pipe")), nullptr);
+}
+
 TEST_P(FilesContract, TheTemporaryDirectoryIsThereAndEndsInASlash) {
   const auto directory = files.temporaryDirectory();
   ASSERT_TRUE(directory);

@@ -69,6 +69,23 @@ TEST_P(LocalSocketsContract, TheLongestPathThatFitsIsConnected) {
   EXPECT_TRUE(sockets.accepts(longest));
 }
 
+/// Its callers pile up until there is room for no more: the next one is sent away at once, and nobody waits.
+TEST_P(LocalSocketsContract, AListenerThatNeverTakesACallIsNotWaitedFor) {
+  const platform::Descriptor deaf(::socket(AF_UNIX, SOCK_STREAM, 0));
+  const auto place = host("deaf.sock");
+  sockaddr_un address{};
+  ASSERT_LT(place.size(), sizeof address.sun_path);
+  address.sun_family = AF_UNIX;
+  place.copy(address.sun_path, place.size());
+  ASSERT_EQ(::bind(deaf.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(::listen(deaf.get(), 1), 0);
+  int taken = 0;
+  while (taken < 100 && sockets.accepts(path("deaf.sock")))
+    ++taken;
+  EXPECT_GE(taken, 1);
+  EXPECT_LT(taken, 100);
+}
+
 TAMO_CONTRACT(LocalSocketsContract);
 
 }  // namespace
