@@ -21,6 +21,7 @@ class FileTree {
   void append(const std::string& path, std::string_view bytes);
   void createFolder(std::string_view path);
   void link(std::string from, std::string to);
+  [[nodiscard]] bool isLink(std::string_view path) const { return !linkFrom_.empty() && path == linkFrom_; }
   /// False when nothing was there.
   bool remove(std::string_view path);
   /// Copies a folder over another, file by file. False when nothing is there to copy.

@@ -142,7 +142,10 @@ bool SimulatedFiles::writeAtomically(const std::string& path, std::string_view b
   if (receipt) companion_.record.receiptDenied = record.receiptDenied || fails;
   companion_.note("writes ", path, ": ", !fails);
   if (isPrintFile(path)) companion_.record.printed = true;
-  if (!fails) companion_.world.files.write(path, written);
+  auto& tree = companion_.world.files;
+  // A link in the place is replaced, not followed.
+  if (!fails && tree.isLink(path)) tree.remove(path);
+  if (!fails) tree.write(path, written);
   if (companion_.world.planted == Plant::StrayFiles) companion_.world.files.remove(path + ".part");
   return !fails;
 }
@@ -175,7 +178,7 @@ std::unique_ptr<platform::OutputFile> SimulatedFiles::openForWriting(const std::
   auto& world = companion_.world;
   const bool fails = companion_.enter(Call::openForWriting, path);
   Referee::touches(companion_, Call::openForWriting, path);
-  if (fails || world.files.read(path) == nullptr) return nullptr;
+  if (fails || world.files.isLink(path) || world.files.read(path) == nullptr) return nullptr;
   const int descriptor = world.nextDescriptor++;
   world.descriptors[descriptor] = path;
   return std::make_unique<Output>(world, descriptor);

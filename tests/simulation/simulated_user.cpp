@@ -10,7 +10,7 @@ int SimulatedLockFiles::open(const std::string& path) {
   const bool fails = companion_.enter(Call::openLock);
   Referee::touches(companion_, Call::openLock, path);
   if (world.planted == Plant::ForgottenLock) return -1;
-  if (fails) {
+  if (fails || world.files.isLink(path)) {
     Referee::givesLockUp(companion_);
     return -1;
   }

@@ -1,0 +1,133 @@
+#include "attacks/sweep.hpp"
+
+#include <algorithm>
+#include <memory>
+
+#include "faults/death_rules.hpp"
+#include "simulation/director.hpp"
+#include "simulation/referee.hpp"
+#include "simulation/simulator.hpp"
+
+namespace tamo::attacks {
+namespace {
+
+using simulation::Call;
+using simulation::Way;
+
+/// Far more than any take needs.
+constexpr std::uint64_t mostEvents = 200'000;
+constexpr std::size_t mostWrong = 30;
+/// How far apart the moments are at which somebody strikes while the companion waits.
+constexpr std::chrono::milliseconds step(50);
+
+/// Nothing fails; somebody has a turn before one call.
+class Attacker final : public simulation::Director {
+ public:
+  Attacker(std::size_t call, std::function<void(Companion&)> strike)
+      : call_(call), strike_(std::move(strike)) {}
+
+  [[nodiscard]] Way called(Companion& companion, Call call, std::string_view subject) override {
+    if (++count_ != call_) return Way::None;
+    // Between the last look and the signal come the markers, which are asked for off the main thread, and the signal itself.
+    inTheGap_ = call == Call::kill || (call == Call::exists && subject.contains("core.db.revert"));
+    strike_(companion);
+    struck_ = true;
+    return Way::None;
+  }
+  [[nodiscard]] std::size_t count() const { return count_; }
+  [[nodiscard]] bool struck() const { return struck_; }
+  [[nodiscard]] bool inTheGap() const { return inTheGap_; }
+
+ private:
+  std::size_t call_;
+  std::function<void(Companion&)> strike_;
+  std::size_t count_ = 0;
+  bool struck_ = false;
+  bool inTheGap_ = false;
+};
+
+Companion& addFirst(World& world, const Scene& scene, By by) {
+  return *world.companions.emplace_back(
+      std::make_unique<Companion>(world, planOf(scene, by, scene.action, "first")));
+}
+
+}  // namespace
+
+Sweep::Untouched Sweep::untouched(const Scene& scene, By by) {
+  World world(timeline_, simulation::Dice::calm(), plant_, false);
+  timeline_.begin(world.dice);
+  Attacker nobody(0, [](Companion&) {});
+  world.director = &nobody;
+  furnish(world, scene);
+  const Canaries canaries(world);
+  addFirst(world, scene, by).launch();
+  static_cast<void>(timeline_.runUntilIdle(mostEvents));
+  const Untouched found{.calls = nobody.count(), .lasted = world.lastEnd};
+  endAll(world);
+  return found;
+}
+
+void Sweep::play(const Attack& attack, const Scene& scene, By by) {
+  const auto run = untouched(scene, by);
+  for (std::size_t call = 1; call <= run.calls; ++call)
+    maybePlayOne(attack, scene, by, {.call = call});
+  for (Time at = step; at < run.lasted; at += step)
+    maybePlayOne(attack, scene, by, {.at = at});
+}
+
+void Sweep::maybePlayOne(const Attack& attack, const Scene& scene, By by, const Moment& moment) {
+  if (all_++ % stride_ == 0) playOne(attack, scene, by, moment);
+}
+
+void Sweep::playOne(const Attack& attack, const Scene& scene, By by, const Moment& moment) {
+  World world(timeline_, simulation::Dice::calm(), plant_, false);
+  timeline_.begin(world.dice);
+  furnish(world, scene);
+  Canaries canaries(world);
+  bool struck = false;
+  const auto strike = [&](Companion& companion) {
+    attack.strike(world, companion, canaries);
+    struck = true;
+  };
+  Attacker attacker(moment.call, strike);
+  world.director = &attacker;
+  auto& first = addFirst(world, scene, by);
+  if (moment.call == 0) timeline_.after(moment.at, [&] { strike(first); });
+  first.launch();
+  const bool inTime = timeline_.runUntilIdle(mostEvents);
+  simulation::Referee::runEnded(world, inTime);
+  ++tally_.takes;
+  if (!struck) ++tally_.missed;
+
+  auto wrong = canaries.harmed();
+  if (!inTime || !first.ended()) wrong.emplace_back("it does not come to an end");
+  for (const auto& violation : world.verdict.violations()) {
+    const auto said = std::string(nameOf(violation.invariant)) + ": " + violation.detail;
+    const bool gap = attacker.inTheGap() && (violation.invariant == Invariant::SignalTarget ||
+                                             violation.invariant == Invariant::Spared);
+    if (gap) {
+      ++tally_.inTheGap;
+    } else if (std::ranges::find(attack.excused, violation.invariant) != attack.excused.end()) {
+      ++tally_.excused[std::string(attack.name) + " " + std::string(nameOf(violation.invariant))];
+    } else {
+      wrong.push_back(said);
+    }
+  }
+  canaries.removeFiles();
+  if (!attack.leavesFiles) faults::judgeFiles(world, wrong);
+  if (!wrong.empty()) ++tally_.broken;
+  for (auto& each : wrong) {
+    if (tally_.wrong.size() >= mostWrong) break;
+    tally_.wrong.push_back(
+        std::string(attack.name) + " in " + scene.name + (by == By::Url ? " url" : " switch") +
+        (moment.call > 0
+             ? " before call " + std::to_string(moment.call)
+             : " at " +
+                   std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(moment.at).count()) +
+                   " ms") +
+        ": " + std::move(each));
+  }
+  endAll(world);
+}
+
+}  // namespace tamo::attacks
