@@ -1,5 +1,6 @@
 #include "attacks/attack.hpp"
 
+#include <algorithm>
 #include <chrono>
 
 namespace tamo::attacks {
@@ -161,27 +162,37 @@ void Canaries::removeFiles() {
     world_.files.remove(path);
 }
 
+const Attack* attackNamed(std::string_view name) {
+  const auto found = std::ranges::find(attacks(), name, &Attack::name);
+  return found == attacks().end() ? nullptr : &*found;
+}
+
 const std::vector<Attack>& attacks() {
+  // Whoever spoils a copy is the one who loses it, and a print that is laid after the last one is nobody else's.
   static const std::vector<Attack> all{
-      {"print-linked", linkPrint},
-      {"print-taken", takePrint},
-      {"lock-linked", linkLock},
-      {"receipt-linked", linkReceipt},
-      {"result-linked", linkResult},
-      {"core-joins-stranger", coreJoinsStranger},
-      {"core-joins-companion", coreJoinsCompanion},
-      {"core-joins-launchd", coreJoinsLaunchd},
-      {"core-dies", coreDies},
-      {"core-pid-taken", coreDiesAndItsPidIsTaken},
-      {"copy-linked", linkHere},
-      {"copy-tampered", tamperHere},
-      {"list-spoilt", spoilList},
-      {"destination-taken", takeDestination},
-      {"destination-appears", installOther},
-      {"revert-begins", beginRevert},
-      {"revert-ends", endRevert},
-      {"unregistered", unregister},
-      {"definition-changed", changeDefinition},
+      {.name = "print-linked", .strike = linkPrint, .excused = {Invariant::Leftovers}},
+      {.name = "print-taken", .strike = takePrint},
+      {.name = "lock-linked", .strike = linkLock},
+      {.name = "receipt-linked", .strike = linkReceipt},
+      {.name = "result-linked", .strike = linkResult},
+      {.name = "core-joins-stranger", .strike = coreJoinsStranger},
+      {.name = "core-joins-companion", .strike = coreJoinsCompanion},
+      {.name = "core-joins-launchd", .strike = coreJoinsLaunchd},
+      {.name = "core-dies", .strike = coreDies},
+      {.name = "core-pid-taken", .strike = coreDiesAndItsPidIsTaken},
+      {.name = "copy-linked", .strike = linkHere, .excused = {Invariant::LastCopy}},
+      {.name = "copy-tampered", .strike = tamperHere, .excused = {Invariant::LastCopy}},
+      {.name = "list-spoilt",
+       .strike = spoilList,
+       .excused = {Invariant::LastCopy, Invariant::WholeOrAbsent}},
+      {.name = "destination-taken",
+       .strike = takeDestination,
+       .excused = {Invariant::LastCopy, Invariant::MoveResult}},
+      {.name = "destination-appears", .strike = installOther},
+      {.name = "revert-begins", .strike = beginRevert},
+      {.name = "revert-ends", .strike = endRevert},
+      {.name = "unregistered", .strike = unregister},
+      {.name = "definition-changed", .strike = changeDefinition},
   };
   return all;
 }

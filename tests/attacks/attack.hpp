@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +22,7 @@ class Canaries {
 
   /// The pid of a process of somebody's that leads a group of its own.
   [[nodiscard]] std::int32_t stranger() const { return stranger_; }
-  /// What came to harm, a sentence each. `attacker`: a stranger that has the Core's former pid; 0: there is none.
+  /// What came to harm, a sentence each.
   [[nodiscard]] std::vector<std::string> harmed() const;
   /// Takes the files away again, so that what is left can be judged as if they had never been there.
   void removeFiles();
@@ -42,10 +41,10 @@ struct Attack {
   void (*strike)(World& world, Companion& companion, const Canaries& canaries);
   /// Which invariants somebody who does this breaks himself, or makes the companion break by what it is told.
   std::vector<Invariant> excused = {};
-  /// Whether what is left of files is somebody else's doing.
-  bool leavesFiles = false;
 };
 
 [[nodiscard]] const std::vector<Attack>& attacks();
+/// Null when there is none of that name.
+[[nodiscard]] const Attack* attackNamed(std::string_view name);
 
 }  // namespace tamo::attacks

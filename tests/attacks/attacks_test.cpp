@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <map>
 
 #include "attacks/sweep.hpp"
 
@@ -8,8 +9,8 @@ namespace {
 
 std::string firstsOf(const Tally& tally) {
   std::string text;
-  for (const auto& each : tally.wrong)
-    text += each + "\n";
+  for (const auto& [kind, wrong] : tally.wrong)
+    text += std::to_string(wrong.times) + " times " + kind + ", first: " + wrong.first + "\n";
   return text;
 }
 
@@ -24,10 +25,8 @@ void expectSound(const Tally& tally) {
   EXPECT_EQ(tally.broken, 0U) << firstsOf(tally);
   EXPECT_EQ(tally.missed, 0U);
   EXPECT_GT(tally.takes, 0U);
-  std::printf("%llu takes, %llu in the gap\n", static_cast<unsigned long long>(tally.takes),
-              static_cast<unsigned long long>(tally.inTheGap));
-  for (const auto& [what, times] : tally.excused)
-    std::printf("excused: %s, %llu times\n", what.c_str(), static_cast<unsigned long long>(times));
+  testing::Test::RecordProperty("takes", std::to_string(tally.takes));
+  testing::Test::RecordProperty("in the gap", std::to_string(tally.inTheGap));
 }
 
 TEST(AttacksTest, EveryInvariantHoldsAtEveryMoment) {
@@ -40,6 +39,70 @@ TEST(AttacksTest, DISABLED_EveryInvariantHoldsAtEveryMomentOfAll) {
   Sweep sweep(1);
   playAll(sweep);
   expectSound(sweep.tally());
+}
+
+/// An excuse that nobody needs would hide what is to be seen.
+TEST(AttacksTest, EachExcuseIsNeeded) {
+  const std::map<std::string_view, std::vector<std::string_view>> scenes{
+      {"print-linked", {"restart"}},
+      {"copy-linked", {"move-copies"}},
+      {"copy-tampered", {"move-copies"}},
+      {"list-spoilt", {"move-copies", "register"}},
+      {"destination-taken", {"move-copies"}}};
+  for (const auto& attack : attacks()) {
+    if (attack.excused.empty()) continue;
+    Sweep sweep(1);
+    ASSERT_TRUE(scenes.contains(attack.name)) << attack.name;
+    for (const auto scene : scenes.at(attack.name))
+      sweep.play(attack, *faults::sceneNamed(scene), By::Switch);
+    EXPECT_EQ(sweep.tally().excused.size(), attack.excused.size()) << attack.name;
+  }
+}
+
+struct Canary {
+  const char* attack;
+  const char* scene;
+  simulation::Plant plant;
+  /// The kind of what is said of it.
+  const char* kind;
+};
+
+/// Tests of the rig: a companion that is told wrongly who the Core is, or nothing of a revert, or signals somebody else.
+TEST(AttackCanaryTest, APlantedFaultIsFound) {
+  using simulation::Plant;
+  for (const auto& canary :
+       {Canary{"core-pid-taken", "restart-ignored", Plant::ForgedIdentity, "SignalTarget"},
+        Canary{"core-joins-stranger", "restart-ignored", Plant::SignalToStranger, "SignalTarget"},
+        Canary{"revert-begins", "restart-ignored", Plant::DeafToMarkers, "Spared"},
+        Canary{"print-linked", "restart", Plant::PrintFileLeft, "left behind"},
+        Canary{"unregistered", "status", Plant::StatusTouches, "Permission"}}) {
+    Sweep sweep(1, canary.plant);
+    sweep.play(*attackNamed(canary.attack), *faults::sceneNamed(canary.scene), By::Switch);
+    EXPECT_TRUE(sweep.tally().wrong.contains(std::string(canary.attack) + ": " + canary.kind))
+        << canary.attack << ": " << firstsOf(sweep.tally());
+  }
+}
+
+void harmLetter(World& world, Companion&, const Canaries&) {
+  world.files.write(Canaries::letter, "written over");
+}
+void hitStranger(World& world, Companion&, const Canaries& canaries) {
+  world.processes.remove(canaries.stranger());
+}
+void writeIntoData(World& world, Companion& companion, const Canaries&) {
+  world.files.write(companion.dataDirectory() + "core.db", "");
+}
+void makeBeside(World& world, Companion&, const Canaries&) {
+  world.files.write(std::string(Canaries::folder) + "/made", "");
+}
+
+TEST(AttackCanaryTest, WhateverComesToHarmIsSeen) {
+  for (const auto strike : {harmLetter, hitStranger, writeIntoData, makeBeside}) {
+    Sweep sweep(1);
+    const Attack attack{.name = "harm", .strike = strike};
+    sweep.play(attack, *faults::sceneNamed("status"), By::Switch);
+    EXPECT_EQ(sweep.tally().broken, sweep.tally().takes);
+  }
 }
 
 }  // namespace

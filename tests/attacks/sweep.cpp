@@ -16,7 +16,6 @@ using simulation::Way;
 
 /// Far more than any take needs.
 constexpr std::uint64_t mostEvents = 200'000;
-constexpr std::size_t mostWrong = 30;
 /// How far apart the moments are at which somebody strikes while the companion waits.
 constexpr std::chrono::milliseconds step(50);
 
@@ -79,6 +78,28 @@ void Sweep::maybePlayOne(const Attack& attack, const Scene& scene, By by, const 
   if (all_++ % stride_ == 0) playOne(attack, scene, by, moment);
 }
 
+std::string Sweep::textOf(const Attack& attack, const Scene& scene, By by, const Moment& moment) {
+  const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(moment.at).count();
+  return std::string(attack.name) + " in " + scene.name + (by == By::Url ? " url" : " switch") +
+         (moment.call > 0 ? " before call " + std::to_string(moment.call)
+                          : " at " + std::to_string(millis) + " ms");
+}
+
+/// Sorts what the referee saw into what the attack is excused for, what nothing can prevent, and what is wrong.
+void Sweep::sortOut(const Attack& attack, const World& world, bool inTheGap,
+                    std::vector<std::string>& wrong) {
+  for (const auto& broken : world.verdict.violations()) {
+    const bool gap = inTheGap && broken.invariant == Invariant::SignalTarget;
+    if (gap) {
+      ++tally_.inTheGap;
+    } else if (std::ranges::find(attack.excused, broken.invariant) != attack.excused.end()) {
+      ++tally_.excused[std::string(attack.name) + ": " + std::string(nameOf(broken.invariant))];
+    } else {
+      wrong.push_back(std::string(nameOf(broken.invariant)) + ": " + broken.detail);
+    }
+  }
+}
+
 void Sweep::playOne(const Attack& attack, const Scene& scene, By by, const Moment& moment) {
   World world(timeline_, simulation::Dice::calm(), plant_, false);
   timeline_.begin(world.dice);
@@ -95,37 +116,20 @@ void Sweep::playOne(const Attack& attack, const Scene& scene, By by, const Momen
   if (moment.call == 0) timeline_.after(moment.at, [&] { strike(first); });
   first.launch();
   const bool inTime = timeline_.runUntilIdle(mostEvents);
+  auto wrong = canaries.harmed();
+  if (!inTime || !first.ended()) wrong.emplace_back("Ends: it does not come to an end");
+  // What somebody laid after the companion had done with a place is his own.
+  world.files.unlink();
+  canaries.removeFiles();
   simulation::Referee::runEnded(world, inTime);
+  sortOut(attack, world, attacker.inTheGap(), wrong);
+  faults::judgeFiles(world, wrong);
   ++tally_.takes;
   if (!struck) ++tally_.missed;
-
-  auto wrong = canaries.harmed();
-  if (!inTime || !first.ended()) wrong.emplace_back("it does not come to an end");
-  for (const auto& violation : world.verdict.violations()) {
-    const auto said = std::string(nameOf(violation.invariant)) + ": " + violation.detail;
-    const bool gap = attacker.inTheGap() && (violation.invariant == Invariant::SignalTarget ||
-                                             violation.invariant == Invariant::Spared);
-    if (gap) {
-      ++tally_.inTheGap;
-    } else if (std::ranges::find(attack.excused, violation.invariant) != attack.excused.end()) {
-      ++tally_.excused[std::string(attack.name) + " " + std::string(nameOf(violation.invariant))];
-    } else {
-      wrong.push_back(said);
-    }
-  }
-  canaries.removeFiles();
-  if (!attack.leavesFiles) faults::judgeFiles(world, wrong);
   if (!wrong.empty()) ++tally_.broken;
-  for (auto& each : wrong) {
-    if (tally_.wrong.size() >= mostWrong) break;
-    tally_.wrong.push_back(
-        std::string(attack.name) + " in " + scene.name + (by == By::Url ? " url" : " switch") +
-        (moment.call > 0
-             ? " before call " + std::to_string(moment.call)
-             : " at " +
-                   std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(moment.at).count()) +
-                   " ms") +
-        ": " + std::move(each));
+  for (const auto& each : wrong) {
+    auto& kind = tally_.wrong[std::string(attack.name) + ": " + each.substr(0, each.find(':'))];
+    if (kind.times++ == 0) kind.first = textOf(attack, scene, by, moment) + ": " + each;
   }
   endAll(world);
 }

@@ -23,8 +23,12 @@ struct Tally {
   /// Core was hit by any.
   std::uint64_t inTheGap = 0;
   std::uint64_t broken = 0;
-  /// What was wrong, by attack, scene and moment; the first of them only.
-  std::vector<std::string> wrong;
+  /// What was wrong, by attack and kind: how often, and the first of them with its scene and moment.
+  struct Wrong {
+    std::uint64_t times = 0;
+    std::string first;
+  };
+  std::map<std::string, Wrong> wrong;
   /// How often each attack broke an invariant that it is excused for.
   std::map<std::string, std::uint64_t> excused;
 };
@@ -50,6 +54,8 @@ class Sweep {
   };
   Untouched untouched(const Scene& scene, By by);
   void maybePlayOne(const Attack& attack, const Scene& scene, By by, const Moment& moment);
+  static std::string textOf(const Attack& attack, const Scene& scene, By by, const Moment& moment);
+  void sortOut(const Attack& attack, const World& world, bool inTheGap, std::vector<std::string>& wrong);
   void playOne(const Attack& attack, const Scene& scene, By by, const Moment& moment);
 
   std::uint64_t stride_;

@@ -21,6 +21,8 @@ class FileTree {
   void append(const std::string& path, std::string_view bytes);
   void createFolder(std::string_view path);
   void link(std::string from, std::string to);
+  /// Takes the link away, wherever it is.
+  void unlink() { linkFrom_.clear(); }
   [[nodiscard]] bool isLink(std::string_view path) const { return !linkFrom_.empty() && path == linkFrom_; }
   /// False when nothing was there.
   bool remove(std::string_view path);
