@@ -95,6 +95,16 @@ bool Victim::isUnharmed() const {
   return bytes(file) == letter && bytes(folder + "/below/kept") == letter && names == 2;
 }
 
+bool AttackedFiles::exists(const std::string& path) const {
+  turn_("before exists", path);
+  return files_.exists(path);
+}
+
+std::string AttackedFiles::resolvedPath(const std::string& path) const {
+  turn_("before resolvedPath", path);
+  return files_.resolvedPath(path);
+}
+
 std::optional<std::string> AttackedFiles::readWhole(const std::string& path) const {
   turn_("before readWhole", path);
   auto bytes = files_.readWhole(path);

@@ -39,17 +39,15 @@ class Victim {
   std::vector<platform::Descriptor> held_;
 };
 
-/// The stage's files, with somebody who gets a turn before and after each call that changes or reads one.
+/// The stage's files, with somebody who gets a turn before each call, and after some.
 class AttackedFiles final : public platform::Files {
  public:
   using Turn = std::function<void(std::string_view moment, const std::string& path)>;
   AttackedFiles(const stage::StageRoot& root, Turn turn) : files_(root), turn_(std::move(turn)) {}
 
-  [[nodiscard]] bool exists(const std::string& path) const override { return files_.exists(path); }
+  [[nodiscard]] bool exists(const std::string& path) const override;
   [[nodiscard]] std::optional<std::string> readWhole(const std::string& path) const override;
-  [[nodiscard]] std::string resolvedPath(const std::string& path) const override {
-    return files_.resolvedPath(path);
-  }
+  [[nodiscard]] std::string resolvedPath(const std::string& path) const override;
   [[nodiscard]] bool writeAtomically(const std::string& path, std::string_view bytes) override;
   [[nodiscard]] bool createDirectories(const std::string& path) override;
   bool remove(const std::string& path) override;

@@ -90,6 +90,24 @@ TEST_F(AttackOnFiles, APrintWritesIntoNobodysFileWhateverIsLaidInItsPlace) {
   }
 }
 
+/// What was begun in one folder is not gone on with in another, and nothing that lies there is changed.
+TEST_F(AttackOnFiles, ATemporaryDirectoryThatIsExchangedForALinkHarmsNothingWhereItLeads) {
+  const fs::path real = host("/private/var/folders/st/tamo/T");
+  for (const std::string moment : {"before writeAtomically", "before openForWriting", "after openForWriting",
+                                   "before readWhole", "before remove"}) {
+    SCOPED_TRACE(moment);
+    static_cast<void>(printWith([&](std::string_view now, const std::string&) {
+      if (now != moment) return;
+      fs::rename(real, real.string() + ".kept");
+      fs::create_directory_symlink(fs::path(host(Victim::folder)).lexically_relative(real.parent_path()),
+                                   real);
+    }));
+    EXPECT_TRUE(victim.isUnharmed());
+    fs::remove(real);
+    fs::rename(real.string() + ".kept", real);
+  }
+}
+
 /// It is made anew under its name, so what somebody has open is another file.
 TEST_F(AttackOnFiles, APrintFileThatSomebodyMadeAndOpenedFirstIsNotTheOneThatIsRead) {
   const platform::Descriptor theirs(
