@@ -168,7 +168,8 @@ const Attack* attackNamed(std::string_view name) {
 }
 
 const std::vector<Attack>& attacks() {
-  // Whoever spoils a copy is the one who loses it, and a print that is laid after the last one is nobody else's.
+  // Whoever spoils a copy is the one who loses it; a print that is laid after the last one is nobody else's, and so is
+  // a copy that is laid after a failed one was cleared away.
   static const std::vector<Attack> all{
       {.name = "print-linked", .strike = linkPrint, .excused = {Invariant::Leftovers}},
       {.name = "print-taken", .strike = takePrint},
@@ -181,14 +182,19 @@ const std::vector<Attack>& attacks() {
       {.name = "core-dies", .strike = coreDies},
       {.name = "core-pid-taken", .strike = coreDiesAndItsPidIsTaken},
       {.name = "copy-linked", .strike = linkHere, .excused = {Invariant::LastCopy}},
-      {.name = "copy-tampered", .strike = tamperHere, .excused = {Invariant::LastCopy}},
+      // Between the two readings of its list, the identifier that was judged becomes the one that names the result's folder
+      // and the application that is waited for.
+      {.name = "copy-tampered",
+       .strike = tamperHere,
+       .excused = {Invariant::LastCopy, Invariant::Files, Invariant::Waits},
+       .mayLeave = "/Users/u/Library/Containers/com.example.other"},
       {.name = "list-spoilt",
        .strike = spoilList,
        .excused = {Invariant::LastCopy, Invariant::WholeOrAbsent}},
       {.name = "destination-taken",
        .strike = takeDestination,
        .excused = {Invariant::LastCopy, Invariant::MoveResult}},
-      {.name = "destination-appears", .strike = installOther},
+      {.name = "destination-appears", .strike = installOther, .excused = {Invariant::WholeOrAbsent}},
       {.name = "revert-begins", .strike = beginRevert},
       {.name = "revert-ends", .strike = endRevert},
       {.name = "unregistered", .strike = unregister},

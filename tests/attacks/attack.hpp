@@ -41,6 +41,8 @@ struct Attack {
   void (*strike)(World& world, Companion& companion, const Canaries& canaries);
   /// Which invariants somebody who does this breaks himself, or makes the companion break by what it is told.
   std::vector<Invariant> excused = {};
+  /// A folder in which the companion may leave a file that it would else not have made; empty: there is none.
+  std::string_view mayLeave = {};
 };
 
 [[nodiscard]] const std::vector<Attack>& attacks();

@@ -27,7 +27,7 @@ class Attacker final : public simulation::Director {
 
   [[nodiscard]] Way called(Companion& companion, Call call, std::string_view subject) override {
     if (++count_ != call_) return Way::None;
-    // Between the last look and the signal come the markers, which are asked for off the main thread, and the signal itself.
+    // Between the last look and the signal come the looks for markers, and the signal itself.
     inTheGap_ = call == Call::kill || (call == Call::exists && subject.contains("core.db.revert"));
     strike_(companion);
     struck_ = true;
@@ -89,7 +89,8 @@ std::string Sweep::textOf(const Attack& attack, const Scene& scene, By by, const
 void Sweep::sortOut(const Attack& attack, const World& world, bool inTheGap,
                     std::vector<std::string>& wrong) {
   for (const auto& broken : world.verdict.violations()) {
-    const bool gap = inTheGap && broken.invariant == Invariant::SignalTarget;
+    const bool gap =
+        inTheGap && (broken.invariant == Invariant::SignalTarget || broken.invariant == Invariant::Spared);
     if (gap) {
       ++tally_.inTheGap;
     } else if (std::ranges::find(attack.excused, broken.invariant) != attack.excused.end()) {
@@ -121,6 +122,7 @@ void Sweep::playOne(const Attack& attack, const Scene& scene, By by, const Momen
   // What somebody laid after the companion had done with a place is his own.
   world.files.unlink();
   canaries.removeFiles();
+  if (!attack.mayLeave.empty()) world.files.remove(attack.mayLeave);
   simulation::Referee::runEnded(world, inTime);
   sortOut(attack, world, attacker.inTheGap(), wrong);
   faults::judgeFiles(world, wrong);

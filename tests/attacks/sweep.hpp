@@ -19,8 +19,8 @@ struct Tally {
   std::uint64_t takes = 0;
   /// Takes in which the moment was not reached, which must not be.
   std::uint64_t missed = 0;
-  /// Signals that an attack between the last look and the signal made wrong, which nothing can prevent; nobody but the
-  /// Core was hit by any.
+  /// Signals that an attack between the last look, for a process or a marker, and the signal made wrong, which nothing
+  /// can prevent; nobody but the Core was hit by any.
   std::uint64_t inTheGap = 0;
   std::uint64_t broken = 0;
   /// What was wrong, by attack and kind: how often, and the first of them with its scene and moment.
