@@ -1,0 +1,139 @@
+#include "support/layout.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <utility>
+
+#include "values/text.hpp"
+
+namespace tamo::support {
+namespace {
+
+bool isContinuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+bool isPlain(char byte) {
+  return byte >= ' ' && byte <= '~';
+}
+
+/// The first character of a text that is UTF-8, with its bytes.
+std::pair<std::uint32_t, std::size_t> firstCharacter(std::string_view text) {
+  const auto lead = static_cast<unsigned char>(text.front());
+  std::size_t size = 1;
+  while (size < text.size() && isContinuation(text[size]))
+    ++size;
+  std::uint32_t code = size == 1 ? lead : lead & (0xFFU >> (size + 1));
+  for (const char byte : text.substr(1, size - 1))
+    code = (code << 6U) | (static_cast<unsigned char>(byte) & 0x3FU);
+  return {code, size};
+}
+
+/// The control characters of ASCII and of Latin 1, and those that turn the direction of what follows.
+bool actsOnATerminal(std::uint32_t code) {
+  const auto isWithin = [code](std::uint32_t first, std::uint32_t last) {
+    return code >= first && code <= last;
+  };
+  return code < 0x20 || isWithin(0x7F, 0x9F) || isWithin(0x200E, 0x200F) || isWithin(0x202A, 0x202E) ||
+         isWithin(0x2066, 0x2069);
+}
+
+std::string named(std::uint32_t code) {
+  std::array<char, 16> text{};
+  std::snprintf(text.data(), text.size(), code < 0x80 ? "\\x%02X" : "\\u%04X", static_cast<unsigned>(code));
+  return text.data();
+}
+
+std::size_t characters(std::string_view text) {
+  return text.size() - static_cast<std::size_t>(std::ranges::count_if(text, isContinuation));
+}
+
+/// The bytes of the first so many characters.
+std::size_t bytesOf(std::string_view text, std::size_t count) {
+  std::size_t at = 0;
+  while (at < text.size() && (count > 0 || isContinuation(text[at])))
+    if (!isContinuation(text[at++])) --count;
+  return at;
+}
+
+/// Sets line after line. A margin leaves room for a few characters at least.
+class Setter {
+ public:
+  Setter(const Margins& margins, std::size_t width) : margins_(margins), width_(width) {
+    begin(margins.first);
+  }
+
+  void word(std::string_view word) {
+    if (!empty_ && characters(word) + 1 > room_) newLine();
+    if (!empty_) put(" ");
+    while (characters(word) > room_) {
+      const auto size = bytesOf(word, room_);
+      put(word.substr(0, size));
+      word.remove_prefix(size);
+      newLine();
+    }
+    put(word);
+  }
+
+  std::string done() { return std::move(text_) + "\n"; }
+
+ private:
+  void begin(std::string_view margin) {
+    text_ += margin;
+    room_ = std::max(width_, characters(margin) + 8) - characters(margin);
+    empty_ = true;
+  }
+
+  void newLine() {
+    text_ += '\n';
+    begin(margins_.others);
+  }
+
+  void put(std::string_view text) {
+    text_ += text;
+    room_ -= characters(text);
+    empty_ = false;
+  }
+
+  const Margins margins_;
+  const std::size_t width_;
+  std::string text_;
+  std::size_t room_ = 0;
+  bool empty_ = true;
+};
+
+}  // namespace
+
+std::string visible(std::string_view text) {
+  if (std::ranges::all_of(text, isPlain)) return std::string(text);
+  const auto whole = values::repairedUtf8(text);
+  std::string shown;
+  for (std::string_view rest = whole; !rest.empty();) {
+    const auto [code, size] = firstCharacter(rest);
+    shown += actsOnATerminal(code) ? named(code) : std::string(rest.substr(0, size));
+    rest.remove_prefix(size);
+  }
+  return shown;
+}
+
+std::string paragraph(std::string_view text, const Margins& margins, std::size_t width) {
+  const auto shown = visible(text);
+  Setter setter(margins, width);
+  for (std::string_view rest = shown; !rest.empty();) {
+    const auto word = rest.substr(0, rest.find(' '));
+    if (!word.empty()) setter.word(word);
+    rest.remove_prefix(std::min(word.size() + 1, rest.size()));
+  }
+  return setter.done();
+}
+
+std::string verbatim(std::string_view text, const Margins& margins, std::size_t width) {
+  const auto shown = visible(text);
+  Setter setter(margins, width);
+  setter.word(shown);
+  return setter.done();
+}
+
+}  // namespace tamo::support

@@ -1,0 +1,159 @@
+#include "support/stop_words.hpp"
+
+#include "support/headings.hpp"
+
+namespace tamo::support {
+namespace {
+
+using End = HardStopSaid::End;
+
+bool isUnknown(const DefinitionSide& side) {
+  return side.arguments == "unknown" && side.exitTimeout == "-";
+}
+
+std::string timeoutInWords(const std::string& timeout) {
+  return timeout == "-" ? "none" : timeout + " s";
+}
+
+/// Both sides alike are told once, and of two that differ what differs.
+std::string sidesInWords(const DefinitionSaid& said) {
+  const auto& [loaded, bundled, changed] = said;
+  if (loaded == bundled)
+    return "both run " + loaded.arguments + " with the exit timeout " + timeoutInWords(loaded.exitTimeout);
+  std::string text;
+  if (loaded.arguments != bundled.arguments)
+    text = "launchd runs " + loaded.arguments + ", the bundle says " + bundled.arguments;
+  if (loaded.exitTimeout == bundled.exitTimeout) return text;
+  if (!text.empty()) text += "; ";
+  return text + "the exit timeout is " + timeoutInWords(loaded.exitTimeout) + " with launchd and " +
+         timeoutInWords(bundled.exitTimeout) + " in the bundle";
+}
+
+std::string core(const HardStopSaid& said) {
+  return "the Core, process " + std::to_string(said.pid) + ",";
+}
+
+/// The reasons that exist, in the order in which they are asked.
+std::string reasonInWords(const std::string& reason) {
+  if (reason == "revert_release")
+    return "the installed build has a dot in its version, so it is a release that a revert goes back to";
+  if (reason == "revert_restoring") return "a revert of the Core's database is pending or partly done";
+  if (reason == "young_core")
+    return "the process began later than this action, so launchd had already replaced the one to be stopped";
+  return "of a reason that is not known here";
+}
+
+std::string sparedStep(const HardStopSaid& said) {
+  return "Spared " + core(said) + " which was still alive 2 seconds after it was asked to stop, because " +
+         reasonInWords(said.reason) + ". No signal was sent. " +
+         (said.gone ? "Within 20 seconds more it had ended by itself." : "20 seconds later it still ran.");
+}
+
+std::string killedStep(const HardStopSaid& said) {
+  const bool group = said.end == End::KilledGroup;
+  return "Killed " + core(said) +
+         " which was still alive 2 seconds after it was asked to stop, and nothing spoke for " +
+         "sparing it: SIGKILL to " + (group ? "its process group " : "process ") +
+         std::to_string(said.target) + ". " +
+         (said.gone ? "It is gone." : "2 seconds later it was still there.");
+}
+
+Advice sparedAdvice(const HardStopSaid& said) {
+  if (said.gone)
+    return {.heading = heading::spared, .meaning = "The Core was left alone on purpose and ended by itself."};
+  if (said.reason == "revert_restoring")
+    return {.heading = heading::spared,
+            .meaning = "The Core was left alone on purpose: a kill could spoil the revert of its database.",
+            .next =
+                "Let the revert come to its end (its marker files core.db.revert.* leave the data "
+                "directory), then ask "
+                "for a restart again."};
+  if (said.reason == "young_core")
+    return {.heading = heading::spared,
+            .meaning =
+                "The Core that runs is a new one already, or the clock was set back between the two starts.",
+            .next = "If the Core doesn't answer, restart again."};
+  return {.heading = heading::spared,
+          .meaning = "The Core was left alone on purpose, and the old one may still run.",
+          .next =
+              "Look whether it still runs (launchctl print gui/$(id -u)/studio.pell.tamo.core); restart "
+              "again once the "
+              "installed Tamo is no release that a revert goes back to."};
+}
+
+Advice killedAdvice(const HardStopSaid& said) {
+  if (said.gone)
+    return {
+        .heading = heading::killed,
+        .meaning = "The Core hung while it was to stop. It was ended by force; launchd starts a new one."};
+  return {.heading = heading::killed,
+          .meaning =
+              "The process didn't vanish within 2 seconds of the kill: it may hang in the system, or the "
+              "kill was "
+              "not allowed.",
+          .next = "Look whether process " + std::to_string(said.pid) + " is still there (ps -p " +
+                  std::to_string(said.pid) + "); if it is, restart the Mac."};
+}
+
+}  // namespace
+
+std::string definitionStep(const DefinitionSaid& said) {
+  const std::string compared = "Compared launchd's definition of the Core's job with the bundled one: ";
+  if (isUnknown(said.loaded) || isUnknown(said.bundled)) {
+    const bool both = isUnknown(said.loaded) && isUnknown(said.bundled);
+    const std::string side = both ? "neither" : isUnknown(said.loaded) ? "launchd's" : "the bundled one";
+    return compared + side + (both ? " could be read" : " could not be read") +
+           ", which counts as unchanged.";
+  }
+  return compared + (said.changed ? "changed; " : "not changed; ") + sidesInWords(said) + ".";
+}
+
+std::string definitionCutStep() {
+  return "Compared launchd's definition of the Core's job with the bundled one; the system cut the line for "
+         "its length, so "
+         "what came of it isn't in the log.";
+}
+
+std::string hardStopStep(const HardStopSaid& said) {
+  switch (said.end) {
+    case End::Exited:
+      return "Watched " + core(said) +
+             " while it was asked to stop: it ended by itself within 2 seconds. No signal was sent.";
+    case End::Cancelled:
+      return "Watched " + core(said) +
+             " but the request to stop failed, so the watch was called off while the Core was "
+             "alive. No signal was sent.";
+    case End::Spared:
+      return sparedStep(said);
+    case End::KilledGroup:
+    case End::KilledProcess:
+      return killedStep(said);
+  }
+  return {};
+}
+
+void addDefinitionAdvice(Story& story, const DefinitionSaid& said) {
+  if (isUnknown(said.loaded) || isUnknown(said.bundled))
+    add(story,
+        {.heading = heading::noComparison,
+         .meaning = "A definition that cannot be read never asks for the agent to be registered anew."});
+}
+
+void addHardStopAdvice(Story& story, const HardStopSaid& said) {
+  switch (said.end) {
+    case End::Exited:
+      return;
+    case End::Cancelled:
+      return add(
+          story,
+          {.heading = heading::calledOff,
+           .meaning = "The old Core was alive when the request to stop it failed, and was not touched."});
+    case End::Spared:
+      return add(story, sparedAdvice(said));
+    case End::KilledGroup:
+    case End::KilledProcess:
+      return add(story, killedAdvice(said));
+  }
+}
+
+}  // namespace tamo::support

@@ -1,0 +1,59 @@
+#include "support/words.hpp"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "launch/agent_registration.hpp"
+#include "move/app_move.hpp"
+
+namespace tamo::support {
+namespace {
+
+constexpr std::array<std::pair<std::string_view, std::string_view>, 7> purposes{{
+    {"register", "register the agent, or start its Core when it is registered already"},
+    {"unregister", "unregister the agent"},
+    {"reseat", "unregister the agent and register it again"},
+    {"restart", "restart the Core"},
+    {"sync", "register the agent anew only if launchd's definition of it differs from the bundled one"},
+    {"status", "tell the agent's status and touch nothing"},
+    {AppMove::operation, "move this Tamo into /Applications"},
+}};
+
+void addOnce(std::vector<std::string>& texts, std::string_view text) {
+  if (!text.empty() && std::ranges::find(texts, text) == texts.end()) texts.emplace_back(text);
+}
+
+std::string_view statusName(std::int64_t status) {
+  switch (status) {
+    case AgentStatus::notRegistered:
+      return "not registered";
+    case AgentStatus::enabled:
+      return "enabled";
+    case AgentStatus::requiresApproval:
+      return "waiting for the user's approval";
+    case AgentStatus::notFound:
+      return "not found";
+    default:
+      return "a status that is not known here";
+  }
+}
+
+}  // namespace
+
+void add(Story& story, const Advice& advice) {
+  addOnce(story.meaning, advice.meaning);
+  addOnce(story.advice, advice.next);
+  addOnce(story.headings, advice.heading);
+}
+
+std::string statusInWords(std::int64_t status) {
+  return std::to_string(status) + " (" + std::string(statusName(status)) + ")";
+}
+
+std::string_view purposeOf(std::string_view action) {
+  const auto found = std::ranges::find(purposes, action, [](const auto& purpose) { return purpose.first; });
+  return found == purposes.end() ? std::string_view() : found->second;
+}
+
+}  // namespace tamo::support
