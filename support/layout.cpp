@@ -15,8 +15,12 @@ bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-bool isPlain(char byte) {
-  return byte >= ' ' && byte <= '~';
+/// Looks at all of it, many bytes at a time, rather than up to the first that is not.
+bool isPlain(std::string_view text) {
+  unsigned strange = 0;
+  for (const char byte : text)
+    strange |= static_cast<unsigned>(byte < ' ' || byte > '~');
+  return strange == 0;
 }
 
 /// The first character of a text that is UTF-8, with its bytes.
@@ -61,28 +65,36 @@ std::size_t bytesOf(std::string_view text, std::size_t count) {
 /// Sets line after line. A margin leaves room for a few characters at least.
 class Setter {
  public:
-  Setter(const Margins& margins, std::size_t width) : margins_(margins), width_(width) {
+  Setter(const Margins& margins, std::size_t width, std::size_t expected) : margins_(margins), width_(width) {
+    text_.reserve(expected + expected / 2);
     begin(margins.first);
   }
 
   void word(std::string_view word) {
-    if (!empty_ && characters(word) + 1 > room_) newLine();
-    if (!empty_) put(" ");
-    while (characters(word) > room_) {
-      const auto size = bytesOf(word, room_);
-      put(word.substr(0, size));
-      word.remove_prefix(size);
+    auto size = characters(word);
+    if (!empty_ && size + 1 > room_) newLine();
+    if (!empty_) put(" ", 1);
+    while (size > room_) {
+      const auto fits = room_;
+      const auto bytes = bytesOf(word, fits);
+      put(word.substr(0, bytes), fits);
+      word.remove_prefix(bytes);
+      size -= fits;
       newLine();
     }
-    put(word);
+    put(word, size);
   }
 
-  std::string done() { return std::move(text_) + "\n"; }
+  std::string done() {
+    text_ += '\n';
+    return std::move(text_);
+  }
 
  private:
   void begin(std::string_view margin) {
+    const auto taken = characters(margin);
     text_ += margin;
-    room_ = std::max(width_, characters(margin) + 8) - characters(margin);
+    room_ = std::max(width_, taken + 8) - taken;
     empty_ = true;
   }
 
@@ -91,9 +103,9 @@ class Setter {
     begin(margins_.others);
   }
 
-  void put(std::string_view text) {
+  void put(std::string_view text, std::size_t size) {
     text_ += text;
-    room_ -= characters(text);
+    room_ -= size;
     empty_ = false;
   }
 
@@ -107,7 +119,7 @@ class Setter {
 }  // namespace
 
 std::string visible(std::string_view text) {
-  if (std::ranges::all_of(text, isPlain)) return std::string(text);
+  if (isPlain(text)) return std::string(text);
   const auto whole = values::repairedUtf8(text);
   std::string shown;
   for (std::string_view rest = whole; !rest.empty();) {
@@ -120,7 +132,9 @@ std::string visible(std::string_view text) {
 
 std::string paragraph(std::string_view text, const Margins& margins, std::size_t width) {
   const auto shown = visible(text);
-  Setter setter(margins, width);
+  const bool isSet = !shown.contains("  ") && !shown.starts_with(' ') && !shown.ends_with(' ');
+  if (isSet && margins.first.size() + shown.size() <= width) return std::string(margins.first) + shown + "\n";
+  Setter setter(margins, width, shown.size());
   for (std::string_view rest = shown; !rest.empty();) {
     const auto word = rest.substr(0, rest.find(' '));
     if (!word.empty()) setter.word(word);
@@ -131,7 +145,7 @@ std::string paragraph(std::string_view text, const Margins& margins, std::size_t
 
 std::string verbatim(std::string_view text, const Margins& margins, std::size_t width) {
   const auto shown = visible(text);
-  Setter setter(margins, width);
+  Setter setter(margins, width, shown.size());
   setter.word(shown);
   return setter.done();
 }

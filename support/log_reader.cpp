@@ -72,6 +72,7 @@ bool LogReader::goesOn(const Line& line) {
 }
 
 void LogReader::takeUnknown(const Line& line) {
+  counts_.cut = !line.ended;
   counts_.binary = counts_.binary || line.text.contains('\0');
   if (line.marked) ++counts_.naming;
   if (goesOn(line)) return;

@@ -21,6 +21,8 @@ struct Counts {
   std::uint64_t foreign = 0;
   /// Lines that the product is named in, and that are not the companion's.
   std::uint64_t naming = 0;
+  /// Whether it ends in the middle of a line.
+  bool cut = false;
   /// Whether a zero byte was seen, which no text has.
   bool binary = false;
 };

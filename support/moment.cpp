@@ -95,25 +95,48 @@ std::optional<Moment> takeMoment(std::string_view& rest) {
   return Moment{.localMicros = duration_cast<microseconds>(time).count(), .zoneMinutes = zone};
 }
 
+/// Times are the most that is printed, and this is many times as fast as a format.
 std::string timeOfDay(const Moment& moment) {
-  const sys_time<microseconds> time(microseconds(moment.localMicros));
-  const hh_mm_ss clock(floor<milliseconds>(time - floor<days>(time)));
-  return printed("%02d:%02d:%02d.%03d", static_cast<int>(clock.hours().count()),
-                 static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
-                 static_cast<int>(clock.subseconds().count()));
+  constexpr std::int64_t day = 86'400'000;
+  auto rest = moment.localMicros / 1000 % day;
+  if (rest < 0) rest += day;
+  std::string text = "00:00:00.000";
+  const auto put = [&](std::size_t last, std::size_t digits, std::int64_t among) {
+    auto value = rest % among;
+    rest /= among;
+    for (std::size_t at = last; at > last - digits; --at, value /= 10)
+      text[at] = static_cast<char>('0' + value % 10);
+  };
+  put(11, 3, 1000);
+  put(7, 2, 60);
+  put(4, 2, 60);
+  put(1, 2, 24);
+  return text;
 }
+
+namespace {
+
+/// " +0100", " UTC", or nothing where the zone is not known.
+std::string zoneName(const Moment& moment) {
+  if (!moment.zoneMinutes) return "";
+  const int minutes = std::abs(*moment.zoneMinutes);
+  if (minutes == 0) return " UTC";
+  return printed(" %c%02d%02d", *moment.zoneMinutes < 0 ? '-' : '+', minutes / 60, minutes % 60);
+}
+
+}  // namespace
 
 std::string dayAndTime(const Moment& moment) {
   const year_month_day date(floor<days>(sys_time<microseconds>(microseconds(moment.localMicros))));
   return printed("%04d-%02u-%02u ", static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
                  static_cast<unsigned>(date.day())) +
-         timeOfDay(moment);
+         timeOfDay(moment) + zoneName(moment);
 }
 
 std::string lasting(std::int64_t micros) {
   const auto tenths = std::abs(micros) / 100'000;
   const auto total = static_cast<long long>(tenths / 10);
-  if (total < 60) return printed("%lld.%d s", total, static_cast<int>(tenths % 10));
+  if (total < 60) return std::to_string(total) + "." + std::to_string(tenths % 10) + " s";
   if (total < 3600) return printed("%lld min %lld s", total / 60, total % 60);
   return printed("%lld h %lld min", total / 3600, total % 3600 / 60);
 }

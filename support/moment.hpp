@@ -26,7 +26,7 @@ struct Moment {
 /// nothing when there is none.
 [[nodiscard]] std::optional<Moment> takeMoment(std::string_view& rest);
 
-/// "2026-11-21 23:00:00.123".
+/// "2026-11-21 23:00:00.123 +0100", or without a zone where the log has none.
 [[nodiscard]] std::string dayAndTime(const Moment& moment);
 /// "23:00:00.123".
 [[nodiscard]] std::string timeOfDay(const Moment& moment);

@@ -1,5 +1,8 @@
 #include "support/printer.hpp"
 
+#include <algorithm>
+#include <utility>
+
 #include "support/layout.hpp"
 #include "support/page.hpp"
 
@@ -9,13 +12,13 @@ namespace {
 /// Times stand in a column of their own where there is room for two.
 constexpr std::size_t widthForColumns = 60;
 
-/// "812, 2.5 s": a process that the log doesn't name is left out, and so is the length of a single line.
+/// "process 812, 2.5 s", from the first line to the last. What the log doesn't tell is left out.
 std::string processAndLength(const Action& action) {
   std::string text = action.pid == 0 ? "" : "process " + std::to_string(action.pid);
   if (action.lines.size() == 1) return text;
   const auto length = action.lines.back().at.micros() - action.lines.front().at.micros();
   if (length < 0) return text;
-  return text + (text.empty() ? "" : ", ") + lasting(length) + " from its first line to its last";
+  return text + (text.empty() ? "" : ", ") + lasting(length);
 }
 
 std::string inParentheses(const std::string& text) {
@@ -39,32 +42,45 @@ void Printer::action(const Action& action) {
   heading(action, story);
   steps(story);
   labelled("What it means: ", story.meaning);
-  labelled("What to do: ", story.advice);
+  labelled("What to do: ", story.advice.empty() ? std::vector<std::string>{"Nothing."} : story.advice);
   page(story.headings);
   out_("\n");
 }
 
 void Printer::heading(const Action& action, const Story& story) {
   const auto name = story.action.empty() ? "" : story.action + ": ";
-  remark(dayAndTime(action.lines.front().at) + "  " + name + story.verdict +
+  remark(dayAndTime(action.lines.front().at) + " " + name + story.verdict +
          inParentheses(processAndLength(action)));
-  if (!story.purpose.empty()) out_(paragraph("Asked: " + story.purpose + ".", {"  ", "         "}, width_));
+  if (!story.purpose.empty()) out_(body("Asked: " + story.purpose + ".", 2, 9));
+}
+
+/// The text set with blanks for its margins; what is printed into the first of them comes later.
+const std::string& Printer::body(const std::string& text, std::size_t first, std::size_t others) {
+  constexpr std::size_t most = 512;
+  auto& known = bodies_[{first, others}];
+  const auto found = known.find(text);
+  if (found != known.end()) return found->second;
+  if (known.size() == most) known.clear();
+  const std::string blanks(std::max(first, others), ' ');
+  const auto margin = [&](std::size_t size) { return std::string_view(blanks).substr(0, size); };
+  return known[text] = paragraph(text, {margin(first), margin(others)}, width_);
 }
 
 void Printer::steps(const Story& story) {
   for (const auto& step : story.steps) {
     const auto first = "  " + timeOfDay(step.at) + "  ";
-    const std::string others(width_ < widthForColumns ? 4 : first.size(), ' ');
-    out_(paragraph(step.text, {first, others}, width_));
+    const auto& text = body(step.text, first.size(), width_ < widthForColumns ? 4 : first.size());
+    out_(first);
+    out_(std::string_view(text).substr(first.size()));
   }
 }
 
-void Printer::labelled(std::string_view label, const std::vector<std::string>& texts) {
+void Printer::labelled(const std::string& label, const std::vector<std::string>& texts) {
   if (texts.empty()) return;
-  std::string text(label);
+  auto text = label;
   for (const auto& one : texts)
     text.append(one).append(" ");
-  out_(paragraph(text, {"  ", "    "}, width_));
+  out_(body(text, 2, 4));
 }
 
 void Printer::page(const std::vector<std::string>& headings) {

@@ -3,9 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "support/actions.hpp"
@@ -33,11 +36,15 @@ class Printer {
   void aside(const Aside& aside);
   void heading(const Action& action, const Story& story);
   void steps(const Story& story);
-  void labelled(std::string_view label, const std::vector<std::string>& texts);
+  void labelled(const std::string& label, const std::vector<std::string>& texts);
   void page(const std::vector<std::string>& headings);
+
+  [[nodiscard]] const std::string& body(const std::string& text, std::size_t first, std::size_t others);
 
   const std::size_t width_;
   const Out out_;
+  /// How the bodies of each pair of margins were set that came last: a long log says the same again and again.
+  std::map<std::pair<std::size_t, std::size_t>, std::unordered_map<std::string, std::string>> bodies_;
   std::uint64_t actions_ = 0;
   /// The paragraphs of the page that were shown: once is enough.
   std::set<std::string, std::less<>> shown_;

@@ -15,11 +15,11 @@ std::string timeoutInWords(const std::string& timeout) {
   return timeout == "-" ? "none" : timeout + " s";
 }
 
-/// Both sides alike are told once, and of two that differ what differs.
+/// Arguments are long, so they are told only where they differ.
 std::string sidesInWords(const DefinitionSaid& said) {
   const auto& [loaded, bundled, changed] = said;
   if (loaded == bundled)
-    return "both run " + loaded.arguments + " with the exit timeout " + timeoutInWords(loaded.exitTimeout);
+    return "the arguments and the exit timeout (" + timeoutInWords(loaded.exitTimeout) + ") are the same";
   std::string text;
   if (loaded.arguments != bundled.arguments)
     text = "launchd runs " + loaded.arguments + ", the bundle says " + bundled.arguments;
@@ -105,7 +105,7 @@ std::string definitionStep(const DefinitionSaid& said) {
     return compared + side + (both ? " could be read" : " could not be read") +
            ", which counts as unchanged.";
   }
-  return compared + (said.changed ? "changed; " : "not changed; ") + sidesInWords(said) + ".";
+  return compared + (said.changed ? "changed: " : "not changed: ") + sidesInWords(said) + ".";
 }
 
 std::string definitionCutStep() {

@@ -23,6 +23,7 @@ std::string whyNothing(const Counts& counts) {
   if (counts.binary)
     return "this is no text. A .logarchive, or a log in UTF-16, has to be exported first: " +
            std::string(exporting);
+  const std::string cut = counts.cut ? ", and the last one is cut" : "";
   if (counts.naming != 0)
     return count(counts.naming, "line names", "lines name") + " Tamo Core, but none of " +
            count(counts.lines, "line", "lines") +
@@ -102,7 +103,7 @@ bool tellLog(std::string_view name, LineFeed::Source source, const Manner& manne
   const auto& counts = reader.counts();
   const bool found = counts.own != 0;
   printer.remark(found ? summary(counts, printer.actions(), manner.all)
-                       : std::string(name) + ": " + whyNothing(counts) + ".");
+                       : std::string(name) + ": " + whyNothing(counts));
   return found;
 }
 
