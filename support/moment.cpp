@@ -101,16 +101,16 @@ std::string timeOfDay(const Moment& moment) {
   auto rest = moment.localMicros / 1000 % day;
   if (rest < 0) rest += day;
   std::string text = "00:00:00.000";
-  const auto put = [&](std::size_t last, std::size_t digits, std::int64_t among) {
+  const auto put = [&](std::size_t first, std::size_t digits, std::int64_t among) {
     auto value = rest % among;
     rest /= among;
-    for (std::size_t at = last; at > last - digits; --at, value /= 10)
-      text[at] = static_cast<char>('0' + value % 10);
+    for (auto at = first + digits; at > first; value /= 10)
+      text[--at] = static_cast<char>('0' + value % 10);
   };
-  put(11, 3, 1000);
-  put(7, 2, 60);
-  put(4, 2, 60);
-  put(1, 2, 24);
+  put(9, 3, 1000);
+  put(6, 2, 60);
+  put(3, 2, 60);
+  put(0, 2, 24);
   return text;
 }
 

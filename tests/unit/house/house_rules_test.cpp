@@ -42,14 +42,15 @@ std::vector<Source> sources(const Texts& folders) {
   return found;
 }
 
-/// The product, from the top down.
-const Texts layers{"app", "move", "launch", "hardstop", "guard", "platform", "values"};
+/// The product, from the top down, and above it what reads its log.
+const Texts layers{"support", "app", "move", "launch", "hardstop", "guard", "platform", "values"};
 /// What decides, and asks an operating system for nothing but through the platform.
 const Texts deciding{"app", "move", "launch", "hardstop", "guard"};
 /// The rooms that have an order among themselves, from the top down; the product needs none of the played Mac.
 const Texts rooms{"stage/control",  "stage/tools",    "stage/core", "stage/launchd", "stage/common",
                   "platform/stage", "platform/posix", "platform",   "values/open",   "values"};
-const Texts everything{"app", "move", "launch", "hardstop", "guard", "platform", "values", "stage", "tests"};
+const Texts everything{"support", "app",      "move",   "launch", "hardstop",
+                       "guard",   "platform", "values", "stage",  "tests"};
 
 std::string folderOf(const std::string& path) {
   return path.substr(0, path.find('/'));
@@ -103,7 +104,7 @@ TEST(HouseRulesTest, ARoomOfThePlayedMacNeedsNoneAboveIt) {
 std::map<std::string, std::set<std::string>> modules() {
   std::map<std::string, std::set<std::string>> found;
   for (const auto& source :
-       sources({"app", "move", "launch", "hardstop", "guard", "platform", "values", "stage"}))
+       sources({"support", "app", "move", "launch", "hardstop", "guard", "platform", "values", "stage"}))
     for (const auto& include : matches(source.text, projectInclude))
       if (moduleOf(include) != moduleOf(source.path)) found[moduleOf(source.path)].insert(moduleOf(include));
   return found;
@@ -141,7 +142,7 @@ TEST(HouseRulesTest, NothingAboveThePlatformIncludesASystemHeader) {
 }
 
 TEST(HouseRulesTest, ThePlatformIsAskedForInItsFoldersAlone) {
-  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard", "values"})) {
+  for (const auto& source : sources({"support", "app", "move", "launch", "hardstop", "guard", "values"})) {
     EXPECT_EQ(source.text.find("__APPLE__"), std::string::npos) << source.path;
     EXPECT_EQ(source.text.find("__linux__"), std::string::npos) << source.path;
   }
