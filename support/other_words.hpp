@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "support/message.hpp"
 #include "support/words.hpp"
 
 /// What the lines that are a whole action by themselves say in plain words, and what follows from them. Pure.

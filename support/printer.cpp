@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "support/explanation.hpp"
 #include "support/layout.hpp"
 #include "support/page.hpp"
 

@@ -3,16 +3,17 @@
 #include <string>
 #include <vector>
 
-#include "support/actions.hpp"
+#include "support/moment.hpp"
 
-/// An action in plain words. Pure.
 namespace tamo::support {
 
+/// What one line says.
 struct Step {
   Moment at{};
   std::string text{};
 };
 
+/// An action in plain words.
 struct Story {
   /// What was asked, as the log names it, and what that is for; empty where the log doesn't tell.
   std::string action{};
@@ -27,7 +28,5 @@ struct Story {
   /// The headings of the troubleshooting page that fit, without "## ", each once.
   std::vector<std::string> headings{};
 };
-
-[[nodiscard]] Story storyOf(const Action& action);
 
 }  // namespace tamo::support

@@ -23,13 +23,14 @@ std::string whyNothing(const Counts& counts) {
   if (counts.binary)
     return "this is no text. A .logarchive, or a log in UTF-16, has to be exported first: " +
            std::string(exporting);
-  const std::string cut = counts.cut ? ", and the last one is cut" : "";
-  if (counts.naming != 0)
-    return count(counts.naming, "line names", "lines name") + " Tamo Core, but none of " +
-           count(counts.lines, "line", "lines") +
-           " is one of its own in a form that is known here. This form is: " + std::string(exporting);
-  return "none of " + count(counts.lines, "line", "lines") +
-         " is Tamo Core's. This gives a log that has them: " + std::string(exporting);
+  const auto all = count(counts.lines, "line", "lines");
+  const std::string end = (counts.cut ? ", and the last one is cut. " : ". ");
+  if (counts.naming == 0)
+    return "none of " + all + " is Tamo Core's" + end +
+           "This gives a log that has them: " + std::string(exporting);
+  return count(counts.naming, "line names", "lines name") + " Tamo Core, but none of " + all +
+         " is a whole line of its own in a form that is known here" + end +
+         "This form is: " + std::string(exporting);
 }
 
 std::string summary(const Counts& counts, std::uint64_t actions, bool all) {

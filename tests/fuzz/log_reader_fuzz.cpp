@@ -4,9 +4,9 @@
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
 #include "support/entry.hpp"
+#include "support/explanation.hpp"
 #include "support/layout.hpp"
 #include "support/message.hpp"
-#include "support/story.hpp"
 #include "support/tamo_log.hpp"
 #include "values/text.hpp"
 

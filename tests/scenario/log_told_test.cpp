@@ -25,7 +25,8 @@ Told told(const std::string& words) {
   std::array<char, 4096> buffer{};
   while (const auto size = std::fread(buffer.data(), 1, buffer.size(), pipe))
     result.text.append(buffer.data(), size);
-  result.status = WEXITSTATUS(::pclose(pipe));
+  const int ended = ::pclose(pipe);
+  result.status = WEXITSTATUS(ended);
   return result;
 }
 

@@ -1,4 +1,4 @@
-#include "support/story.hpp"
+#include "support/explanation.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -46,7 +46,7 @@ const std::string same = "definition: loaded /a exit 20 · bundled /a exit 20 ·
 const std::string changed = "definition: loaded /a exit 20 · bundled /a exit 5 · changed true";
 const std::string restarted = "restart -> status 1 ok Optional(true) kickstart 0<private>";
 
-TEST(StoryTest, ARestartThatWentWellSaysSoAndAsksForNothing) {
+TEST(ExplanationTest, ARestartThatWentWellSaysSoAndAsksForNothing) {
   const auto one = story({same, "hardstop pid 777: exited", restarted});
   EXPECT_EQ(one.action, "restart");
   EXPECT_EQ(one.purpose, "restart the Core");
@@ -61,7 +61,7 @@ TEST(StoryTest, ARestartThatWentWellSaysSoAndAsksForNothing) {
   EXPECT_THAT(one.headings, IsEmpty());
 }
 
-TEST(StoryTest, AKillIsExplained) {
+TEST(ExplanationTest, AKillIsExplained) {
   const auto text = told({same, "hardstop pid 777: killedGroup(777, gone: true)", restarted});
   EXPECT_THAT(text, HasSubstr("restart|restart the Core|done|"));
   EXPECT_THAT(text, HasSubstr("alive 2 seconds after it was asked to stop"));
@@ -72,14 +72,14 @@ TEST(StoryTest, AKillIsExplained) {
               ElementsAre(heading::killed));
 }
 
-TEST(StoryTest, AKillThatDidNotHelpIsNoGoodEnd) {
+TEST(ExplanationTest, AKillThatDidNotHelpIsNoGoodEnd) {
   const auto text = told({same, "hardstop pid 777: killedProcess(777, gone: false)", restarted});
   EXPECT_THAT(text, HasSubstr("done, but the old Core may still run"));
   EXPECT_THAT(text, HasSubstr("2 seconds later it was still there"));
   EXPECT_THAT(text, HasSubstr("ps -p 777"));
 }
 
-TEST(StoryTest, EveryReasonToSpareIsExplained) {
+TEST(ExplanationTest, EveryReasonToSpareIsExplained) {
   const auto spared = [](const std::string& reason, const std::string& gone) {
     return told({same, "hardstop pid 777: spared(\"" + reason + "\", gone: " + gone + ")", restarted});
   };
@@ -94,7 +94,7 @@ TEST(StoryTest, EveryReasonToSpareIsExplained) {
               ElementsAre(heading::spared));
 }
 
-TEST(StoryTest, AWatchThatWasCalledOffIsExplained) {
+TEST(ExplanationTest, AWatchThatWasCalledOffIsExplained) {
   const Texts lines{same, "hardstop pid 777: cancelled",
                     "restart -> status 1 ok Optional(true) kickstart 37<private>"};
   EXPECT_THAT(told(lines), HasSubstr("the watch was called off"));
@@ -106,12 +106,12 @@ TEST(StoryTest, AWatchThatWasCalledOffIsExplained) {
   EXPECT_THAT(story(lines).headings, ElementsAre(heading::calledOff, heading::kickstart));
 }
 
-TEST(StoryTest, ARestartThatNobodyWatchedIsTold) {
+TEST(ExplanationTest, ARestartThatNobodyWatchedIsTold) {
   EXPECT_THAT(story({same, restarted}).headings, ElementsAre(heading::noHardStop));
   EXPECT_THAT(told({same, restarted}), HasSubstr("nobody was killed"));
 }
 
-TEST(StoryTest, WithoutAGraphicalSessionNothingHappened) {
+TEST(ExplanationTest, WithoutAGraphicalSessionNothingHappened) {
   for (const auto* number : {"112", "125"}) {
     const Texts lines{"register -> status 1 ok Optional(true) kickstart " + std::string(number) +
                       "<private>"};
@@ -121,7 +121,7 @@ TEST(StoryTest, WithoutAGraphicalSessionNothingHappened) {
   }
 }
 
-TEST(StoryTest, EveryKickstartIsNamed) {
+TEST(ExplanationTest, EveryKickstartIsNamed) {
   const auto kickstart = [](const std::string& status) {
     return told({"register -> status 1 ok Optional(true) kickstart " + status + "<private>"});
   };
@@ -130,7 +130,7 @@ TEST(StoryTest, EveryKickstartIsNamed) {
               HasSubstr("launchd doesn't know the job. If neither the Core's sockets nor launchd"));
 }
 
-TEST(StoryTest, TheWayThatAnActionTookIsTold) {
+TEST(ExplanationTest, TheWayThatAnActionTookIsTold) {
   const auto text = [](const std::string& outcome, const Texts& before = {}) {
     auto lines = before;
     lines.push_back(outcome);
@@ -158,7 +158,7 @@ TEST(StoryTest, TheWayThatAnActionTookIsTold) {
                         "(waiting for the user's approval).|"));
 }
 
-TEST(StoryTest, ADefinitionIsToldByWhatDiffers) {
+TEST(ExplanationTest, ADefinitionIsToldByWhatDiffers) {
   const auto first = [](const std::string& line) { return story({line}).steps.at(0).text; };
   EXPECT_THAT(first("definition: loaded /a exit - · bundled /b -x exit - · changed true"),
               HasSubstr("changed: launchd runs /a, the bundle says /b -x."));
@@ -171,7 +171,7 @@ TEST(StoryTest, ADefinitionIsToldByWhatDiffers) {
   EXPECT_THAT(first("definition: loaded /very/long"), HasSubstr("cut the line for its length"));
 }
 
-TEST(StoryTest, StatusesThatWereNotMeantAreExplained) {
+TEST(ExplanationTest, StatusesThatWereNotMeantAreExplained) {
   EXPECT_THAT(story({"register -> status 2 ok Optional(false)<private>"}).headings,
               ElementsAre(heading::approval));
   EXPECT_THAT(told({"register -> status 2 ok Optional(false)<private>"}),
@@ -195,7 +195,7 @@ struct ErrorRow {
   std::string says;
 };
 
-TEST(StoryTest, EveryErrorLeadsToItsParagraph) {
+TEST(ExplanationTest, EveryErrorLeadsToItsParagraph) {
   const std::vector<ErrorRow> rows{
       {{"register -> status 2 ok Optional(false) error SMAppServiceErrorDomain 11<private>"},
        heading::approval,
@@ -239,14 +239,14 @@ TEST(StoryTest, EveryErrorLeadsToItsParagraph) {
   }
 }
 
-TEST(StoryTest, AHiddenDescriptionIsToldToBeHidden) {
+TEST(ExplanationTest, AHiddenDescriptionIsToldToBeHidden) {
   const std::string line = "x -> status 1 ok Optional(false) error TamoCore 64";
   EXPECT_THAT(told({line + "<private>"}), HasSubstr("description is private"));
   EXPECT_THAT(told({line + " Unknown action"}), HasSubstr("Its description: Unknown action"));
   EXPECT_THAT(told({line}), testing::Not(HasSubstr("description")));
 }
 
-TEST(StoryTest, ARefusalSaysWhichCopyAndWhatToDo) {
+TEST(ExplanationTest, ARefusalSaysWhichCopyAndWhatToDo) {
   const auto refused = [](const std::string& app) {
     return told({"sync refused: tamo.test_copy_refused_live_data app=" + app +
                  " (only /Applications/Tamo.app opens the founder's data and Core)"});
@@ -260,7 +260,7 @@ TEST(StoryTest, ARefusalSaysWhichCopyAndWhatToDo) {
   EXPECT_THAT(story({"sync refused: x"}).headings, ElementsAre(heading::refused));
 }
 
-TEST(StoryTest, EveryEndOfAMoveIsExplained) {
+TEST(ExplanationTest, EveryEndOfAMoveIsExplained) {
   const auto move = [](const std::string& code) { return told({"move-to-applications -> " + code}); };
   EXPECT_THAT(move("moved"), HasSubstr("|done|"));
   EXPECT_THAT(move("opened"), HasSubstr("|done|"));
@@ -276,14 +276,14 @@ TEST(StoryTest, EveryEndOfAMoveIsExplained) {
                         "not needed|"));
 }
 
-TEST(StoryTest, WhatWentWrongBesideTheActionIsToldToo) {
+TEST(ExplanationTest, WhatWentWrongBesideTheActionIsToldToo) {
   EXPECT_THAT(story({restarted, "receipt failed"}).headings, Contains(heading(heading::receipt)));
   EXPECT_EQ(story({restarted, "receipt failed"}).verdict, "done");
   EXPECT_THAT(told({"fatal: no home"}),
               HasSubstr("the companion stopped itself|The companion stopped itself: no home|"));
 }
 
-TEST(StoryTest, AnActionWithoutAnEndIsToldAsOne) {
+TEST(ExplanationTest, AnActionWithoutAnEndIsToldAsOne) {
   EXPECT_THAT(told({same}), HasSubstr("restart or sync||its end is not in the log|"));
   EXPECT_THAT(told({"hardstop pid 7: exited"}),
               HasSubstr("restart, reseat or sync||its end is not in the log|"));

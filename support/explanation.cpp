@@ -1,4 +1,4 @@
-#include "support/story.hpp"
+#include "support/explanation.hpp"
 
 #include "support/facts.hpp"
 #include "support/other_words.hpp"
