@@ -28,9 +28,10 @@ void writeIfChanged(const fs::path& file, const std::string& text) {
   std::ofstream(file, std::ios::binary) << text;
 }
 
-/// What a build needs; the mutator's own folder is there for its switch.
+/// What a build needs; the mutator's own folder is there for its switch, and the pages for the one that a program holds.
 std::vector<std::string> builtFolders() {
-  return {"app", "guard", "hardstop", "launch", "move", "platform", "stage", "tests", "values"};
+  return {"app",      "docs",  "guard",   "hardstop", "launch", "move",
+          "platform", "stage", "support", "tests",    "values"};
 }
 
 /// What is no longer in the original leaves the copy as well: the build takes every source that it finds.

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 bool isProduct(const std::string& file) {
   if (file.starts_with("platform/macos/") || file.starts_with("values/macos/")) return false;
   const auto folders = decisionFolders();
-  return file == "CMakeLists.txt" ||
+  return file == "CMakeLists.txt" || file.starts_with("support/") ||
          std::ranges::any_of(folders, [&](const auto& folder) { return file.starts_with(folder + "/"); });
 }
 
@@ -161,9 +161,9 @@ void findTwins(Misreadings& all) {
 
 const std::vector<std::string>& misreadingPrograms() {
   static const std::vector<std::string> programs{
-      "unit_values", "unit_platform", "unit_guard", "unit_hardstop", "unit_launch",
-      "unit_move",   "unit_app",      "unit_stage", "contract",      "scenario",
-      "exhaustion",  "simulate",      "simulation", "faults",        "soak_account"};
+      "unit_values", "unit_platform", "unit_guard", "unit_hardstop", "unit_launch", "unit_move",
+      "unit_app",    "unit_support",  "unit_stage", "contract",      "scenario",    "exhaustion",
+      "simulate",    "simulation",    "faults",     "soak_account"};
   return programs;
 }
 
