@@ -1,5 +1,6 @@
 #include "support/log_reader.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 /// Logs line by line: what is handed on, and what is left out.

@@ -1,6 +1,7 @@
 #include "support/message.hpp"
 
 #include <gtest/gtest.h>
+#include <set>
 
 #include "hardstop/stop_outcome.hpp"
 #include "platform/log_text.hpp"
