@@ -105,7 +105,7 @@ std::string definitionStep(const DefinitionSaid& said) {
     return compared + side + (both ? " could be read" : " could not be read") +
            ", which counts as unchanged.";
   }
-  return compared + (said.changed ? "changed: " : "not changed: ") + sidesInWords(said) + ".";
+  return compared + (said.changed ? "changed; " : "not changed; ") + sidesInWords(said) + ".";
 }
 
 std::string definitionCutStep() {

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <sys/wait.h>
 
 #include "scenario/move_stage.hpp"
@@ -16,6 +17,15 @@ struct Told {
   std::string text{};
   int status = -1;
 };
+
+/// The text as one line, for sentences that are searched in it.
+std::string flat(const std::string& text) {
+  std::istringstream in(text);
+  std::string line;
+  for (std::string word; in >> word;)
+    line += word + " ";
+  return line;
+}
 
 /// What tamo-log says to these words, its complaints included.
 Told told(const std::string& words) {
@@ -40,12 +50,12 @@ TEST(LogToldScenario, ARestartThatKilledTheCoreIsExplained) {
   const auto companion = std::to_string(stage.act("restart").pid);
   const auto log = told("--width=100 " + logOf(stage));
   EXPECT_EQ(log.status, 0);
-  EXPECT_THAT(log.text, HasSubstr(" UTC restart: done (process " + companion + ", 2."));
-  EXPECT_THAT(log.text, HasSubstr("not changed: the arguments and the exit timeout (20 s) are the same"));
-  EXPECT_THAT(log.text, HasSubstr("Killed the Core, process " + core + ","));
-  EXPECT_THAT(
-      log.text,
-      HasSubstr("docs/troubleshooting.md, \"`hardstop pid N: killedGroup(…)` or `killedProcess(…)`\":\n"));
+  const auto text = flat(log.text);
+  EXPECT_THAT(text, HasSubstr(" UTC restart: done (process " + companion + ", "));
+  EXPECT_THAT(text, HasSubstr("not changed; the arguments and the exit timeout (20 s) are the same"));
+  EXPECT_THAT(text, HasSubstr("Killed the Core, process " + core + ","));
+  EXPECT_THAT(text,
+              HasSubstr("\"`hardstop pid N: killedGroup(…)` or `killedProcess(…)`\": | The Core was alive"));
   EXPECT_THAT(log.text, ::testing::EndsWith("\n1 action in 3 lines.\n"));
 }
 
@@ -58,7 +68,7 @@ TEST(LogToldScenario, EveryActionOfAStageIsTold) {
                               " unregister: done (", " bogus\\x0Aname: failed ("})
     EXPECT_THAT(log.text, HasSubstr(verdict));
   EXPECT_THAT(log.text, ::testing::Not(HasSubstr("not known here")));
-  EXPECT_THAT(log.text, HasSubstr("description is private"));
+  EXPECT_THAT(flat(log.text), HasSubstr("description is private"));
 }
 
 TEST(LogToldScenario, AMoveAndARefusalAreTold) {

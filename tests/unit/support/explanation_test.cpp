@@ -161,7 +161,7 @@ TEST(ExplanationTest, TheWayThatAnActionTookIsTold) {
 TEST(ExplanationTest, ADefinitionIsToldByWhatDiffers) {
   const auto first = [](const std::string& line) { return story({line}).steps.at(0).text; };
   EXPECT_THAT(first("definition: loaded /a exit - · bundled /b -x exit - · changed true"),
-              HasSubstr("changed: launchd runs /a, the bundle says /b -x."));
+              HasSubstr("changed; launchd runs /a, the bundle says /b -x."));
   EXPECT_THAT(first("definition: loaded unknown exit - · bundled /b exit 20 · changed false"),
               HasSubstr("launchd's could not be read, which counts as unchanged"));
   EXPECT_THAT(first("definition: loaded /b exit 20 · bundled unknown exit - · changed false"),
