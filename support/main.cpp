@@ -27,7 +27,7 @@ std::optional<std::size_t> terminalWidth() {
 }
 
 bool isFolder(int descriptor) {
-  struct stat status {};
+  struct stat status{};
   return ::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
