@@ -99,7 +99,8 @@ std::unique_ptr<Tool> PosixProcesses::start(const ToolLaunch& launch) {
 }
 
 /// Each start is an occasion to reap those that nobody waited for.
-std::unique_ptr<Tool> PosixProcesses::start(const ToolLaunch& launch, const std::string& executable) {
+std::unique_ptr<Tool> PosixProcesses::start(const ToolLaunch& launch, const std::string& executable,
+                                            const std::function<void(pid_t)>& started) {
   leftovers_.reap();
   std::optional<Pipe> errors;
   if (launch.capturesErrors) {
@@ -108,6 +109,7 @@ std::unique_ptr<Tool> PosixProcesses::start(const ToolLaunch& launch, const std:
   }
   const auto child = spawn(launch, executable, errors ? errors->writing.get() : -1);
   if (!child) return nullptr;
+  if (started) started(*child);
   return std::make_unique<PosixTool>(leftovers_, *child, errors ? std::move(errors->reading) : Descriptor());
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <sys/types.h>
 
 #include "platform/processes.hpp"
@@ -29,8 +30,10 @@ class PosixProcesses final : public Processes {
   /// The tools it gives must not outlive it.
   [[nodiscard]] std::unique_ptr<Tool> start(const ToolLaunch& launch) override;
 
-  /// As start(), when the executable lies elsewhere than its path says; argument zero is still that path.
-  [[nodiscard]] std::unique_ptr<Tool> start(const ToolLaunch& launch, const std::string& executable);
+  /// As start(), when the executable lies elsewhere than its path says; argument zero is still that path. `started`
+  /// is told the pid of a tool that runs.
+  [[nodiscard]] std::unique_ptr<Tool> start(const ToolLaunch& launch, const std::string& executable,
+                                            const std::function<void(pid_t)>& started = {});
 
  private:
   Leftovers leftovers_;

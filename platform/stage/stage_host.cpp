@@ -1,5 +1,6 @@
 #include "platform/stage/stage_host.hpp"
 
+#include "platform/posix/posix_files.hpp"
 #include "platform/stage/privileges.hpp"
 
 namespace tamo::stage {
@@ -19,17 +20,52 @@ StageHost::Parts::Parts(const StageRoot& stage, const std::string& executable)
       agentServices(root, bundles, threads, mainQueue),
       workspace(root, mainQueue, threads) {}
 
+/// What nobody draws is not noted.
+StageHost::Noted::Noted(Parts& parts)
+    : journal(parts.root),
+      application(parts.application, journal),
+      mainQueue(parts.mainQueue, journal),
+      agentServices(parts.agentServices),
+      workspace(parts.workspace, journal),
+      processes(parts.processes),
+      kernelProcesses(parts.kernelProcesses, journal),
+      threads(parts.threads, journal),
+      files(parts.files, journal),
+      userFiles(parts.userFiles, journal),
+      lockFiles(parts.lockFiles, journal),
+      bundles(parts.bundles),
+      user(parts.user),
+      clock(parts.clock),
+      localSockets(parts.localSockets),
+      logSystem(parts.logSystem, journal) {}
+
 StageHost::StageHost(const StageRoot& root, const std::string& executable) : parts_(root, executable) {}
 
 }  // namespace tamo::stage
 
 namespace tamo::platform {
+namespace {
+
+/// The words of this process's command line, without the program.
+std::vector<std::string> ownArguments() {
+  const auto line = posix::readWhole("/proc/self/cmdline").value_or("");
+  std::vector<std::string> words;
+  for (std::size_t start = line.find('\0'); start != std::string::npos && start + 1 < line.size();) {
+    const auto end = line.find('\0', start + 1);
+    words.push_back(line.substr(start + 1, end - start - 1));
+    start = end;
+  }
+  return words;
+}
+
+}  // namespace
 
 /// Before anything is opened: what root may do no user of a Mac may.
 std::unique_ptr<Host> makeHost() {
   stage::renouncePrivileges();
-  return std::make_unique<stage::StageHost>(stage::StageRoot::fromEnvironment(),
-                                            stage::executableAsLaunched());
+  const auto root = stage::StageRoot::fromEnvironment();
+  stage::Journal(root).note("companion", ownArguments());
+  return std::make_unique<stage::StageHost>(root, stage::executableAsLaunched());
 }
 
 }  // namespace tamo::platform

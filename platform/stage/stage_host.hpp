@@ -2,6 +2,8 @@
 
 #include "platform/platform.hpp"
 #include "platform/posix/posix_threads.hpp"
+#include "platform/stage/noted_processes.hpp"
+#include "platform/stage/noted_surroundings.hpp"
 #include "platform/stage/run_loop.hpp"
 #include "platform/stage/stage_agent_services.hpp"
 #include "platform/stage/stage_bundles.hpp"
@@ -19,7 +21,8 @@
 
 namespace tamo::stage {
 
-/// A companion's whole surroundings on one stage. The thread that makes it is the main thread.
+/// A companion's whole surroundings on one stage, with what it asks of them noted in the stage's journal. The thread
+/// that makes it is the main thread.
 class StageHost final : public platform::Host {
  public:
   /// `executable` is the host path of the running program as launched (see StageBundles).
@@ -50,8 +53,31 @@ class StageHost final : public platform::Host {
     StageWorkspace workspace;
   };
 
+  /// What the companion is given: the parts, most of which note in the journal what is asked of them.
+  struct Noted {
+    explicit Noted(Parts& parts);
+
+    Journal journal;
+    NotedApplication application;
+    NotedMainQueue mainQueue;
+    StageAgentServices& agentServices;
+    NotedWorkspace workspace;
+    StageProcesses& processes;
+    NotedKernelProcesses kernelProcesses;
+    NotedThreads threads;
+    NotedFiles files;
+    NotedUserFiles userFiles;
+    NotedLockFiles lockFiles;
+    StageBundles& bundles;
+    StageUser& user;
+    StageClock& clock;
+    StageLocalSockets& localSockets;
+    NotedLog logSystem;
+  };
+
   Parts parts_;
-  platform::Platform platform_ = platform::platformOf(parts_);
+  Noted noted_{parts_};
+  platform::Platform platform_ = platform::platformOf(noted_);
 };
 
 }  // namespace tamo::stage

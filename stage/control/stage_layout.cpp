@@ -117,6 +117,7 @@ StageRoot layStage(const Laying& laying) {
   // From here on it can be struck.
   std::ofstream(root / ".stage/laid")
       << "A stage of Tamo Core Companion. Strike it with tamo-stage strike.\n";
+  std::ofstream(root / ".stage/journal").flush();
   copyPrograms(root, laying.programs);
   StageRoot stage(root.string());
   stage.set("home", homeFolder);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "platform/posix/descriptor.hpp"
+#include "platform/stage/journal.hpp"
 #include "platform/stage/privileges.hpp"
 #include "platform/stage/stage_root.hpp"
 #include "stage/common/program_log.hpp"
@@ -18,6 +19,7 @@ int main(int /*count*/, char** argv) {
   const tamo::stage::StagePresence presence(root.directory());
   const auto path = root.control("app.log");
   const tamo::platform::Descriptor log(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
+  const tamo::stage::Journal journal(root);
   const auto say = [&](const std::string& what) {
     tamo::stage::logLine(log.get(), "app " + std::to_string(::getpid()) + ": " + what);
   };
@@ -26,9 +28,13 @@ int main(int /*count*/, char** argv) {
   ::sigaddset(&signals, SIGTERM);
   ::sigprocmask(SIG_BLOCK, &signals, nullptr);
   say("started as " + std::string(argv[0]));
+  journal.note("app", {argv[0]});
   const timespec second{.tv_sec = 1, .tv_nsec = 0};
-  while (presence.isThere())
-    if (::sigtimedwait(&signals, nullptr, &second) == SIGTERM) break;
+  siginfo_t told{};
+  while (presence.isThere() && ::sigtimedwait(&signals, &told, &second) != SIGTERM) {
+  }
+  if (told.si_signo == SIGTERM) journal.note("told", {std::to_string(SIGTERM), std::to_string(told.si_pid)});
   say("ends");
+  journal.note("leaves", {"0"});
   return 0;
 }

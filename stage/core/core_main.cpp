@@ -1,5 +1,6 @@
 #include <iostream>
 
+#include "platform/stage/journal.hpp"
 #include "platform/stage/privileges.hpp"
 #include "platform/stage/stage_root.hpp"
 #include "platform/stage/stream_sockets.hpp"
@@ -16,6 +17,8 @@ int main() {
   }
   return tamo::stage::runCore({.dataDirectory = root.host(root.home() + "/Library/Application Support/Tamo"),
                                .presence = root.directory(),
-                               .listen = tamo::stage::listeningAt},
+                               .listen = tamo::stage::listeningAt,
+                               .note = [journal = tamo::stage::Journal(root)](
+                                           auto word, const auto& texts) { journal.note(word, texts); }},
                               *behaviour);
 }

@@ -22,10 +22,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Term = CoreBehaviour::Term;
 
-void say(const std::string& what) {
-  logLine(STDOUT_FILENO, "core " + std::to_string(::getpid()) + ": " + what);
-}
-
 /// Set when SIGTERM came, which it does only while the Core waits.
 volatile std::sig_atomic_t told = 0;
 
@@ -48,14 +44,15 @@ sigset_t terminationsOnlyInWaits() {
 }
 
 /// A helper does nothing but be there; it minds SIGTERM as the Core does.
-[[noreturn]] void help(const std::string& presenceDirectory, const CoreBehaviour& behaviour) {
+[[noreturn]] void help(const CoreSurroundings& surroundings, const CoreBehaviour& behaviour, pid_t core) {
   if (behaviour.childrenLeave) ::setpgid(0, 0);
   const bool obeys = behaviour.term == Term::Obey;
   ::signal(SIGTERM, obeys ? SIG_DFL : SIG_IGN);
   sigset_t none;
   sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
-  const StagePresence presence(presenceDirectory);
+  surroundings.note("helper", {std::to_string(core)});
+  const StagePresence presence(surroundings.presence);
   while (presence.isThere())
     ::sleep(1);
   ::_exit(0);
@@ -73,7 +70,8 @@ class Core {
   /// The group comes first: whoever looks at the Core later must not see it change.
   int run() {
     if (!behaviour_.leadsGroup && ::setpgid(0, ::getpgid(::getppid())) != 0) say("could not join its parent");
-    say("started in group " + std::to_string(::getpgrp()));
+    logLine(STDOUT_FILENO, opening() + "started in group " + std::to_string(::getpgrp()));
+    surroundings_.note("core", {std::to_string(::getpgrp())});
     static_cast<void>(platform::posix::createDirectories(data_));
     for (int i = 0; i < behaviour_.children; ++i)
       addHelper();
@@ -86,11 +84,19 @@ class Core {
   }
 
  private:
+  [[nodiscard]] static std::string opening() { return "core " + std::to_string(::getpid()) + ": "; }
+
+  void say(const std::string& what) const {
+    logLine(STDOUT_FILENO, opening() + what);
+    surroundings_.note("says", {what});
+  }
+
   void addHelper() {
+    const auto core = ::getpid();
     const auto pid = ::fork();
     if (pid < 0) values::fatal("the Core could not fork");
     if (pid == 0 && behaviour_.childrenAreOrphans && ::fork() != 0) ::_exit(0);
-    if (pid == 0) help(surroundings_.presence, behaviour_);
+    if (pid == 0) help(surroundings_, behaviour_, core);
     if (behaviour_.childrenAreOrphans) return orphaned(pid);
     // Both sides name the group, so that it is settled whoever runs first.
     if (behaviour_.childrenLeave) ::setpgid(pid, pid);
@@ -98,7 +104,7 @@ class Core {
   }
 
   /// The helper is the child of the child, which goes at once.
-  static void orphaned(pid_t between) {
+  void orphaned(pid_t between) const {
     platform::uninterrupted([&] { return ::waitpid(between, nullptr, 0); });
     say("has an orphan in its group");
   }

@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/posix/descriptor.hpp"
 #include "stage/core/core_behaviour.hpp"
@@ -16,6 +18,9 @@ struct CoreSurroundings {
   std::string presence;
   /// Makes a listening socket at a path, whose accepting does not block; none when that cannot be done.
   std::function<platform::Descriptor(const std::string& path)> listen;
+  /// Notes a moment of the calling process, a helper's as well, as a stage's journal does. Does nothing by itself.
+  std::function<void(std::string_view word, const std::vector<std::string>& texts)> note =
+      [](std::string_view, const std::vector<std::string>&) {};
 };
 
 /// Plays the Core until it ends as ordered, or its surroundings disappear. It writes a line for everything that

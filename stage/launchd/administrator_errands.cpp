@@ -6,6 +6,7 @@
 
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/posix_spawn.hpp"
+#include "platform/stage/journal.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -25,6 +26,7 @@ void AdministratorErrands::run(const std::string& command, const Reply& reply) {
       .path = "/usr/libexec/administrator", .arguments = {command}, .standardOutput = output.get()};
   const auto pid = platform::spawn(launch, *program, output.get());
   if (!pid) return reply(cannot);
+  Journal(root_).note("errand", {std::to_string(*pid)});
   running_.emplace(*pid, Errand{std::move(output), reply});
 }
 

@@ -1,6 +1,6 @@
 #include "stage/launchd/launchctl.hpp"
+#include "stage/common/noted_tool.hpp"
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
-  return tamo::stage::runLaunchctl(tamo::stage::StageRoot::fromEnvironment(), arguments);
+  return tamo::stage::runNoted("launchctl", tamo::stage::runLaunchctl, argc, argv);
 }

@@ -8,6 +8,7 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+#include "platform/stage/journal.hpp"
 #include "platform/stage/stream_sockets.hpp"
 #include "stage/common/program_log.hpp"
 #include "stage/common/stage_presence.hpp"
@@ -52,8 +53,9 @@ class Loop {
       : presence_(root.directory()),
         processes_(root),
         launchd_(root, processes_),
-        clients_(std::move(listening), [this](const auto& words, const auto& reply) {
+        clients_(std::move(listening), [this, journal = Journal(root)](const auto& words, const auto& reply) {
           logLine(STDERR_FILENO, "asked: " + joined(words));
+          journal.note("asked", words);
           const bool errand = words.size() == 2 && words.front() == "administrator";
           if (errand) return processes_.errands().run(words.back(), reply);
           launchd_.ask(words, Clock::now(), reply);
@@ -111,6 +113,7 @@ int runLaunchd(const StageRoot& root) {
     return 1;
   }
   logLine(STDERR_FILENO, "launchd begins as pid " + std::to_string(::getpid()));
+  Journal(root).note("launchd");
   const StagePresence presence(root.directory());
   Loop(root, std::move(listening)).run();
   logLine(STDERR_FILENO, "launchd ends");

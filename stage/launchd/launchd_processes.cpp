@@ -82,7 +82,7 @@ std::string endingText(pid_t pid, const Ending& ending) {
 }  // namespace
 
 /// A helper whose parent is gone becomes a child of this process, and is found when the stage ends.
-LaunchdProcesses::LaunchdProcesses(const StageRoot& root) : root_(root), errands_(root) {
+LaunchdProcesses::LaunchdProcesses(const StageRoot& root) : root_(root), journal_(root), errands_(root) {
   if (::prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0) values::fatal("launchd cannot adopt orphans");
 }
 
@@ -104,20 +104,24 @@ std::optional<pid_t> LaunchdProcesses::start(const JobDefinition& definition) {
     return std::nullopt;
   }
   note(definition.label + ": started as pid " + std::to_string(pid));
+  journal_.note("job", {std::to_string(pid), definition.label});
   return pid;
 }
 
 void LaunchdProcesses::terminate(pid_t pid) {
   note("SIGTERM to pid " + std::to_string(pid));
+  journal_.note("signals", {std::to_string(SIGTERM), "process", std::to_string(pid)});
   ::kill(pid, SIGTERM);
 }
 
 void LaunchdProcesses::kill(pid_t pid) {
   note("SIGKILL to pid " + std::to_string(pid));
+  journal_.note("signals", {std::to_string(SIGKILL), "process", std::to_string(pid)});
   ::kill(pid, SIGKILL);
 }
 
 void LaunchdProcesses::killGroup(pid_t group) {
+  journal_.note("signals", {std::to_string(SIGKILL), "group", std::to_string(group)});
   ::killpg(group, SIGKILL);
 }
 
@@ -131,6 +135,8 @@ void LaunchdProcesses::reap(JobTable& jobs, JobTable::Time now) {
     ::waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED);
     const auto ending = endingOf(info);
     note(endingText(pid, ending));
+    journal_.note("reaped", {std::to_string(pid), ending.signalled ? "signal" : "exited",
+                             std::to_string(ending.number)});
     if (!errands_.ended(pid, ending)) jobs.ended(pid, ending, now);
   }
 }

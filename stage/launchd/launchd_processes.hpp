@@ -2,11 +2,12 @@
 
 #include <functional>
 
+#include "platform/stage/journal.hpp"
 #include "platform/stage/stage_root.hpp"
 #include "stage/launchd/administrator_errands.hpp"
 #include "stage/launchd/job_table.hpp"
 
-/// The real processes under the stage's launchd. One thread.
+/// The real processes under the stage's launchd; what it does to them is noted in the stage's journal. One thread.
 namespace tamo::stage {
 
 class LaunchdProcesses final : public ProcessControl {
@@ -31,6 +32,7 @@ class LaunchdProcesses final : public ProcessControl {
 
  private:
   const StageRoot& root_;
+  const Journal journal_;
   AdministratorErrands errands_;
 };
 

@@ -9,6 +9,7 @@
 
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
+#include "platform/stage/journal.hpp"
 #include "platform/stage/launchd_wire.hpp"
 #include "stage/common/exit_status.hpp"
 #include "stage/common/program_log.hpp"
@@ -55,9 +56,12 @@ void note(const StageRoot& root, const std::string& text) {
 
 /// Absent when the user agrees.
 std::optional<ScriptError> askedUser(const StageRoot& root, const std::string& prompt) {
+  const Journal journal(root);
   note(root, "asked: " + prompt);
+  journal.note("prompt", {prompt});
   const auto answer = answered(root);
   note(root, "answered: " + answer);
+  journal.note("answer", {answer});
   for (const auto& refusal : refusals)
     if (answer == refusal.word) return ScriptError{.text = refusal.error, .number = refusal.number};
   if (answer == "agree") return std::nullopt;

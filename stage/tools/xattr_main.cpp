@@ -1,6 +1,6 @@
 #include "stage/tools/xattr.hpp"
+#include "stage/common/noted_tool.hpp"
 
 int main(int argc, char** argv) {
-  const std::vector<std::string> arguments(argv + 1, argv + argc);
-  return tamo::stage::runXattr(tamo::stage::StageRoot::fromEnvironment(), arguments);
+  return tamo::stage::runNoted("xattr", tamo::stage::runXattr, argc, argv);
 }

@@ -1,0 +1,65 @@
+#include "platform/stage/journal.hpp"
+
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/posix/descriptor.hpp"
+#include "platform/stage/stage_log.hpp"
+
+namespace tamo::stage {
+namespace {
+
+/// Enough for any log line and any path that is drawn; a script that is an argument has thousands.
+constexpr std::size_t longestText = 240;
+
+std::int64_t monotonicMicroseconds() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::int64_t{now.tv_sec} * 1'000'000 + now.tv_nsec / 1000;
+}
+
+/// At a border between characters, never inside one.
+std::string_view shortened(std::string_view text) {
+  auto end = longestText;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+    --end;
+  return text.substr(0, end);
+}
+
+}  // namespace
+
+void Journal::note(std::string_view word, const std::vector<std::string>& texts) const {
+  const int before = errno;
+  const auto line = journalLine(monotonicMicroseconds(), ::getpid(), word, texts);
+  const platform::Descriptor file(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  // One write to the end, so that the lines of several processes stay whole.
+  if (file) static_cast<void>(!::write(file.get(), line.data(), line.size()));
+  errno = before;
+}
+
+std::string journalLine(std::int64_t microseconds, std::int32_t pid, std::string_view word,
+                        const std::vector<std::string>& texts) {
+  auto line = std::to_string(microseconds) + "\t" + std::to_string(pid) + "\t" + std::string(word);
+  for (const auto& text : texts)
+    line += "\t" + journalText(text);
+  return line + "\n";
+}
+
+std::string journalText(std::string_view text) {
+  if (text.size() <= longestText) return escaped(text);
+  return escaped(shortened(text)) + "…";
+}
+
+std::string textFromJournal(std::string_view text) {
+  std::string plain;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool named = text[at] == '\\' && at + 1 < text.size();
+    if (named) ++at;
+    plain += named && text[at] == 't' ? '\t' : named && text[at] == 'n' ? '\n' : text[at];
+  }
+  return plain;
+}
+
+}  // namespace tamo::stage

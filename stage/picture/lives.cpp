@@ -1,0 +1,140 @@
+#include "stage/picture/lives.hpp"
+
+#include <algorithm>
+
+namespace tamo::stage {
+namespace {
+
+/// Starter and started note the same begin each for itself, in either order, this far apart at most.
+constexpr std::int64_t sameBegin = 1'000'000;
+
+std::string baseName(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+/// launchctl is called by its verb; what the other tools are given are paths and scripts.
+std::string toolName(const std::string& program, const std::string& firstArgument) {
+  const auto name = baseName(program);
+  return name == "launchctl" && !firstArgument.empty() ? name + " " + firstArgument : name;
+}
+
+std::string textAt(const Moment& moment, std::size_t place) {
+  return place < moment.texts.size() ? moment.texts[place] : std::string();
+}
+
+class Registry {
+ public:
+  void take(const Moment& moment) {
+    const auto& word = moment.word;
+    meet(moment);
+    if (word == "companion") begin(moment, Role::Companion, moment.pid, "companion");
+    if (word == "launchd") begin(moment, Role::Launchd, moment.pid, "launchd");
+    if (word == "app") begin(moment, Role::Application, moment.pid, "Tamo");
+    if (word == "errand") begin(moment, Role::Administrator, numberIn(moment, 0), "administrator");
+    if (word == "job") begun(moment, Role::Core, numberIn(moment, 0), "Core");
+    if (word == "core") begun(moment, Role::Core, moment.pid, "Core").group = numberIn(moment, 0);
+    if (word == "helper") helper(moment);
+    if (word == "tool") begun(moment, Role::Tool, moment.pid, toolName(textAt(moment, 0), textAt(moment, 1)));
+    if (word == "starts" && numberIn(moment, 0) != 0)
+      begun(moment, Role::Tool, numberIn(moment, 0), toolName(textAt(moment, 1), textAt(moment, 2))).parent =
+          moment.pid;
+    end(moment);
+    if (auto* life = last(moment.pid)) heardOf(*life, moment);
+  }
+
+  std::vector<Life> lives;
+
+ private:
+  Life* last(std::int32_t pid) {
+    const auto found = std::find_if(lives.rbegin(), lives.rend(), [pid](const Life& life) { return life.pid == pid; });
+    return found == lives.rend() ? nullptr : &*found;
+  }
+
+  /// Somebody who begun before the journal did is known by what only one of its kind notes.
+  void meet(const Moment& moment) {
+    if (last(moment.pid) != nullptr) return;
+    const auto& word = moment.word;
+    if (word == "asked" || word == "reaped" || word == "job") begin(moment, Role::Launchd, moment.pid, "launchd");
+    if (word == "says") begin(moment, Role::Core, moment.pid, "Core");
+  }
+
+  Life& begin(const Moment& moment, Role role, std::int32_t pid, const std::string& name) {
+    lives.push_back({.role = role, .pid = pid, .name = name, .from = moment.at, .seen = moment.at});
+    return lives.back();
+  }
+
+  /// The life that somebody else has noted already, or a new one.
+  Life& begun(const Moment& moment, Role role, std::int32_t pid, const std::string& name) {
+    auto* known = last(pid);
+    const bool same = known != nullptr && known->role == role && moment.at - known->from < sameBegin;
+    return same ? *known : begin(moment, role, pid, name);
+  }
+
+  void helper(const Moment& moment) {
+    auto& life = begin(moment, Role::Helper, moment.pid, "helper");
+    life.parent = numberIn(moment, 0);
+    const auto core = lifeOf(life.parent, moment.at, lives);
+    if (core) life.group = lives[*core].group;
+  }
+
+  void end(const Moment& moment) {
+    const auto& word = moment.word;
+    if (word == "terminates") endOf(moment.pid, moment, "");
+    if (word == "leaves") endOf(moment.pid, moment, endingText("exit", numberIn(moment, 0)));
+    if (word == "tool-ended") endOf(numberIn(moment, 0), moment, endingText("status", numberIn(moment, 1)));
+    if (word == "reaped") {
+      const bool bySignal = moment.texts[1] == "signal";
+      endOf(numberIn(moment, 0), moment, endingText(bySignal ? "signal" : "exit", numberIn(moment, 2)));
+    }
+  }
+
+  static std::string endingText(const std::string& how, std::int32_t number) {
+    return number == 0 ? "" : how + " " + std::to_string(number);
+  }
+
+  void endOf(std::int32_t pid, const Moment& moment, const std::string& ending) {
+    auto* life = last(pid);
+    if (life == nullptr || life->until) return;
+    life->until = moment.at;
+    life->ending = ending;
+    life->seen = moment.at;
+  }
+
+  /// A companion whose terminate request returns goes on for a moment.
+  static void heardOf(Life& life, const Moment& moment) {
+    life.seen = moment.at;
+    if (life.role == Role::Companion && life.until) life.until = moment.at;
+  }
+};
+
+}  // namespace
+
+std::vector<Life> livesIn(const std::vector<Moment>& moments) {
+  Registry registry;
+  for (const auto& moment : moments)
+    registry.take(moment);
+  return std::move(registry.lives);
+}
+
+std::vector<std::size_t> targetsOf(const Moment& signal, const std::vector<Life>& lives) {
+  const auto target = numberIn(signal, 2);
+  const bool isGroup = signal.texts[1] == "group";
+  // launchd ends the group of a process that is dead already and has only not been reaped.
+  const auto sender = lifeOf(signal.pid, signal.at, lives);
+  const bool leaderIsDead = isGroup && sender && lives[*sender].role == Role::Launchd;
+  std::vector<std::size_t> found;
+  for (std::size_t index = 0; index < lives.size(); ++index) {
+    const auto& life = lives[index];
+    const bool meant = isGroup ? life.group == target && (life.pid != target || !leaderIsDead) : life.pid == target;
+    if (meant && life.isAt(signal.at)) found.push_back(index);
+  }
+  return found;
+}
+
+std::optional<std::size_t> lifeOf(std::int32_t pid, std::int64_t moment, const std::vector<Life>& lives) {
+  for (auto index = lives.size(); index-- > 0;)
+    if (lives[index].pid == pid && lives[index].from <= moment) return index;
+  return std::nullopt;
+}
+
+}  // namespace tamo::stage

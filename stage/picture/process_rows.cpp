@@ -1,0 +1,186 @@
+#include "stage/picture/process_rows.hpp"
+
+#include <algorithm>
+#include <csignal>
+#include <set>
+
+#include "stage/picture/companion_rows.hpp"
+
+namespace tamo::stage {
+namespace {
+
+Span spanOf(const Scene& scene, const Life& life) {
+  return {.from = std::max<std::int64_t>(0, life.from),
+          .until = life.until.value_or(scene.until),
+          .began = life.from < 0,
+          .goesOn = !life.until,
+          .lost = life.lost};
+}
+
+void addEnd(Row& row, const Life& life) {
+  if (!life.until || life.lost) return;
+  const bool killed = life.ending.starts_with("signal");
+  row.marks.push_back(
+      {.at = *life.until, .kind = killed ? MarkKind::Killed : MarkKind::End, .label = life.ending});
+}
+
+std::string program(const Life& life) {
+  return life.name.substr(0, life.name.find(' '));
+}
+
+/// The prompt of a script, from the question to the answer.
+void addPrompt(Row& row, const Scene& scene, const Life& life) {
+  std::optional<std::int64_t> asked;
+  for (const auto& moment : scene.moments) {
+    if (moment.pid != life.pid || moment.at < life.from) continue;
+    if (moment.word == "prompt") asked = moment.at;
+    if (moment.word != "answer" || !asked) continue;
+    row.spans.push_back({.from = *asked, .until = moment.at, .kind = SpanKind::Step, .label = "prompt"});
+    asked.reset();
+  }
+  if (asked)
+    row.spans.push_back(
+        {.from = *asked, .until = life.until.value_or(scene.until), .kind = SpanKind::Step, .label = "prompt"});
+}
+
+std::string shortQuestion(const Moment& asked) {
+  if (asked.texts.empty()) return "";
+  const bool kills = asked.texts.size() > 1 && asked.texts[1] == "-k";
+  return asked.texts[0] + (kills ? " -k" : "");
+}
+
+/// What a process says of itself, and what launchd is asked; what the status is, it is asked all the time.
+std::string markName(const Moment& moment) {
+  if (moment.word == "says" && !moment.texts[0].starts_with("has ")) return moment.texts[0];
+  if (moment.word == "asked" && shortQuestion(moment) != "service-status") return shortQuestion(moment);
+  if (moment.word == "told") return "told " + signalName(numberIn(moment, 0));
+  return "";
+}
+
+void addMarks(Row& row, const Scene& scene, const Life& life) {
+  for (const auto& moment : scene.moments)
+    if (moment.pid == life.pid && moment.at >= std::max<std::int64_t>(0, life.from))
+      if (const auto name = markName(moment); !name.empty()) row.marks.push_back({.at = moment.at, .label = name});
+}
+
+class Table {
+ public:
+  explicit Table(const Scene& scene) : scene_(scene) {}
+
+  ProcessRows all() {
+    result_.rows = companionRows(scene_);
+    result_.rowOf[scene_.companion] = 0;
+    tools();
+    add(Role::Administrator, RowKind::Tool);
+    cores();
+    add(Role::Launchd, RowKind::Launchd);
+    add(Role::Application, RowKind::Application);
+    for (std::size_t index = 0; index < scene_.lives.size(); ++index)
+      if (scene_.lives[index].role == Role::Companion && index != scene_.companion)
+        place(index, otherCompanion(scene_, scene_.lives[index]));
+    return std::move(result_);
+  }
+
+ private:
+  void place(std::size_t life, Row row) {
+    result_.rowOf[life] = result_.rows.size();
+    result_.rows.push_back(std::move(row));
+  }
+
+  void add(Role role, RowKind kind) {
+    for (std::size_t index = 0; index < scene_.lives.size(); ++index)
+      if (scene_.lives[index].role == role) addOne(index, kind);
+  }
+
+  void addOne(std::size_t index, RowKind kind) {
+    const auto& life = scene_.lives[index];
+    Row row{.kind = kind, .name = lifeName(life), .spans = {spanOf(scene_, life)}};
+    addMarks(row, scene_, life);
+    addEnd(row, life);
+    place(index, std::move(row));
+  }
+
+  void tools() {
+    for (std::size_t index = 0; index < scene_.lives.size(); ++index)
+      if (scene_.lives[index].role == Role::Tool) addTool(index, scene_.lives[index]);
+  }
+
+  /// Into the first row of its program that is free by then.
+  void addTool(std::size_t index, const Life& life) {
+    auto span = spanOf(scene_, life);
+    span.label = life.name == program(life) ? "" : life.name.substr(program(life).size() + 1);
+    auto& rows = result_.rows;
+    auto found = std::ranges::find_if(rows, [&](const Row& row) {
+      return row.kind == RowKind::Tool && row.name == program(life) && row.spans.back().until < span.from;
+    });
+    if (found == rows.end()) found = rows.insert(rows.end(), Row{.kind = RowKind::Tool, .name = program(life)});
+    addPrompt(*found, scene_, life);
+    found->spans.push_back(std::move(span));
+    addEnd(*found, life);
+    result_.rowOf[index] = static_cast<std::size_t>(found - rows.begin());
+  }
+
+  /// Each Core with its helpers under it.
+  void cores() {
+    const auto& lives = scene_.lives;
+    for (std::size_t index = 0; index < lives.size(); ++index) {
+      if (lives[index].role != Role::Core) continue;
+      addOne(index, RowKind::Core);
+      for (std::size_t other = 0; other < lives.size(); ++other)
+        if (lives[other].role == Role::Helper && lifeOf(lives[other].parent, lives[other].from, lives) == index)
+          addOne(other, RowKind::Helper);
+    }
+    for (std::size_t index = 0; index < lives.size(); ++index)
+      if (lives[index].role == Role::Helper && !result_.rowOf.contains(index)) addOne(index, RowKind::Helper);
+  }
+
+  const Scene& scene_;
+  ProcessRows result_;
+};
+
+/// A kill comes from the companion's watch where there is one.
+std::optional<std::size_t> senderRow(const Moment& signal, const Scene& scene, const ProcessRows& rows) {
+  const auto life = lifeOf(signal.pid, signal.at, scene.lives);
+  if (!life || !rows.rowOf.contains(*life)) return std::nullopt;
+  const auto row = rows.rowOf.at(*life);
+  if (*life != scene.companion || numberIn(signal, 0) != SIGKILL) return row;
+  const auto watch = std::ranges::find(rows.rows, RowKind::Watch, &Row::kind);
+  return watch == rows.rows.end() ? row : static_cast<std::size_t>(watch - rows.rows.begin());
+}
+
+}  // namespace
+
+ProcessRows processRows(const Scene& scene) {
+  return Table(scene).all();
+}
+
+std::vector<Arrow> arrowsOf(const Scene& scene, const ProcessRows& rows) {
+  std::vector<Arrow> arrows;
+  std::set<std::size_t> killed;
+  for (const auto& moment : scene.moments) {
+    if (moment.word != "signals" || moment.at < 0) continue;
+    Arrow arrow{.at = moment.at, .signal = signalName(numberIn(moment, 0))};
+    const auto from = senderRow(moment, scene, rows);
+    for (const auto life : targetsOf(moment, scene.lives)) {
+      const bool again = numberIn(moment, 0) == SIGKILL && !killed.insert(life).second;
+      if (!again && rows.rowOf.contains(life)) arrow.to.push_back(rows.rowOf.at(life));
+    }
+    if (!from || arrow.to.empty()) continue;
+    arrow.from = *from;
+    arrows.push_back(std::move(arrow));
+  }
+  return arrows;
+}
+
+std::string signalName(std::int32_t number) {
+  if (number == SIGTERM) return "SIGTERM";
+  if (number == SIGKILL) return "SIGKILL";
+  return "signal " + std::to_string(number);
+}
+
+std::string lifeName(const Life& life) {
+  const bool isNew = life.from >= 0 && (life.role == Role::Core || life.role == Role::Application);
+  return (isNew ? "new " : "") + life.name + " " + std::to_string(life.pid);
+}
+
+}  // namespace tamo::stage
