@@ -1,5 +1,5 @@
 # Sourced by ./rehearse: what every rehearsal has in common. Sets `root`, the stage's directory, once it is laid; with
-# `keep` = yes the stage is left running at the end.
+# `keep` = yes the stage is left running at the end; `picture` is the file to draw into, or empty.
 
 say() { printf '\n%s\n' "$*"; }
 die() { echo "rehearse: $*" >&2; exit 1; }
@@ -11,6 +11,13 @@ lay_stage() {
   trap '[[ $keep == yes ]] || stage strike >/dev/null 2>&1 || rm -rf "$root"' EXIT
   trap 'exit 130' INT TERM
   stage lay "$@" >/dev/null
+}
+
+# Draws what has happened since the last companion's start, when a picture is wanted.
+draw() {
+  [[ $picture ]] || return 0
+  stage picture "$picture"
+  echo "    The picture of it is $picture."
 }
 
 end_rehearsal() {

@@ -56,6 +56,7 @@ echo "    Tamo in Downloads, pid $tamo, quits"
 wait "$companion" || die "the companion failed"
 wait_for runs_from /Applications/Tamo.app
 [[ $(cat "$root/.stage/front") == /Applications/Tamo.app ]] || die "the installed copy is not in front"
+draw
 
 say "When, after the companion's start"
 told "$(moment_of prompts 'asked: ')" "the prompt is on the screen; 0.4 s of it are the intake of requests"

@@ -22,6 +22,7 @@ seconds_between() {
 }
 
 lay_stage
+[[ -z $picture ]] || stage copy installed --program receipts
 stage core term=ignore children=1
 say "A stage is laid in $root. The first Core on it ignores SIGTERM. The log lines are the system's own."
 
@@ -39,6 +40,9 @@ stage core term=obey
 
 say "restart"
 companion restart
+# The new Core has come up by then, and nobody has looked at it yet, which would be in the picture.
+[[ -z $picture ]] || sleep 0.3
+draw
 after=$(core_pid)
 [[ -n $after && $after != "$before" ]] || die "there is no new Core"
 waited=$(seconds_between "asked: kickstart -k" "pid $before ended by signal 9")

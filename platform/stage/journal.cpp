@@ -12,7 +12,7 @@ namespace tamo::stage {
 namespace {
 
 /// Enough for any log line and any path that is drawn; a script that is an argument has thousands.
-constexpr std::size_t longestText = 240;
+constexpr std::size_t longestText = 600;
 
 std::int64_t monotonicMicroseconds() {
   timespec now{};

@@ -74,13 +74,15 @@ bool NotedUserFiles::moveToTrash(const std::string& path) {
 
 void NotedWorkspace::openApplication(const std::string& path, Completion completion) {
   journal_.note("opens", {path});
-  workspace_.openApplication(path, [journal = journal_, completion = std::move(completion)](const auto& error) {
-    journal.note("opened", {error ? "no" : "yes"});
-    completion(error);
-  });
+  workspace_.openApplication(path,
+                             [journal = journal_, completion = std::move(completion)](const auto& error) {
+                               journal.note("opened", {error ? "no" : "yes"});
+                               completion(error);
+                             });
 }
 
-std::unique_ptr<platform::Logger> NotedLog::logger(const std::string& subsystem, const std::string& category) {
+std::unique_ptr<platform::Logger> NotedLog::logger(const std::string& subsystem,
+                                                   const std::string& category) {
   return std::make_unique<NotedLogger>(log_.logger(subsystem, category), journal_);
 }
 

@@ -52,7 +52,8 @@ std::vector<std::string> startTexts(pid_t pid, const platform::ToolLaunch& launc
 std::unique_ptr<platform::Tool> StageProcesses::start(const platform::ToolLaunch& launch) {
   const auto executable = root_.existing(launch.path);
   pid_t pid = 0;
-  auto tool = executable ? host_.start(launch, *executable, [&pid](pid_t started) { pid = started; }) : nullptr;
+  auto tool =
+      executable ? host_.start(launch, *executable, [&pid](pid_t started) { pid = started; }) : nullptr;
   journal_.note("starts", startTexts(pid, launch));
   if (tool == nullptr) return nullptr;
   return std::make_unique<NotedTool>(std::move(tool), pid, journal_);

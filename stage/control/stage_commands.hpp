@@ -28,5 +28,7 @@ struct StageCommand {
 [[nodiscard]] std::vector<StageCommand> moveCommands();
 /// status, ps, log, receipt.
 [[nodiscard]] std::vector<StageCommand> viewCommands();
+/// picture.
+[[nodiscard]] std::vector<StageCommand> pictureCommands();
 
 }  // namespace tamo::stage

@@ -14,8 +14,8 @@ constexpr int kWrongUse = 2;
 
 std::vector<StageCommand> allCommands() {
   std::vector<StageCommand> all;
-  for (const auto& group :
-       {layoutCommands(), runCommands(), steeringCommands(), moveCommands(), viewCommands()})
+  for (const auto& group : {layoutCommands(), runCommands(), steeringCommands(), moveCommands(),
+                            viewCommands(), pictureCommands()})
     all.insert(all.end(), group.begin(), group.end());
   return all;
 }

@@ -24,8 +24,8 @@ std::int64_t endOf(const Scene& scene, const Life& life) {
 
 /// The first moment from a place on that is so; the life's end when there is none.
 template <class Test>
-std::int64_t firstFrom(std::vector<Moment>::const_iterator place, const std::vector<Moment>& own, std::int64_t end,
-                       Test test) {
+std::int64_t firstFrom(std::vector<Moment>::const_iterator place, const std::vector<Moment>& own,
+                       std::int64_t end, Test test) {
   const auto found = std::find_if(place, own.end(), test);
   return found == own.end() ? end : found->at;
 }
@@ -35,7 +35,8 @@ auto isWord(std::string_view word) {
 }
 
 /// A tool is done with when its end is seen, or when it is given up.
-std::int64_t doneWith(std::vector<Moment>::const_iterator start, const std::vector<Moment>& own, std::int64_t end) {
+std::int64_t doneWith(std::vector<Moment>::const_iterator start, const std::vector<Moment>& own,
+                      std::int64_t end) {
   const auto tool = numberIn(*start, 0);
   return firstFrom(start, own, end, [tool](const Moment& later) {
     return (later.word == "tool-ended" && numberIn(later, 0) == tool) ||
@@ -45,13 +46,14 @@ std::int64_t doneWith(std::vector<Moment>::const_iterator start, const std::vect
 
 /// The tool's verb, or its name.
 std::string stepName(const Moment& start) {
-  const auto name = start.texts[1].substr(start.texts[1].rfind('/') + 1);
-  return name == "launchctl" && start.texts.size() > 2 ? start.texts[2] : name;
+  const auto name = toolName(start, 1);
+  return name.substr(name.find(' ') + 1);
 }
 
 /// The first wait is the intake of requests; later ones are the move's, for the old copy to quit.
 void addWait(Row& row, std::int64_t from, std::int64_t until) {
-  const bool isFirst = std::ranges::none_of(row.spans, [](const Span& span) { return span.kind == SpanKind::Wait; });
+  const bool isFirst =
+      std::ranges::none_of(row.spans, [](const Span& span) { return span.kind == SpanKind::Wait; });
   auto* last = row.spans.empty() ? nullptr : &row.spans.back();
   const bool goesOn = !isFirst && last->kind == SpanKind::Wait && from - last->until < together;
   if (goesOn && last->label != "intake") {
@@ -103,7 +105,8 @@ Row stepsRow(const Scene& scene, const std::vector<Moment>& own) {
   Row row{.kind = RowKind::Steps, .name = "companion " + std::to_string(self.pid)};
   addSteps(row, scene, own, endOf(scene, self));
   for (const auto& moment : own)
-    if (const auto name = markName(moment); !name.empty()) row.marks.push_back({.at = moment.at, .label = name});
+    if (const auto name = markName(moment); !name.empty())
+      row.marks.push_back({.at = moment.at, .label = name});
   const bool killed = self.ending.starts_with("signal");
   if (self.until && !self.lost)
     row.marks.push_back({.at = *self.until, .kind = killed ? MarkKind::Killed : MarkKind::End});
@@ -147,10 +150,13 @@ void addWatch(Row& row, const std::vector<Moment>& own, std::int64_t from, std::
     }
   const bool spares = !kills && until - from > grace + together;
   if (spares) decision = from + grace;
-  row.spans.push_back({.from = from, .until = decision, .kind = SpanKind::Wait, .label = "grace, 2 s at most"});
-  if (kills) row.spans.push_back({.from = decision, .until = until, .kind = SpanKind::Wait, .label = "until gone"});
+  row.spans.push_back(
+      {.from = from, .until = decision, .kind = SpanKind::Wait, .label = "grace, 2 s at most"});
+  if (kills)
+    row.spans.push_back({.from = decision, .until = until, .kind = SpanKind::Wait, .label = "until gone"});
   if (spares)
-    row.spans.push_back({.from = decision, .until = until, .kind = SpanKind::Wait, .label = "spared, 20 s at most"});
+    row.spans.push_back(
+        {.from = decision, .until = until, .kind = SpanKind::Wait, .label = "spared, 20 s at most"});
 }
 
 Row watchRow(const Scene& scene, const std::vector<Moment>& own) {
@@ -182,8 +188,7 @@ Row logRow(const std::vector<Moment>& own) {
 std::vector<Row> companionRows(const Scene& scene) {
   const auto own = momentsOf(scene, scene.self());
   std::vector<Row> rows = {stepsRow(scene, own)};
-  const Row lock{
-      .kind = RowKind::Lock, .name = "its job lock", .spans = lockSpans(scene, own, scene.self())};
+  const Row lock{.kind = RowKind::Lock, .name = "its job lock", .spans = lockSpans(scene, own, scene.self())};
   for (const auto& row : {lock, watchRow(scene, own), logRow(own)})
     if (!row.spans.empty() || !row.marks.empty()) rows.push_back(row);
   return rows;

@@ -8,20 +8,6 @@ namespace {
 /// Starter and started note the same begin each for itself, in either order, this far apart at most.
 constexpr std::int64_t sameBegin = 1'000'000;
 
-std::string baseName(const std::string& path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
-/// launchctl is called by its verb; what the other tools are given are paths and scripts.
-std::string toolName(const std::string& program, const std::string& firstArgument) {
-  const auto name = baseName(program);
-  return name == "launchctl" && !firstArgument.empty() ? name + " " + firstArgument : name;
-}
-
-std::string textAt(const Moment& moment, std::size_t place) {
-  return place < moment.texts.size() ? moment.texts[place] : std::string();
-}
-
 class Registry {
  public:
   void take(const Moment& moment) {
@@ -34,10 +20,9 @@ class Registry {
     if (word == "job") begun(moment, Role::Core, numberIn(moment, 0), "Core");
     if (word == "core") begun(moment, Role::Core, moment.pid, "Core").group = numberIn(moment, 0);
     if (word == "helper") helper(moment);
-    if (word == "tool") begun(moment, Role::Tool, moment.pid, toolName(textAt(moment, 0), textAt(moment, 1)));
+    if (word == "tool") begun(moment, Role::Tool, moment.pid, toolName(moment, 0));
     if (word == "starts" && numberIn(moment, 0) != 0)
-      begun(moment, Role::Tool, numberIn(moment, 0), toolName(textAt(moment, 1), textAt(moment, 2))).parent =
-          moment.pid;
+      begun(moment, Role::Tool, numberIn(moment, 0), toolName(moment, 1)).parent = moment.pid;
     end(moment);
     if (auto* life = last(moment.pid)) heardOf(*life, moment);
   }
@@ -46,7 +31,8 @@ class Registry {
 
  private:
   Life* last(std::int32_t pid) {
-    const auto found = std::find_if(lives.rbegin(), lives.rend(), [pid](const Life& life) { return life.pid == pid; });
+    const auto found =
+        std::find_if(lives.rbegin(), lives.rend(), [pid](const Life& life) { return life.pid == pid; });
     return found == lives.rend() ? nullptr : &*found;
   }
 
@@ -54,7 +40,8 @@ class Registry {
   void meet(const Moment& moment) {
     if (last(moment.pid) != nullptr) return;
     const auto& word = moment.word;
-    if (word == "asked" || word == "reaped" || word == "job") begin(moment, Role::Launchd, moment.pid, "launchd");
+    if (word == "asked" || word == "reaped" || word == "job")
+      begin(moment, Role::Launchd, moment.pid, "launchd");
     if (word == "says") begin(moment, Role::Core, moment.pid, "Core");
   }
 
@@ -125,10 +112,21 @@ std::vector<std::size_t> targetsOf(const Moment& signal, const std::vector<Life>
   std::vector<std::size_t> found;
   for (std::size_t index = 0; index < lives.size(); ++index) {
     const auto& life = lives[index];
-    const bool meant = isGroup ? life.group == target && (life.pid != target || !leaderIsDead) : life.pid == target;
+    const bool meant =
+        isGroup ? life.group == target && (life.pid != target || !leaderIsDead) : life.pid == target;
     if (meant && life.isAt(signal.at)) found.push_back(index);
   }
   return found;
+}
+
+std::string toolName(const Moment& moment, std::size_t place) {
+  const auto& path = moment.texts[place];
+  auto name = path.substr(path.rfind('/') + 1);
+  const auto argument = [&](std::size_t number) {
+    return place + number < moment.texts.size() ? moment.texts[place + number] : std::string();
+  };
+  if (name != "launchctl" || argument(1).empty()) return name;
+  return name + " " + argument(1) + (argument(2) == "-k" ? " -k" : "");
 }
 
 std::optional<std::size_t> lifeOf(std::int32_t pid, std::int64_t moment, const std::vector<Life>& lives) {

@@ -33,7 +33,9 @@ struct Life {
   bool lost = false;
 
   /// Begun before and not known to have ended by then.
-  [[nodiscard]] bool isAt(std::int64_t moment) const { return from <= moment && (!until || *until >= moment); }
+  [[nodiscard]] bool isAt(std::int64_t moment) const {
+    return from <= moment && (!until || *until >= moment);
+  }
 };
 
 /// Every process that the moments, which are in order, tell of, by its begin. A pid that is used again is another life.
@@ -41,6 +43,10 @@ struct Life {
 
 /// Those that live at a moment and are among the targets of a signal: the moment's word is "signals".
 [[nodiscard]] std::vector<std::size_t> targetsOf(const Moment& signal, const std::vector<Life>& lives);
+
+/// What a tool is called whose program and arguments stand among the texts from a place on. launchctl is called by its
+/// verb as well; what others are given are paths and scripts.
+[[nodiscard]] std::string toolName(const Moment& moment, std::size_t place);
 
 /// The last life of a pid that had begun by the moment; absent when there was none.
 [[nodiscard]] std::optional<std::size_t> lifeOf(std::int32_t pid, std::int64_t moment,

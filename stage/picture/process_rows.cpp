@@ -39,20 +39,22 @@ void addPrompt(Row& row, const Scene& scene, const Life& life) {
     asked.reset();
   }
   if (asked)
-    row.spans.push_back(
-        {.from = *asked, .until = life.until.value_or(scene.until), .kind = SpanKind::Step, .label = "prompt"});
+    row.spans.push_back({.from = *asked,
+                         .until = life.until.value_or(scene.until),
+                         .kind = SpanKind::Step,
+                         .label = "prompt"});
 }
 
 std::string shortQuestion(const Moment& asked) {
-  if (asked.texts.empty()) return "";
+  const auto question = questionShown(asked);
   const bool kills = asked.texts.size() > 1 && asked.texts[1] == "-k";
-  return asked.texts[0] + (kills ? " -k" : "");
+  return question.substr(0, question.find(' ')) + (kills ? " -k" : "");
 }
 
-/// What a process says of itself, and what launchd is asked; what the status is, it is asked all the time.
+/// What a process says of itself, and what launchd is asked.
 std::string markName(const Moment& moment) {
   if (moment.word == "says" && !moment.texts[0].starts_with("has ")) return moment.texts[0];
-  if (moment.word == "asked" && shortQuestion(moment) != "service-status") return shortQuestion(moment);
+  if (moment.word == "asked") return shortQuestion(moment);
   if (moment.word == "told") return "told " + signalName(numberIn(moment, 0));
   return "";
 }
@@ -60,7 +62,8 @@ std::string markName(const Moment& moment) {
 void addMarks(Row& row, const Scene& scene, const Life& life) {
   for (const auto& moment : scene.moments)
     if (moment.pid == life.pid && moment.at >= std::max<std::int64_t>(0, life.from))
-      if (const auto name = markName(moment); !name.empty()) row.marks.push_back({.at = moment.at, .label = name});
+      if (const auto name = markName(moment); !name.empty())
+        row.marks.push_back({.at = moment.at, .label = name});
 }
 
 class Table {
@@ -113,7 +116,8 @@ class Table {
     auto found = std::ranges::find_if(rows, [&](const Row& row) {
       return row.kind == RowKind::Tool && row.name == program(life) && row.spans.back().until < span.from;
     });
-    if (found == rows.end()) found = rows.insert(rows.end(), Row{.kind = RowKind::Tool, .name = program(life)});
+    if (found == rows.end())
+      found = rows.insert(rows.end(), Row{.kind = RowKind::Tool, .name = program(life)});
     addPrompt(*found, scene_, life);
     found->spans.push_back(std::move(span));
     addEnd(*found, life);
@@ -127,7 +131,8 @@ class Table {
       if (lives[index].role != Role::Core) continue;
       addOne(index, RowKind::Core);
       for (std::size_t other = 0; other < lives.size(); ++other)
-        if (lives[other].role == Role::Helper && lifeOf(lives[other].parent, lives[other].from, lives) == index)
+        if (lives[other].role == Role::Helper &&
+            lifeOf(lives[other].parent, lives[other].from, lives) == index)
           addOne(other, RowKind::Helper);
     }
     for (std::size_t index = 0; index < lives.size(); ++index)
@@ -170,6 +175,12 @@ std::vector<Arrow> arrowsOf(const Scene& scene, const ProcessRows& rows) {
     arrows.push_back(std::move(arrow));
   }
   return arrows;
+}
+
+std::string questionShown(const Moment& asked) {
+  const auto question = textsFrom(asked, 0);
+  const bool ofDomain = question.starts_with("print ") && std::ranges::count(question, '/') < 2;
+  return question.starts_with("service-status ") || ofDomain ? "" : question.substr(0, question.find('\n'));
 }
 
 std::string signalName(std::int32_t number) {

@@ -23,6 +23,10 @@ struct ProcessRows {
 /// The signals of the scene whose sender and target have a row. Who was killed before gets no second signal.
 [[nodiscard]] std::vector<Arrow> arrowsOf(const Scene& scene, const ProcessRows& rows);
 
+/// What launchd is asked, as far as it is shown: what the status is, it is asked all the time, and who asks for a whole
+/// domain only looks on. Empty for those.
+[[nodiscard]] std::string questionShown(const Moment& asked);
+
 /// "SIGTERM", or the number behind "signal".
 [[nodiscard]] std::string signalName(std::int32_t number);
 

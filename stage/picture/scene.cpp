@@ -46,7 +46,8 @@ std::vector<Moment> momentsSince(std::vector<Moment>::const_iterator begin, cons
 
 std::optional<Scene> lastScene(const JournalReading& reading, const Present& present) {
   const auto& all = reading.moments;
-  const auto last = std::find_if(all.rbegin(), all.rend(), [](const Moment& one) { return one.word == "companion"; });
+  const auto last =
+      std::find_if(all.rbegin(), all.rend(), [](const Moment& one) { return one.word == "companion"; });
   if (last == all.rend()) return std::nullopt;
   const auto begin = last->at;
   Scene scene;

@@ -47,8 +47,9 @@ const Texts layers{"support", "app", "move", "launch", "hardstop", "guard", "pla
 /// What decides, and asks an operating system for nothing but through the platform.
 const Texts deciding{"app", "move", "launch", "hardstop", "guard"};
 /// The rooms that have an order among themselves, from the top down; the product needs none of the played Mac.
-const Texts rooms{"stage/control",  "stage/tools",    "stage/core", "stage/launchd", "stage/common",
-                  "platform/stage", "platform/posix", "platform",   "values/open",   "values"};
+const Texts rooms{"stage/control", "stage/picture", "stage/tools",    "stage/core",
+                  "stage/launchd", "stage/common",  "platform/stage", "platform/posix",
+                  "platform",      "values/open",   "values"};
 const Texts everything{"support", "app",      "move",   "launch", "hardstop",
                        "guard",   "platform", "values", "stage",  "tests"};
 
