@@ -43,12 +43,25 @@ class Teller {
       if (moment.at < 0) continue;
       const bool isAlive = alive && &moment == *alive;
       const auto text = isAlive ? "sees " + nameOf(moment, numberIn(moment, 0)) + " alive" : textOf(moment);
-      if (!text.empty()) told_.push_back({.at = moment.at, .text = who(moment) + " " + text});
+      if (!text.empty()) tell(startOf(moment), who(moment) + " " + text);
     }
     return std::move(told_);
   }
 
  private:
+  /// Who starts a process notes it afterwards, when the process may have noted itself already.
+  [[nodiscard]] std::int64_t startOf(const Moment& moment) const {
+    const bool starts = moment.word == "starts" || moment.word == "job";
+    const auto life = starts ? lifeOf(numberIn(moment, 0), moment.at, scene_.lives) : std::nullopt;
+    return life ? std::max<std::int64_t>(0, scene_.lives[*life].from) : moment.at;
+  }
+
+  /// Before what is later, and before what a process tells that starts in this moment.
+  void tell(std::int64_t at, std::string text) {
+    const auto later = std::ranges::find_if(told_, [at](const Told& told) { return told.at > at; });
+    told_.insert(later, {.at = at, .text = std::move(text)});
+  }
+
   /// The companion's last look at what it then kills.
   [[nodiscard]] std::optional<const Moment*> lastAlive() const {
     std::optional<const Moment*> found;

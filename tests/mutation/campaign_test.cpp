@@ -15,8 +15,8 @@ class CopiedTreeTest : public ::testing::Test {
  protected:
   CopiedTreeTest() {
     put("CMakeLists.txt");
-    for (const auto* folder :
-         {"app", "guard", "hardstop", "launch", "move", "platform", "stage", "tests", "values"})
+    for (const auto* folder : {"app", "guard", "hardstop", "launch", "move", "platform", "stage", "tests",
+                               "values", "docs", "support"})
       put(std::string(folder) + "/one.cpp");
   }
   ~CopiedTreeTest() override { fs::remove_all(root_); }

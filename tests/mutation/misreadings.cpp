@@ -16,7 +16,8 @@ namespace fs = std::filesystem;
 bool isProduct(const std::string& file) {
   if (file.starts_with("platform/macos/") || file.starts_with("values/macos/")) return false;
   const auto folders = decisionFolders();
-  return file == "CMakeLists.txt" || file.starts_with("support/") ||
+  // The played Mac and the reader of the log are no product, but what they tell of one has rules of its own.
+  return file == "CMakeLists.txt" || file.starts_with("stage/") || file.starts_with("support/") ||
          std::ranges::any_of(folders, [&](const auto& folder) { return file.starts_with(folder + "/"); });
 }
 

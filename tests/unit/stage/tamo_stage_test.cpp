@@ -114,7 +114,7 @@ TEST_F(TamoStageTest, HelpNamesEveryCommandOnOneScreen) {
   for (const auto* name :
        {"lay",         "strike", "copy",   "definition", "run",       "send",         "core",
         "approval",    "order",  "tool",   "set",        "launchctl", "applications", "administrator",
-        "translocate", "open",   "status", "ps",         "log",       "receipt"})
+        "translocate", "open",   "status", "ps",         "log",       "receipt",      "picture"})
     EXPECT_THAT(output, ::testing::HasSubstr(std::string("\n  ") + name + " R")) << name;
   EXPECT_LE(std::ranges::count(output, '\n'), 50);
 }
