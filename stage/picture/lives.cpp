@@ -24,6 +24,7 @@ class Registry {
     if (word == "starts" && numberIn(moment, 0) != 0)
       begun(moment, Role::Tool, numberIn(moment, 0), toolName(moment, 1)).parent = moment.pid;
     end(moment);
+    if (word == "signals" || word == "looks") heardOfOthers(moment);
     if (auto* life = last(moment.pid)) heardOf(*life, moment);
   }
 
@@ -85,6 +86,16 @@ class Registry {
     life->until = moment.at;
     life->ending = ending;
     life->seen = moment.at;
+  }
+
+  /// Who is looked at and found alive, or is sent a signal, is heard of without a word of its own.
+  void heardOfOthers(const Moment& moment) {
+    const bool isLook = moment.word == "looks";
+    const bool isGroup = moment.word == "signals" && moment.texts[1] == "group";
+    if (isLook && moment.texts[1] != "alive") return;
+    const auto target = numberIn(moment, isLook ? 0 : 2);
+    for (auto& life : lives)
+      if (!life.until && (isGroup ? life.group : life.pid) == target) life.seen = moment.at;
   }
 
   /// A companion whose terminate request returns goes on for a moment.

@@ -202,6 +202,16 @@ TEST(PictureOfTest, AToolThatIsGivenUpEndsItsStepThere) {
   EXPECT_TRUE(rowOf(picture, "launchctl").spans[0].goesOn);
 }
 
+TEST(PictureOfTest, WhoEndsWithoutAWordBySignalIsDrawnToThat) {
+  JournalBuilder journal;
+  journal.note(0, 100, "companion").note(400, 100, "starts", {"101", "/bin/launchctl", "print", "x"});
+  journal.note(5400, 100, "signals", {"15", "process", "101"}).note(5500, 100, "terminates");
+  const auto picture = drawn(journal);
+  EXPECT_EQ(picture.arrows.size(), 1U);
+  EXPECT_TRUE(rowOf(picture, "launchctl").spans[0].lost);
+  EXPECT_EQ(rowOf(picture, "launchctl").spans[0].until, 5'400'000);
+}
+
 TEST(PictureOfTest, ToolsThatRunAtOnceHaveARowEach) {
   JournalBuilder journal;
   journal.note(0, 100, "companion").note(10, 101, "tool", {"launchctl", "print"});

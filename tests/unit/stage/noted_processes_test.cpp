@@ -1,13 +1,12 @@
+#include "platform/stage/noted_processes.hpp"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "fakes/fake_clock.hpp"
 #include "fakes/fake_kernel_processes.hpp"
 #include "fakes/fake_lock_files.hpp"
 #include "fakes/fake_threads.hpp"
-#include "platform/stage/noted_processes.hpp"
-#include "stage/picture/journal_reading.hpp"
-#include "temporary_stage.hpp"
+#include "noting_test.hpp"
 
 /// What a companion asks for is done as before, and noted.
 namespace tamo::stage {
@@ -15,25 +14,9 @@ namespace {
 
 using ::testing::ElementsAre;
 
-class NotedCallsTest : public ::testing::Test {
- protected:
-  NotedCallsTest() { stage.write("/.stage/journal", ""); }
+class NotedProcessesTest : public NotingTest {};
 
-  /// "WORD TEXT TEXT…" of each moment.
-  [[nodiscard]] std::vector<std::string> noted() const {
-    std::vector<std::string> lines;
-    for (const auto& moment : readJournal(stage.read("/.stage/journal")).moments)
-      lines.push_back(moment.word + (moment.texts.empty() ? "" : " ") + textsFrom(moment, 0));
-    return lines;
-  }
-
-  TemporaryStage stage;
-  Journal journal{stage.root};
-  fakes::Ledger ledger;
-  fakes::FakeClock clock{ledger};
-};
-
-TEST_F(NotedCallsTest, ALookTellsWhetherThereIsAProcessAndWhetherItIsDead) {
+TEST_F(NotedProcessesTest, ALookTellsWhetherThereIsAProcessAndWhetherItIsDead) {
   fakes::FakeKernelProcesses kernel(ledger, clock);
   kernel.processes[5] = {.startSeconds = 1, .group = 5};
   kernel.processes[6] = {.startSeconds = 1, .group = 6, .zombie = true};
@@ -44,7 +27,7 @@ TEST_F(NotedCallsTest, ALookTellsWhetherThereIsAProcessAndWhetherItIsDead) {
   EXPECT_THAT(noted(), ElementsAre("looks 5 alive", "looks 6 dead", "looks 7 none"));
 }
 
-TEST_F(NotedCallsTest, ASignalIsNotedBeforeItIsSentWithItsTarget) {
+TEST_F(NotedProcessesTest, ASignalIsNotedBeforeItIsSentWithItsTarget) {
   fakes::FakeKernelProcesses kernel(ledger, clock);
   std::vector<std::string> before;
   kernel.onKill = [&](std::int32_t) { before = noted(); };
@@ -56,7 +39,7 @@ TEST_F(NotedCallsTest, ASignalIsNotedBeforeItIsSentWithItsTarget) {
   EXPECT_THAT(ledger.texts(), ElementsAre("kernel: kill 5", "kernel: kill group 6"));
 }
 
-TEST_F(NotedCallsTest, ALockIsNotedWhenItIsTriedAndLetGo) {
+TEST_F(NotedProcessesTest, ALockIsNotedWhenItIsTriedAndLetGo) {
   fakes::FakeLockFiles locks(ledger, clock);
   NotedLockFiles noting(locks, journal);
   locks.heldUntil = std::chrono::hours(1);
@@ -70,7 +53,7 @@ TEST_F(NotedCallsTest, ALockIsNotedWhenItIsTriedAndLetGo) {
               ElementsAre("lock: open /lock", "lock: try", "lock: try", "lock: unlock 7", "lock: close 7"));
 }
 
-TEST_F(NotedCallsTest, AThreadsWorkIsNotedAtItsBeginAndItsEnd) {
+TEST_F(NotedProcessesTest, AThreadsWorkIsNotedAtItsBeginAndItsEnd) {
   fakes::FakeThreads threads(ledger, clock);
   std::vector<std::string> meanwhile;
   EXPECT_TRUE(NotedThreads(threads, journal).detach([&] { meanwhile = noted(); }));
