@@ -50,20 +50,27 @@ std::string stepName(const Moment& start) {
   return name.substr(name.find(' ') + 1);
 }
 
-/// The first wait is the intake of requests; later ones are the move's, for the old copy to quit.
+/// The first wait is the intake of requests; later ones are the move's, one look after the other.
 void addWait(Row& row, std::int64_t from, std::int64_t until) {
+  constexpr auto quitting = "until Tamo quits";
   const bool isFirst =
-      std::ranges::none_of(row.spans, [](const Span& span) { return span.kind == SpanKind::Wait; });
-  auto* last = row.spans.empty() ? nullptr : &row.spans.back();
-  const bool goesOn = !isFirst && last->kind == SpanKind::Wait && from - last->until < together;
-  if (goesOn && last->label != "intake") {
-    last->until = until;
+      std::ranges::none_of(row.spans, [](const Span& span) { return span.label == "intake"; });
+  const bool follows = !row.spans.empty() && row.spans.back().label == quitting;
+  if (follows && from - row.spans.back().until < together) {
+    row.spans.back().until = until;
     return;
   }
   row.spans.push_back({.from = isFirst ? 0 : from,
                        .until = until,
                        .kind = SpanKind::Wait,
-                       .label = isFirst ? "intake" : "until Tamo quits"});
+                       .label = isFirst ? "intake" : quitting});
+}
+
+/// Who gives a tool up has waited for it as long as the rule says.
+bool isGivenUp(std::vector<Moment>::const_iterator start, const std::vector<Moment>& own) {
+  return std::any_of(start, own.end(), [&start](const Moment& later) {
+    return later.word == "signals" && numberIn(later, 2) == numberIn(*start, 0);
+  });
 }
 
 /// Its starter notes a tool after the start, when the tool may have noted itself.
@@ -72,14 +79,19 @@ std::int64_t startOf(const Moment& start, const std::vector<Life>& lives) {
   return tool ? std::max<std::int64_t>(0, lives[*tool].from) : start.at;
 }
 
+void addTool(Row& row, const Scene& scene, const std::vector<Moment>& own,
+             std::vector<Moment>::const_iterator start, std::int64_t end) {
+  const bool givenUp = isGivenUp(start, own);
+  row.spans.push_back({.from = startOf(*start, scene.lives),
+                       .until = doneWith(start, own, end),
+                       .kind = givenUp ? SpanKind::Wait : SpanKind::Step,
+                       .label = stepName(*start) + (givenUp ? ", given up" : "")});
+}
+
 void addSteps(Row& row, const Scene& scene, const std::vector<Moment>& own, std::int64_t end) {
   for (auto moment = own.begin(); moment != own.end(); ++moment) {
     if (moment->word == "waits") addWait(row, moment->at, firstFrom(moment, own, end, isWord("goes-on")));
-    if (moment->word == "starts")
-      row.spans.push_back({.from = startOf(*moment, scene.lives),
-                           .until = doneWith(moment, own, end),
-                           .kind = SpanKind::Step,
-                           .label = stepName(*moment)});
+    if (moment->word == "starts") addTool(row, scene, own, moment, end);
     if (moment->word == "opens")
       row.spans.push_back({.from = moment->at,
                            .until = firstFrom(moment, own, end, isWord("opened")),

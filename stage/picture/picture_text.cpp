@@ -79,20 +79,20 @@ class Drawing {
         scale_(shownMoments(picture), static_cast<double>(columns - names_ - 1)) {}
 
   std::string all() {
-    paragraph(picture_.title, "");
+    paragraph(picture_.title);
     ruler();
     for (std::size_t index = 0; index < picture_.rows.size(); ++index)
       row(index);
     text_ += "\n";
-    paragraph(picture_.sum, "");
+    paragraph(picture_.sum);
     for (const auto& remark : picture_.remarks)
-      paragraph(remark, "");
+      paragraph(remark);
     text_ += "\n";
     for (const auto& told : picture_.told)
-      paragraph(secondsText(told.at, 3) + "  " + told.text, "         ");
+      paragraph(told.text, secondsText(told.at, 3) + "  ");
     text_ += "\n";
-    paragraph(legend, "");
-    paragraph("Later is further right, but not evenly.", "");
+    paragraph(legend);
+    paragraph("Later is further right, but not evenly.");
     return std::move(text_);
   }
 
@@ -102,12 +102,12 @@ class Drawing {
     return std::min(chart() - 1, static_cast<std::size_t>(std::lround(scale_.place(moment))));
   }
 
-  void paragraph(std::string_view words, std::string_view indent) {
-    bool first = true;
-    for (const auto& line : wrapped(words, columns_ - indent.size())) {
-      text_.append(first ? "" : indent).append(line).append("\n");
-      // The first line has its own opening where the others have the indent, so it may be as long as they are.
-      first = false;
+  /// Words behind an opening, under which their further lines begin as well.
+  void paragraph(std::string_view words, const std::string& opening = "") {
+    auto front = opening;
+    for (const auto& line : wrapped(words, columns_ - opening.size())) {
+      text_.append(front).append(line).append("\n");
+      front.assign(opening.size(), ' ');
     }
   }
 

@@ -191,12 +191,13 @@ TEST(PictureOfTest, ACompanionThatWasKilledIsDrawnToItsLastMoment) {
   EXPECT_THAT(picture.remarks, ElementsAre("The companion has ended without a word; nobody noted when."));
 }
 
-TEST(PictureOfTest, AToolThatIsGivenUpEndsItsStepThere) {
+TEST(PictureOfTest, AToolThatIsGivenUpWasWaitedForByARule) {
   JournalBuilder journal;
   journal.note(0, 100, "companion").note(400, 100, "starts", {"101", "/bin/launchctl", "print", "x"});
   journal.note(5400, 100, "signals", {"15", "process", "101"}).note(5500, 100, "terminates");
   const auto picture = drawn(journal, {.living = {101}});
-  EXPECT_THAT(spansOf(picture.rows[0], SpanKind::Step), ElementsAre("400-5400 print"));
+  EXPECT_THAT(spansOf(picture.rows[0], SpanKind::Step), IsEmpty());
+  EXPECT_THAT(spansOf(picture.rows[0], SpanKind::Wait), ElementsAre("400-5400 print, given up"));
   ASSERT_EQ(picture.arrows.size(), 1U);
   EXPECT_EQ(namesOf(picture)[picture.arrows[0].to[0]], "launchctl");
   EXPECT_TRUE(rowOf(picture, "launchctl").spans[0].goesOn);
