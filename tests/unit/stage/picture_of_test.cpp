@@ -158,6 +158,19 @@ TEST(PictureOfTest, ACoreThatIsSparedIsWaitedFor) {
   EXPECT_EQ(picture.sum, "asked at 0.50 s, gone by itself at 4.00 s");
 }
 
+TEST(PictureOfTest, ACoreThatExitsInTimeIsNeitherKilledNorSpared) {
+  JournalBuilder journal;
+  journal.note(0, 1, "launchd").note(1, 50, "core", {"50"}).note(1000, 100, "companion");
+  journal.note(1500, 100, "watches").note(1501, 1, "signals", {"15", "process", "50"});
+  journal.note(2000, 1, "reaped", {"50", "exited", "0"})
+      .note(2050, 100, "watched")
+      .note(2060, 100, "terminates");
+  const auto picture = drawn(journal);
+  EXPECT_THAT(spansOf(rowOf(picture, "its watch"), SpanKind::Wait),
+              ElementsAre("500-1050 grace, 2 s at most"));
+  EXPECT_EQ(picture.sum, "asked at 0.50 s, gone by itself at 1.00 s");
+}
+
 TEST(PictureOfTest, WhoHasTheLockMeanwhileHasARowOfItsOwn) {
   JournalBuilder journal;
   journal.note(0, 90, "companion").note(10, 90, "lock", {"gained"}).note(1000, 100, "companion");
