@@ -37,7 +37,7 @@ sigset_t terminationsOnlyInWaits() {
   sigaddset(&term, SIGTERM);
   ::sigprocmask(SIG_BLOCK, &term, &before);
   sigdelset(&before, SIGTERM);
-  struct sigaction action {};
+  struct sigaction action{};
   action.sa_handler = noteTermination;
   ::sigaction(SIGTERM, &action, nullptr);
   return before;
