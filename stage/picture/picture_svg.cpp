@@ -9,7 +9,7 @@ namespace {
 
 constexpr double width = 960;
 constexpr double chartLeft = 150;
-constexpr double chartRight = 936;
+constexpr double chartRight = 912;
 constexpr double lineHeight = 16;
 constexpr std::size_t lineColumns = 138;
 

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "stage/picture/companion_rows.hpp"
+#include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -19,9 +20,10 @@ Span spanOf(const Scene& scene, const Life& life) {
 
 void addEnd(Row& row, const Life& life) {
   if (!life.until || life.lost) return;
-  const bool killed = life.ending.starts_with("signal");
-  row.marks.push_back(
-      {.at = *life.until, .kind = killed ? MarkKind::Killed : MarkKind::End, .label = life.ending});
+  const bool killed = life.ending.starts_with("signal ");
+  const auto signal = killed ? values::decimalInt32(life.ending.substr(7)) : std::nullopt;
+  const auto label = signal ? "by " + signalName(*signal) : life.ending;
+  row.marks.push_back({.at = *life.until, .kind = killed ? MarkKind::Killed : MarkKind::End, .label = label});
 }
 
 std::string program(const Life& life) {

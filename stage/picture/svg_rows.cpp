@@ -16,6 +16,8 @@ constexpr double barMiddle = 21;
 constexpr double nameLine = 24;
 /// How far a label may stand beside what it names.
 constexpr double slack = 42;
+/// How far the labels of the last moments may stand beside the chart.
+constexpr double beyond = 38;
 constexpr double letterRadius = 6.5;
 
 std::string text(double value) {
@@ -34,7 +36,7 @@ class Chart {
   double draw() {
     ruler();
     for (std::size_t index = 0; index < picture_.rows.size(); ++index)
-      labels_.emplace_back(place_.width, 5.0);
+      labels_.emplace_back(place_.width + beyond, 5.0);
     for (std::size_t index = 0; index < picture_.rows.size(); ++index)
       background(index);
     guides();
@@ -105,7 +107,7 @@ class Chart {
     svg_.leaf("rect", {{"class", "band"},
                        {"x", "1"},
                        {"y", text(top(index))},
-                       {"width", text(place_.left + place_.width + 14)},
+                       {"width", text(place_.left + place_.width + 47)},
                        {"height", text(rowHeight)}});
   }
 
