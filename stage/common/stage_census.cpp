@@ -29,7 +29,8 @@ std::vector<pid_t> allPids() {
 /// The name in parentheses may hold anything, so the fields begin after the last one.
 std::optional<StageProcess> fromStat(pid_t pid) {
   const auto stat = procFile(pid, "stat");
-  const auto name = stat ? stat->rfind(')') : std::string::npos;
+  if (!stat) return std::nullopt;
+  const auto name = stat->rfind(')');
   if (name == std::string::npos) return std::nullopt;
   StageProcess process{.pid = pid};
   std::istringstream fields(stat->substr(name + 1));

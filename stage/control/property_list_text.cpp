@@ -32,10 +32,10 @@ class XmlWriter {
   void write(const PropertyList& list) {
     std::visit([this](const auto& value) { element(value); }, list.value);
   }
-  std::string text;
+  [[nodiscard]] const std::string& text() const { return text_; }
 
  private:
-  void line(const std::string& what) { text += std::string(depth_, '\t') + what + "\n"; }
+  void line(const std::string& what) { text_ += std::string(depth_, '\t') + what + "\n"; }
 
   // NOLINTNEXTLINE(readability-convert-member-functions-to-static): called as one of the overloads.
   void element(const PropertyList::Other& /*value*/) {
@@ -65,6 +65,7 @@ class XmlWriter {
     line("</dict>");
   }
 
+  std::string text_;
   std::size_t depth_ = 0;
 };
 
@@ -84,7 +85,7 @@ std::string xmlPropertyList(const PropertyList& list) {
          "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
          "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
          "<plist version=\"1.0\">\n" +
-         writer.text + "</plist>\n";
+         writer.text() + "</plist>\n";
 }
 
 /// By way of the XML form, which the library reads, so that there is one writer here.

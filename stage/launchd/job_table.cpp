@@ -68,6 +68,7 @@ const Job* JobTable::find(const std::string& label) const {
 
 std::vector<const Job*> JobTable::all() const {
   std::vector<const Job*> jobs;
+  jobs.reserve(jobs_.size());
   for (const auto& [label, entry] : jobs_)
     jobs.push_back(&entry);
   return jobs;

@@ -34,6 +34,7 @@ void LaunchdClients::addTo(std::vector<pollfd>& polled) const {
 
 void LaunchdClients::serve(const std::vector<pollfd>& polled) {
   std::vector<std::uint64_t> numbers;
+  numbers.reserve(clients_.size());
   for (const auto& [number, client] : clients_)
     numbers.push_back(number);
   for (const auto number : numbers)

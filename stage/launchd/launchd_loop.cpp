@@ -66,7 +66,7 @@ class Loop {
     while (turn()) {
     }
     LaunchdProcesses::endAll();
-    if (launchd_.shutdown()) (*launchd_.shutdown())({});
+    if (const auto& reply = launchd_.shutdown()) (*reply)({});
     clients_.finish();
   }
 
@@ -76,11 +76,11 @@ class Loop {
     std::vector<pollfd> polled = {{.fd = signals_.get(), .events = POLLIN, .revents = 0}};
     clients_.addTo(polled);
     ::poll(polled.data(), polled.size(), static_cast<int>(pause().count()));
-    const bool told = endAsked(signals_);
+    const bool asked = endAsked(signals_);
     processes_.reap(launchd_.jobs(), Clock::now());
     launchd_.tick(Clock::now());
     clients_.serve(polled);
-    return !told && !launchd_.shutdown() && presence_.isThere();
+    return !asked && !launchd_.shutdown() && presence_.isThere();
   }
 
   /// A second at most, so that the stage's end is noticed.

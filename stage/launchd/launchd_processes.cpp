@@ -29,6 +29,7 @@ std::vector<std::string> environmentFor(const StageRoot& root, const JobDefiniti
   variables["XPC_SERVICE_NAME"] = definition.label;
   variables["TAMO_STAGE"] = root.directory();
   std::vector<std::string> environment;
+  environment.reserve(variables.size());
   for (const auto& [name, value] : variables)
     environment.push_back(name + "=" + value);
   return environment;
