@@ -10,7 +10,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/building.sh
 
-folders=(values platform guard hardstop launch move app stage)
+folders=(values platform guard hardstop launch move app support stage)
 tidy=build/tidy
 
 # One a line, the largest first: a unit and its sources. The tests have none, what is only the precompiled headers has
