@@ -8,12 +8,12 @@ namespace tamo::support {
 namespace {
 
 /// As much at a time as stays in a processor's cache until it has been searched.
-constexpr std::size_t piece = std::size_t{1} << 18U;
+constexpr std::size_t piece = std::size_t{1} << 16U;
 
 }  // namespace
 
 LineFeed::LineFeed(Source source, std::string marker)
-    : source_(std::move(source)), marker_(std::move(marker)), buffer_(longestLine + 1 + piece, '\0') {}
+    : source_(std::move(source)), marker_(std::move(marker)) {}
 
 std::optional<Line> LineFeed::next() {
   if (skips_) skipRest();
@@ -36,15 +36,16 @@ std::optional<std::size_t> LineFeed::lineEnd() {
   return static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
 }
 
-/// What is left moves to the front. A marker that the end of the buffer cuts in two belongs to a line that is not
-/// whole yet, and is looked for again.
+/// What is left moves to the front, and the buffer grows where a line needs it. A marker that the end of the buffer cuts
+/// in two belongs to a line that is not whole yet, and is looked for again.
 bool LineFeed::fill() {
   std::memmove(buffer_.data(), buffer_.data() + at_, filled_ - at_);
   searched_ -= at_;
   filled_ -= at_;
   at_ = 0;
   markerAt_.reset();
-  const auto added = source_(buffer_.data() + filled_, std::min(piece, buffer_.size() - filled_));
+  if (buffer_.size() < filled_ + piece) buffer_.resize(filled_ + piece);
+  const auto added = source_(buffer_.data() + filled_, piece);
   filled_ += added;
   return added != 0;
 }

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 
 #include "fuzz/insist.hpp"
 #include "fuzz/target.hpp"
@@ -24,7 +24,7 @@ Told told(std::string_view log, std::size_t piece, const support::Manner& manner
   Told result;
   const auto source = [log, piece, at = std::size_t{0}](char* buffer, std::size_t size) mutable {
     const auto given = std::min({piece, size, log.size() - at});
-    std::memcpy(buffer, log.data() + at, given);
+    std::copy_n(log.begin() + static_cast<std::ptrdiff_t>(at), given, buffer);
     at += given;
     return given;
   };

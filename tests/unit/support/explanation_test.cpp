@@ -111,6 +111,10 @@ TEST(ExplanationTest, ARestartThatNobodyWatchedIsTold) {
   EXPECT_THAT(told({same, restarted}), HasSubstr("nobody was killed"));
 }
 
+TEST(ExplanationTest, ARegisteringWatchesNobodyAndSaysNothingOfIt) {
+  EXPECT_THAT(story({"register -> status 1 ok Optional(true) kickstart 0<private>"}).headings, IsEmpty());
+}
+
 TEST(ExplanationTest, WithoutAGraphicalSessionNothingHappened) {
   for (const auto* number : {"112", "125"}) {
     const Texts lines{"register -> status 1 ok Optional(true) kickstart " + std::string(number) +
