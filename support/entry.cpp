@@ -116,13 +116,13 @@ std::string_view takeColumn(std::string_view& rest) {
 /// The stage writes a tab, a line break and a backslash in a text with a backslash.
 std::string unescapedColumn(std::string_view column) {
   std::string text;
-  for (std::size_t at = 0; at < column.size(); ++at) {
-    const bool escape = column[at] == '\\' && at + 1 < column.size();
-    if (escape) ++at;
-    const char named = column[at] == 't' ? '\t' : column[at] == 'n' ? '\n' : column[at];
-    text += escape ? named : column[at];
+  while (column.contains('\\') && column.find('\\') + 1 < column.size()) {
+    const auto at = column.find('\\');
+    const char named = column[at + 1];
+    text.append(column.substr(0, at)) += named == 't' ? '\t' : named == 'n' ? '\n' : named;
+    column.remove_prefix(at + 2);
   }
-  return text;
+  return text.append(column);
 }
 
 /// Seven columns: the time, the pid, the level, the subsystem, the category, the text, and the text with its marks,

@@ -87,8 +87,7 @@ void Printer::labelled(const std::string& label, const std::vector<std::string>&
 void Printer::page(const std::vector<std::string>& headings) {
   for (const auto& name : headings) {
     const bool again = !shown_.insert(name).second;
-    out_(paragraph("docs/troubleshooting.md, \"" + name + "\"" + (again ? ", shown above" : ":"),
-                   {"  ", "    "}, width_));
+    out_(body("docs/troubleshooting.md, \"" + name + "\"" + (again ? ", shown above" : ":"), 2, 4));
     const auto text = again ? std::nullopt : section(troubleshootingPage(), name);
     if (text) out_(typeset(*text, "  | ", width_));
   }

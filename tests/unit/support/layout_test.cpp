@@ -27,6 +27,17 @@ TEST(LayoutTest, AWordThatIsLongerThanALineIsCut) {
   EXPECT_EQ(paragraph("x abcdefghijk", {"", " "}, 10), "x\n abcdefghi\n jk\n");
 }
 
+/// A text with a character of two bytes goes another way than one without.
+TEST(LayoutTest, BothWaysOfSettingAgree) {
+  const std::string words =
+      "a bb ccc dddd eeeee ffffff ggggggg hhhhhhhhhhhhhhhhhhhhhhhhhhhhhhh i jj kkkkkkkkkk l";
+  for (std::size_t width = 9; width < 90; ++width) {
+    auto accented = paragraph(words + " \u00e4", {"- ", "   "}, width);
+    accented.replace(accented.find("\u00e4"), 2, "z");
+    EXPECT_EQ(paragraph(words + " z", {"- ", "   "}, width), accented) << width;
+  }
+}
+
 TEST(LayoutTest, CharactersAreCountedNotBytes) {
   EXPECT_EQ(paragraph("ää öö üü", {}, 8), "ää öö üü\n");
   EXPECT_EQ(paragraph("ääääääääää€€€€€€€€€€", {}, 10), "ääääääääää\n€€€€€€€€€€\n");
