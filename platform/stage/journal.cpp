@@ -35,7 +35,7 @@ void Journal::note(std::string_view word, const std::vector<std::string>& texts)
   const auto line = journalLine(monotonicMicroseconds(), ::getpid(), word, texts);
   const platform::Descriptor file(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
   // One write to the end, so that the lines of several processes stay whole.
-  if (file) static_cast<void>(!::write(file.get(), line.data(), line.size()));
+  if (file) static_cast<void>(::write(file.get(), line.data(), line.size()));
   errno = before;
 }
 
@@ -53,13 +53,7 @@ std::string journalText(std::string_view text) {
 }
 
 std::string textFromJournal(std::string_view text) {
-  std::string plain;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const bool named = text[at] == '\\' && at + 1 < text.size();
-    if (named) ++at;
-    plain += named && text[at] == 't' ? '\t' : named && text[at] == 'n' ? '\n' : text[at];
-  }
-  return plain;
+  return unescaped(text);
 }
 
 }  // namespace tamo::stage

@@ -7,24 +7,12 @@
 #include <fstream>
 #include <thread>
 
+#include "platform/stage/stage_log.hpp"
+
 namespace tamo::acceptance {
 namespace {
 
 using namespace std::chrono;
-
-std::string unescaped(std::string_view text) {
-  std::string plain;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const bool escape = text[at] == '\\' && at + 1 < text.size();
-    if (escape) ++at;
-    if (!escape || text[at] == '\\') {
-      plain += text[at];
-    } else {
-      plain += text[at] == 'n' ? '\n' : text[at] == 't' ? '\t' : text[at];
-    }
-  }
-  return plain;
-}
 
 std::optional<std::int64_t> timeOf(const std::string& text) {
   int year = 0;
@@ -75,7 +63,7 @@ std::optional<Line> lineOfStage(std::string_view columns) {
   return Line{.time = *time,
               .pid = std::atoi(std::string(parts[1]).c_str()),
               .level = parts[2] == "error" ? Level::Error : Level::Default,
-              .text = unescaped(parts[5]),
+              .text = stage::unescaped(parts[5]),
               .marks = marksOfColumn(parts[6])};
 }
 

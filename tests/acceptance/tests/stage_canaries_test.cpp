@@ -80,6 +80,12 @@ TEST(LineOfStageTest, AllColumnsAreRead) {
   EXPECT_EQ(line->marks, (std::vector{Mark::Public, Mark::Private}));
 }
 
+TEST(LineOfStageTest, AControlCharacterIsReadFromItsNumber) {
+  const auto line = lineOfStage("1970-01-01T00:00:01.250Z\t42\terror\ts\tl\ta\\x1b[2J\\\\x1b\tmarks");
+  ASSERT_TRUE(line.has_value());
+  EXPECT_EQ(line->text, "a\x1b[2J\\x1b");
+}
+
 TEST(LineOfStageTest, WhatIsNoLineIsNone) {
   EXPECT_FALSE(lineOfStage("").has_value());
   EXPECT_FALSE(lineOfStage("yesterday\t42\terror\ts\tl\ta\tb").has_value());

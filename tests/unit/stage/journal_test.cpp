@@ -17,7 +17,7 @@ TEST(JournalTest, AMomentIsALineOfItsTimeThePidTheWordAndTheTexts) {
 }
 
 TEST(JournalTest, ATextComesBackAsItWas) {
-  for (const auto* text : {"", "plain", "a\tb\nc\\d\\\\n", "\\", "\\t", "é·"}) {
+  for (const auto* text : {"", "plain", "a\tb\nc\\d\\\\n", "\\", "\\t", "é·", "\x1b[2J\x7f", "\\x1b"}) {
     EXPECT_EQ(textFromJournal(journalText(text)), text);
     EXPECT_EQ(journalText(text).find_first_of("\t\n"), std::string::npos) << text;
   }
