@@ -148,18 +148,14 @@ std::string unescaped(std::string_view rest) {
   return text;
 }
 
-void take(LogObject& object, std::string_view name, std::string value) {
-  if (name == "timestamp") object.timestamp = std::move(value);
-  if (name == "processID") object.process = std::move(value);
-  if (name == "subsystem") object.subsystem = std::move(value);
-  if (name == "messageType") object.type = std::move(value);
-  if (name == "eventType") object.event = std::move(value);
-  if (name == "eventMessage") object.message = std::move(value);
-}
-
-bool isOfUse(std::string_view name) {
-  return name == "timestamp" || name == "processID" || name == "subsystem" || name == "messageType" ||
-         name == "eventType" || name == "eventMessage";
+/// Where the value of a member belongs; nowhere when nobody asks for it.
+std::string* placeOf(LogObject& object, std::string_view name) {
+  if (name == "timestamp") return &object.timestamp;
+  if (name == "processID") return &object.process;
+  if (name == "subsystem") return &object.subsystem;
+  if (name == "messageType") return &object.type;
+  if (name == "eventType") return &object.event;
+  return name == "eventMessage" ? &object.message.emplace() : nullptr;
 }
 
 void member(Reader& reader, LogObject& object) {
@@ -167,7 +163,8 @@ void member(Reader& reader, LogObject& object) {
   reader.needs(':');
   const bool isText = reader.isText();
   const auto value = isText ? reader.quoted() : reader.plain();
-  if (reader.good() && isOfUse(name)) take(object, name, isText ? unescaped(value) : std::string(value));
+  auto* place = reader.good() ? placeOf(object, name) : nullptr;
+  if (place != nullptr) *place = isText ? unescaped(value) : std::string(value);
 }
 
 }  // namespace

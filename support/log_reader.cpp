@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t mostStrays = 20;
 constexpr std::size_t shownBytes = 4096;
 /// A message that goes on for longer than this is not the companion's.
-constexpr std::size_t mostLines = 16;
+constexpr std::size_t mostMessageLines = 16;
 /// Two processes may be out of order by a moment.
 constexpr std::int64_t outOfOrderMicros = 1'000'000;
 
@@ -57,14 +57,16 @@ void LogReader::takeProduct(const Line& line, Entry entry) {
 
 bool LogReader::understood(const Entry& entry) {
   auto message = messageIn(entry.message);
-  if (message) actions_.take(entry.pid, {.at = entry.at, .message = *std::move(message)});
-  return message.has_value();
+  if (!message) return false;
+  actions_.take(entry.pid, {.at = entry.at, .message = *std::move(message)});
+  return true;
 }
 
 /// A line without a form of its own may be the rest of a message. Nothing tells where a message ends, so it ends as soon
 /// as it says something.
 bool LogReader::goesOn(const Line& line) {
-  if (!unfinished_ || unfinished_->lines.size() == mostLines || line.text.size() > shownBytes) return false;
+  if (!unfinished_ || unfinished_->lines.size() == mostMessageLines || line.text.size() > shownBytes)
+    return false;
   unfinished_->entry.message.append("\n").append(line.text);
   unfinished_->lines.push_back(asItIs(line));
   if (understood(unfinished_->entry)) unfinished_.reset();

@@ -1,5 +1,7 @@
 #include "support/outcome_words.hpp"
 
+#include <algorithm>
+
 #include "app/success_rule.hpp"
 #include "launch/agent_registration.hpp"
 #include "support/error_words.hpp"
@@ -43,7 +45,7 @@ std::string wayInWords(const Facts& facts) {
 }
 
 std::string statusSentence(const OutcomeSaid& said) {
-  std::string text = "The agent's status is " + statusInWords(said.status);
+  const std::string text = "The agent's status is " + statusInWords(said.status);
   const auto expected = SuccessRule::expectedStatus(said.action);
   if (said.error || !expected || said.action == "status") return text + ".";
   if (said.ok.value_or(false)) return text + ", as it has to be after this action.";
@@ -55,9 +57,7 @@ bool isNoSession(const OutcomeSaid& said) {
 }
 
 bool coreMayLive(const Facts& facts) {
-  for (const auto* stop : facts.hardStops)
-    if (!stop->gone) return true;
-  return false;
+  return std::ranges::any_of(facts.hardStops, [](const auto* stop) { return !stop->gone; });
 }
 
 void addKickstartAdvice(Story& story, const OutcomeSaid& said) {

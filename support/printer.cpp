@@ -62,8 +62,8 @@ const std::string& Printer::body(const std::string& text, std::size_t first, std
   const auto found = known.find(text);
   if (found != known.end()) return found->second;
   if (known.size() == most) known.clear();
-  const std::string blanks(std::max(first, others), ' ');
-  const auto margin = [&](std::size_t size) { return std::string_view(blanks).substr(0, size); };
+  const std::string margins(std::max(first, others), ' ');
+  const auto margin = [&](std::size_t size) { return std::string_view(margins).substr(0, size); };
   return known[text] = paragraph(text, {margin(first), margin(others)}, width_);
 }
 

@@ -95,16 +95,17 @@ Advice killedAdvice(const HardStopSaid& said) {
                   std::to_string(said.pid) + "); if it is, restart the Mac."};
 }
 
+std::string_view unreadInWords(const DefinitionSaid& said) {
+  if (!isUnknown(said.loaded)) return "the bundled one could not be read";
+  return isUnknown(said.bundled) ? "neither could be read" : "launchd's could not be read";
+}
+
 }  // namespace
 
 std::string definitionStep(const DefinitionSaid& said) {
   const std::string compared = "Compared launchd's definition of the Core's job with the bundled one: ";
-  if (isUnknown(said.loaded) || isUnknown(said.bundled)) {
-    const bool both = isUnknown(said.loaded) && isUnknown(said.bundled);
-    const std::string side = both ? "neither" : isUnknown(said.loaded) ? "launchd's" : "the bundled one";
-    return compared + side + (both ? " could be read" : " could not be read") +
-           ", which counts as unchanged.";
-  }
+  if (isUnknown(said.loaded) || isUnknown(said.bundled))
+    return compared + std::string(unreadInWords(said)) + ", which counts as unchanged.";
   return compared + (said.changed ? "changed; " : "not changed; ") + sidesInWords(said) + ".";
 }
 

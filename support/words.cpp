@@ -52,8 +52,9 @@ std::string statusInWords(std::int64_t status) {
 }
 
 std::string_view purposeOf(std::string_view action) {
-  const auto found = std::ranges::find(purposes, action, [](const auto& purpose) { return purpose.first; });
-  return found == purposes.end() ? std::string_view() : found->second;
+  for (const auto& [name, purpose] : purposes)
+    if (name == action) return purpose;
+  return {};
 }
 
 }  // namespace tamo::support

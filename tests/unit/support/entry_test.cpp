@@ -63,6 +63,13 @@ TEST(EntryTest, AStagesTextIsUnescaped) {
   EXPECT_EQ(found.entry->message, "a\tb\nc\\d\\");
 }
 
+TEST(EntryTest, AControlCharacterOfAStagesTextIsReadFromItsNumber) {
+  const auto found = read(
+      "2026-11-21T23:00:00.123Z\t8\tdefault\tstudio.pell.Tamo.Core\tlifecycle\ta\\x1b["
+      "2J\\x7f\\\\x1b\\xg\tmarks");
+  EXPECT_EQ(found.entry->message, "a\x1b[2J\x7f\\x1bxg");
+}
+
 TEST(EntryTest, AnotherProgramsEntryIsForeignEvenIfItNamesTheProduct) {
   for (
       const auto* line :
