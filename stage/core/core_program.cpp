@@ -23,10 +23,10 @@ using Clock = std::chrono::steady_clock;
 using Term = CoreBehaviour::Term;
 
 /// Set when SIGTERM came, which it does only while the Core waits.
-volatile std::sig_atomic_t told = 0;
+volatile std::sig_atomic_t termination = 0;
 
 void noteTermination(int /*signal*/) {
-  told = 1;
+  termination = 1;
 }
 
 /// Keeps SIGTERM back but for the waits, for which it gives the signals to let through.
@@ -113,7 +113,7 @@ class Core {
     if (!up_ && Clock::now() >= began_ + behaviour_.startsSlowly) comeUp();
     wait();
     hangUpCallers();
-    if (told != 0) toldToEnd();
+    if (termination != 0) toldToEnd();
     endWhenDue();
   }
 
@@ -160,7 +160,7 @@ class Core {
   /// One that obeys takes its time, and does not hear a second SIGTERM meanwhile. A reverting one leaves the
   /// marker that spares it.
   void toldToEnd() {
-    told = 0;
+    termination = 0;
     if (behaviour_.term == Term::Ignore || exitAt_) return say("ignores SIGTERM");
     say("obeys SIGTERM");
     exitAt_ = Clock::now() + behaviour_.termDelay;

@@ -57,7 +57,7 @@ constexpr std::int64_t latest = 1'000'000'000'000'000;
 /// How much later than its time a line may reach the file.
 constexpr std::int64_t heldUp = 1'000'000;
 
-std::vector<std::string> columns(std::string_view line) {
+std::vector<std::string> partsOf(std::string_view line) {
   std::vector<std::string> found;
   for (std::size_t start = 0; start <= line.size();) {
     const auto end = std::min(line.find('\t', start), line.size());
@@ -76,7 +76,7 @@ bool hasItsShape(const Moment& moment) {
 }
 
 std::optional<Moment> momentIn(std::string_view line) {
-  auto parts = columns(line);
+  auto parts = partsOf(line);
   if (parts.size() < 3) return std::nullopt;
   const auto at = values::decimalInt64(parts[0]);
   const auto pid = values::decimalInt32(parts[1]);
@@ -120,8 +120,8 @@ JournalReading readJournal(std::string_view bytes) {
     const auto end = bytes.find('\n');
     if (end == std::string_view::npos) break;
     auto moment = momentIn(bytes.substr(0, end));
-    if (moment) reading.moments.push_back(*std::move(moment));
     reading.unreadable += moment ? 0U : 1U;
+    if (moment) reading.moments.push_back(*std::move(moment));
     bytes.remove_prefix(end + 1);
   }
   straighten(reading);

@@ -7,7 +7,7 @@
 namespace tamo::stage {
 namespace {
 
-constexpr double width = 960;
+constexpr double paperWidth = 960;
 constexpr double chartLeft = 150;
 constexpr double chartRight = 912;
 constexpr double lineHeight = 16;
@@ -104,9 +104,9 @@ class Document {
     const auto height = coordinate(y_ + 4);
     SvgText svg;
     svg.open("svg", {{"xmlns", "http://www.w3.org/2000/svg"},
-                     {"width", coordinate(width)},
+                     {"width", coordinate(paperWidth)},
                      {"height", height},
-                     {"viewBox", "0 0 " + coordinate(width) + " " + height}});
+                     {"viewBox", "0 0 " + coordinate(paperWidth) + " " + height}});
     svg.text("title", {}, picture_.title);
     svg.text("desc", {}, picture_.sum);
     svg.raw(svgStyle());
@@ -114,7 +114,7 @@ class Document {
     svg.leaf("rect", {{"class", "paper"},
                       {"x", "0.5"},
                       {"y", "0.5"},
-                      {"width", coordinate(width - 1)},
+                      {"width", coordinate(paperWidth - 1)},
                       {"height", coordinate(y_ + 3)},
                       {"rx", "6"}});
     svg.raw(svg_.str());

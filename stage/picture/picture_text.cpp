@@ -70,6 +70,11 @@ std::string characterOf(const Mark& mark) {
   return "";
 }
 
+std::string_view letterOf(std::string_view signal) {
+  if (signal == "SIGKILL") return "K";
+  return signal == "SIGTERM" ? "T" : "S";
+}
+
 class Drawing {
  public:
   Drawing(const Picture& picture, std::size_t columns)
@@ -151,13 +156,17 @@ class Drawing {
     for (const auto& mark : row.marks)
       if (const auto character = characterOf(mark); !character.empty())
         canvas.put(column(mark.at), character);
-    for (const auto& arrow : picture_.arrows) {
-      if (arrow.from == index) canvas.put(column(arrow.at), arrow.to.front() > index ? "↓" : "↑");
-      if (std::ranges::find(arrow.to, index) != arrow.to.end())
-        canvas.put(column(arrow.at), arrow.signal == "SIGKILL" ? "K" : arrow.signal == "SIGTERM" ? "T" : "S");
-    }
+    for (const auto& arrow : picture_.arrows)
+      ends(canvas, arrow, index);
     const bool isPart = row.name.starts_with("its ") || row.kind == RowKind::Helper;
     line((isPart ? " " : "") + row.name, canvas);
+  }
+
+  /// What an arrow has in a row: where it comes from, and where it hits.
+  void ends(Canvas& canvas, const Arrow& arrow, std::size_t index) const {
+    if (arrow.from == index) canvas.put(column(arrow.at), arrow.to.front() > index ? "↓" : "↑");
+    if (std::ranges::find(arrow.to, index) != arrow.to.end())
+      canvas.put(column(arrow.at), letterOf(arrow.signal));
   }
 
   void span(Canvas& canvas, const Span& span) const {

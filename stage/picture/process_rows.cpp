@@ -54,7 +54,7 @@ std::string shortQuestion(const Moment& asked) {
 }
 
 /// What a process says of itself, and what launchd is asked.
-std::string markName(const Moment& moment) {
+std::string ownMarkName(const Moment& moment) {
   if (moment.word == "says" && !moment.texts[0].starts_with("has ")) return moment.texts[0];
   if (moment.word == "asked") return shortQuestion(moment);
   if (moment.word == "told") return "told " + signalName(numberIn(moment, 0));
@@ -64,7 +64,7 @@ std::string markName(const Moment& moment) {
 void addMarks(Row& row, const Scene& scene, const Life& life) {
   for (const auto& moment : scene.moments)
     if (moment.pid == life.pid && moment.at >= std::max<std::int64_t>(0, life.from))
-      if (const auto name = markName(moment); !name.empty())
+      if (const auto name = ownMarkName(moment); !name.empty())
         row.marks.push_back({.at = moment.at, .label = name});
 }
 

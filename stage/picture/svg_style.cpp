@@ -1,10 +1,10 @@
 #include "stage/picture/svg_style.hpp"
 
 namespace tamo::stage {
+namespace {
 
-std::string_view svgStyle() {
-  // Without variables: some programs that show SVG know media queries and no more.
-  return R"svg(<style>
+/// Without variables: some programs that show SVG know media queries and no more.
+constexpr std::string_view styleSheet = R"svg(<style>
   text { font: 11px system-ui, -apple-system, "Segoe UI", "DejaVu Sans", sans-serif; fill: #1f2328 }
   .paper { fill: #ffffff; stroke: #d1d9e0 }
   .band { fill: #f6f8fa }
@@ -56,10 +56,8 @@ std::string_view svgStyle() {
   }
 </style>
 )svg";
-}
 
-std::string_view svgDefinitions() {
-  return R"svg(<defs>
+constexpr std::string_view drawnPatterns = R"svg(<defs>
   <pattern id="hatch" width="6" height="6" patternUnits="userSpaceOnUse" patternTransform="rotate(45)">
     <line class="hatched" x1="0" y1="0" x2="0" y2="6"/>
   </pattern>
@@ -68,6 +66,15 @@ std::string_view svgDefinitions() {
   </pattern>
 </defs>
 )svg";
+
+}  // namespace
+
+std::string_view svgStyle() {
+  return styleSheet;
+}
+
+std::string_view svgDefinitions() {
+  return drawnPatterns;
 }
 
 }  // namespace tamo::stage

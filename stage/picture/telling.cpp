@@ -15,7 +15,7 @@ std::string targetNames(const Moment& signal, const Scene& scene) {
   for (const auto life : targetsOf(signal, scene.lives))
     names += (names.empty() ? "" : ", ") + lifeName(scene.lives[life]);
   const bool isGroup = signal.texts[1] == "group";
-  const auto whole = (isGroup ? "group " : "process ") + signal.texts[2];
+  auto whole = (isGroup ? "group " : "process ") + signal.texts[2];
   if (names.empty()) return whole;
   return isGroup ? whole + " (" + names + ")" : names;
 }
@@ -91,7 +91,7 @@ class Teller {
     if (word == "starts") return startText(moment);
     if (word == "reaped") return endText(moment);
     if (word == "asked") return questionText(moment);
-    if (word == "companion") return moment.texts.empty() ? "begins" : "begins with " + textsFrom(moment, 0);
+    if (word == "companion") return beginText(moment);
     if (word == "url") return "is handed " + textsFrom(moment, 0);
     if (word == "lock") return lockText(moment);
     if (word == "unlocks") return "lets the lock go";
@@ -129,6 +129,10 @@ class Teller {
     const bool none = targetsOf(moment, scene_.lives).empty();
     // launchd ends the group of whoever is dead, mostly an empty one.
     return none && moment.texts[1] == "group" ? "" : "sends " + name + " to " + targetNames(moment, scene_);
+  }
+
+  static std::string beginText(const Moment& moment) {
+    return moment.texts.empty() ? "begins" : "begins with " + textsFrom(moment, 0);
   }
 
   static std::string startText(const Moment& moment) {
