@@ -43,7 +43,7 @@ std::string descriptionInWords(const OutcomeSaid& said) {
 }
 
 bool isService(const OutcomeSaid& said, std::int64_t code) {
-  return said.error->domain == serviceDomain && said.error->code == code;
+  return said.error && said.error->domain == serviceDomain && said.error->code == code;
 }
 
 /// Whether the action unregisters before it registers.
@@ -113,6 +113,7 @@ Advice serviceErrorAdvice(const OutcomeSaid& said) {
 }  // namespace
 
 std::string errorInWords(const OutcomeSaid& said) {
+  if (!said.error) return "";
   const auto name = errorName(*said.error);
   std::string text = "It failed with the error " + said.error->domain;
   if (said.error->code) text += " " + std::to_string(*said.error->code);
@@ -121,6 +122,7 @@ std::string errorInWords(const OutcomeSaid& said) {
 }
 
 Advice errorAdvice(const Facts& facts) {
+  if (!facts.outcome || !facts.outcome->error) return {};
   const auto& said = *facts.outcome;
   if (said.error->domain == "TamoCore") return unknownActionAdvice(said);
   if (said.status == AgentStatus::requiresApproval || isService(said, 11)) return refusedByTheUser();

@@ -11,7 +11,7 @@ namespace tamo::support {
 namespace {
 
 std::string kickstartInWords(const OutcomeSaid& said) {
-  const auto status = *said.kickstart;
+  const auto status = said.kickstart.value_or(0);
   if (status == 0) return "launchctl kickstart ended with 0: launchd took the order.";
   const std::string ended = "launchctl kickstart ended with " + std::to_string(status);
   if (status == -1) return ended + ": it could not be started, or didn't end within 5 seconds.";
@@ -22,7 +22,7 @@ std::string kickstartInWords(const OutcomeSaid& said) {
 
 /// What a failed kickstart leads to; whether it did is not in the line.
 std::string afterKickstart(const OutcomeSaid& said) {
-  if (*said.kickstart == 0) return "";
+  if (said.kickstart.value_or(0) == 0) return "";
   return said.action == "register" ? " If neither the Core's sockets nor launchd spoke for a Core that runs, "
                                      "the agent was registered anew."
                                    : " If launchd said that no Core runs, the agent was registered anew.";

@@ -56,7 +56,7 @@ std::optional<Scene> lastScene(const JournalReading& reading, const Present& pre
     auto known = since(begin, settled(life, present));
     if (!known.until || *known.until >= 0) scene.lives.push_back(std::move(known));
   }
-  scene.companion = *lifeOf(last->pid, 0, scene.lives);
+  if (const auto companion = lifeOf(last->pid, 0, scene.lives)) scene.companion = *companion;
   scene.until = endOf(scene, begin, present);
   return scene;
 }

@@ -42,6 +42,7 @@ class Chart {
     guides();
     // The names of signals come first to their places; their lines lie over the bars.
     std::vector<std::optional<double>> names;
+    names.reserve(picture_.arrows.size());
     for (const auto& arrow : picture_.arrows)
       names.push_back(labels_[arrow.from].place(scale_.place(arrow.at) + 5, textWidth(arrow.signal), slack));
     for (const auto& arrow : picture_.arrows)
