@@ -122,7 +122,7 @@ std::string errorInWords(const OutcomeSaid& said) {
 }
 
 Advice errorAdvice(const Facts& facts) {
-  if (!facts.outcome || !facts.outcome->error) return {};
+  if (facts.outcome == nullptr || !facts.outcome->error) return {};
   const auto& said = *facts.outcome;
   if (said.error->domain == "TamoCore") return unknownActionAdvice(said);
   if (said.status == AgentStatus::requiresApproval || isService(said, 11)) return refusedByTheUser();
