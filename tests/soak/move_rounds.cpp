@@ -68,14 +68,16 @@ void MoveRounds::disturb(const scenario::Started& companion, Victim victim) {
   if (victim == Victim::Both) ::kill(companion.pid, SIGKILL);
 }
 
-/// A tool whose companion was killed goes on, and may finish what it began.
+/// A tool whose companion was killed goes on, and may finish what it began; on a busy machine it takes its time.
+/// One that is between its start and its exec may be missed by a look, so two in a row have to find none.
 void MoveRounds::waitForQuiet() const {
-  for (int attempt = 0; attempt < 500; ++attempt) {
+  for (int attempt = 0, quietLooks = 0; attempt < 6000; ++attempt) {
     const auto processes = stage::processesOfStage(stage_.root().directory());
     const bool quiet = std::ranges::all_of(processes, [](const auto& one) {
       return one.command.contains("launchd") || one.command.ends_with("/MacOS/Tamo");
     });
-    if (quiet) return;
+    quietLooks = quiet ? quietLooks + 1 : 0;
+    if (quietLooks == 2) return;
     std::this_thread::sleep_for(milliseconds(10));
   }
 }
