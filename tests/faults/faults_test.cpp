@@ -17,14 +17,21 @@ namespace {
 
 using Kind = void (Sweep::*)(const Scene&, By);
 
-Tally swept(Kind kind, std::uint64_t stride) {
-  Sweep sweep({.stride = stride, .firsts = TAMO_SINGLES_STRIDE});
-  for (const auto& scene : scenes()) {
-    for (const auto by : {By::Switch, By::Url})
-      (sweep.*kind)(scene, by);
+/// Every so-manieth scene, so that the processors share them.
+class SweepTest : public testing::TestWithParam<std::size_t> {
+ public:
+  static constexpr std::size_t shares = 8;
+
+ protected:
+  static Tally swept(Kind kind, std::uint64_t stride) {
+    Sweep sweep({.stride = stride, .firsts = TAMO_SINGLES_STRIDE});
+    for (std::size_t scene = GetParam(); scene < scenes().size(); scene += shares) {
+      for (const auto by : {By::Switch, By::Url})
+        (sweep.*kind)(scenes()[scene], by);
+    }
+    return sweep.tally();
   }
-  return sweep.tally();
-}
+};
 
 void expectSound(const Tally& tally) {
   EXPECT_EQ(tally.broken, 0U) << tally.wrong.front() << "\nshown by: prove/faults play TAKE";
@@ -32,21 +39,23 @@ void expectSound(const Tally& tally) {
   EXPECT_GT(tally.takes, 0U);
 }
 
-TEST(FaultsTest, EveryInvariantHoldsWhenACallFails) {
+TEST_P(SweepTest, EveryInvariantHoldsWhenACallFails) {
   expectSound(swept(&Sweep::singles, TAMO_SINGLES_STRIDE));
 }
 
-TEST(FaultsTest, EveryInvariantHoldsWhenTwoCallsFail) {
+TEST_P(SweepTest, EveryInvariantHoldsWhenTwoCallsFail) {
   expectSound(swept(&Sweep::pairs, TAMO_PAIRS_STRIDE));
 }
 
-TEST(DeathsTest, ACompanionKilledAnywhereLeavesTheNextACleanRun) {
+TEST_P(SweepTest, ACompanionKilledAnywhereLeavesTheNextACleanRun) {
   expectSound(swept(&Sweep::deaths, TAMO_DEATHS_STRIDE));
 }
 
-TEST(DeathsTest, ACompanionKilledAfterAFailureLeavesTheNextACleanRun) {
+TEST_P(SweepTest, ACompanionKilledAfterAFailureLeavesTheNextACleanRun) {
   expectSound(swept(&Sweep::deathsAfterFaults, TAMO_PAIRS_STRIDE));
 }
+
+INSTANTIATE_TEST_SUITE_P(Scenes, SweepTest, testing::Range(std::size_t{0}, SweepTest::shares));
 
 /// A change of the file is a change of how a failure is answered: read it, line by line, before it is kept.
 TEST(OutcomesTest, EverySingleFailureIsAnsweredAsItIsWritten) {
