@@ -8,11 +8,21 @@
 
 namespace tamo {
 
+namespace recorded {
+
+inline std::string wholeFile(const std::string& name) {
+  std::ifstream in(std::string(TAMO_SOURCE_DIR "/tests/data/launchctl/") + name, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+}  // namespace recorded
+
 /// One print of launchctl as a real system gave it, with what a careful reader finds in it.
 struct RecordedPrint {
   /// "001" and so on.
   std::string name;
-  std::string text;
   /// The job's own pid in decimal, or "-".
   std::string pid;
   /// A JSON list of texts, with ", " between them, or "-" for none.
@@ -20,6 +30,9 @@ struct RecordedPrint {
   /// In decimal, or "-".
   std::string exitTimeout;
   bool anyPidLine = false;
+
+  /// Read by the test that asks: every test of this program knows of all prints, and reads one.
+  [[nodiscard]] std::string text() const { return recorded::wholeFile(name + ".txt"); }
 };
 
 inline void PrintTo(const RecordedPrint& print, std::ostream* out) {
@@ -27,14 +40,6 @@ inline void PrintTo(const RecordedPrint& print, std::ostream* out) {
 }
 
 namespace recorded {
-
-inline std::string wholeFile(const std::string& name) {
-  std::ifstream in(std::string(TAMO_SOURCE_DIR "/tests/data/launchctl/") + name, std::ios::binary);
-  // As a whole: every test of this program reads all prints, so to take them by the letter would cost seconds.
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 /// A field of the table without its quotes, if it has any.
 inline std::string unquoted(const std::string& field) {
@@ -66,7 +71,6 @@ inline std::vector<RecordedPrint> recordedPrints() {
   while (std::getline(table, row)) {
     const auto field = recorded::fields(row);
     prints.push_back({.name = field.at(0).substr(0, field.at(0).find('.')),
-                      .text = recorded::wholeFile(field.at(0)),
                       .pid = field.at(3),
                       .arguments = field.at(4),
                       .exitTimeout = field.at(5),

@@ -77,7 +77,7 @@ TEST(PrintReadingTest, APidLineThatEndsAtItsBlankDoesNotCount) {
 class RecordedPrints : public ::testing::TestWithParam<RecordedPrint> {};
 
 TEST_P(RecordedPrints, HaveAPidLineAsListed) {
-  EXPECT_EQ(runningByText(GetParam().text), GetParam().anyPidLine);
+  EXPECT_EQ(runningByText(GetParam().text()), GetParam().anyPidLine);
 }
 
 INSTANTIATE_TEST_SUITE_P(PrintReading, RecordedPrints, ::testing::ValuesIn(recordedPrints()),

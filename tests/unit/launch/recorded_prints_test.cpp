@@ -30,8 +30,8 @@ class RecordedDefinitions : public ::testing::TestWithParam<RecordedPrint> {};
 
 TEST_P(RecordedDefinitions, AreReadAsListed) {
   const auto& print = GetParam();
-  ASSERT_FALSE(print.text.empty());
-  const auto definition = LaunchJob::loaded(withoutQuotedBlocks(print.text));
+  ASSERT_FALSE(print.text().empty());
+  const auto definition = LaunchJob::loaded(withoutQuotedBlocks(print.text()));
   ASSERT_EQ(definition.has_value(), print.arguments != "-");
   if (!definition) return;
   EXPECT_EQ(asList(definition->arguments), print.arguments);
@@ -40,7 +40,7 @@ TEST_P(RecordedDefinitions, AreReadAsListed) {
 
 /// A print without arguments defines nothing, so its timeout is read with arguments that are given to it.
 TEST_P(RecordedDefinitions, HaveTheirTimeoutAsListedWhateverTheirArguments) {
-  auto print = withoutQuotedBlocks(GetParam().text);
+  auto print = withoutQuotedBlocks(GetParam().text());
   const auto header = print.find("= {\n");
   if (header == std::string::npos || GetParam().arguments != "-") return;
   print.insert(header + 4, "arguments = {\n/core\n}\n");
@@ -50,7 +50,7 @@ TEST_P(RecordedDefinitions, HaveTheirTimeoutAsListedWhateverTheirArguments) {
 }
 
 TEST_P(RecordedDefinitions, HaveTheirPidAsListed) {
-  EXPECT_EQ(asField(HardStop::pid(withoutQuotedBlocks(GetParam().text))), GetParam().pid);
+  EXPECT_EQ(asField(HardStop::pid(withoutQuotedBlocks(GetParam().text()))), GetParam().pid);
 }
 
 INSTANTIATE_TEST_SUITE_P(LaunchJob, RecordedDefinitions, ::testing::ValuesIn(recordedPrints()),
