@@ -8,7 +8,7 @@
 
 BEGIN {
   count = split("app move launch hardstop guard platform platform/posix platform/stage values values/open " \
-    "stage/common stage/launchd stage/core stage/tools stage/control", folders, " ")
+    "stage/common stage/launchd stage/core stage/tools stage/picture stage/control support", folders, " ")
   above = "^(app|move|launch|hardstop|guard)$"
   whole = "^(app|move|launch|hardstop|guard|platform|values)$"
   adapters = "^(platform/(posix|stage)|values/open)$"
