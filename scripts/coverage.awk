@@ -11,7 +11,7 @@ BEGIN {
     "stage/common stage/launchd stage/core stage/tools stage/picture stage/control support", folders, " ")
   above = "^(app|move|launch|hardstop|guard)$"
   whole = "^(app|move|launch|hardstop|guard|platform|values)$"
-  adapters = "^(platform/(posix|stage)|values/open)$"
+  adapters = "^(platform/(posix|stage)|values/open|support)$"
   adaptersAsked = 90
   nothing = "^0$|E$"
 }
