@@ -37,23 +37,7 @@ struct FakePlatform {
   FakeLocalSockets localSockets{ledger, clock};
   FakeLogSystem logSystem{ledger, clock};
 
-  platform::Platform platform{
-      .application = application,
-      .mainQueue = mainQueue,
-      .agentServices = agentServices,
-      .workspace = workspace,
-      .processes = processes,
-      .kernelProcesses = kernelProcesses,
-      .threads = threads,
-      .files = files,
-      .userFiles = userFiles,
-      .lockFiles = lockFiles,
-      .bundles = bundles,
-      .user = user,
-      .clock = clock,
-      .localSockets = localSockets,
-      .logSystem = logSystem,
-  };
+  platform::Platform platform = platform::platformOf(*this);
 };
 
 }  // namespace tamo::fakes

@@ -23,24 +23,10 @@ using std::chrono::seconds;
 /// What the process of such a companion ends with when it made fewer calls.
 constexpr int notReached = 3;
 
-/// The surroundings of a companion with other files.
-platform::Platform with(const platform::Platform& host, platform::Files& files) {
-  return {.application = host.application,
-          .mainQueue = host.mainQueue,
-          .agentServices = host.agentServices,
-          .workspace = host.workspace,
-          .processes = host.processes,
-          .kernelProcesses = host.kernelProcesses,
-          .threads = host.threads,
-          .files = files,
-          .userFiles = host.userFiles,
-          .lockFiles = host.lockFiles,
-          .bundles = host.bundles,
-          .user = host.user,
-          .clock = host.clock,
-          .localSockets = host.localSockets,
-          .logSystem = host.logSystem};
-}
+/// The surroundings of a companion, with other files in the place of its own.
+struct Attacked : platform::Platform {
+  platform::Files& files;
+};
 
 struct Course {
   const char* action;
@@ -70,7 +56,8 @@ bool hasFolder(const stage::StageRoot& root, const std::string& path) {
     if (hasFolder(root, path)) victim.lay(course.trap, path);
   };
   AttackedFiles files(root, turn);
-  CoreMain::main(with(host.platform(), files), {.writesReceipts = true},
+  const Attacked attacked{host.platform(), files};
+  CoreMain::main(platform::platformOf(attacked), {.writesReceipts = true},
                  {program, "--core-action", course.action});
   ::_exit(calls < call ? notReached : 0);
 }

@@ -41,23 +41,7 @@ struct SimulatedPlatform::Parts {
   SimulatedLocalSockets localSockets;
   SimulatedLogSystem logSystem;
 
-  platform::Platform platform{
-      .application = application,
-      .mainQueue = mainQueue,
-      .agentServices = agentServices,
-      .workspace = workspace,
-      .processes = processes,
-      .kernelProcesses = kernelProcesses,
-      .threads = threads,
-      .files = files,
-      .userFiles = userFiles,
-      .lockFiles = lockFiles,
-      .bundles = bundles,
-      .user = user,
-      .clock = clock,
-      .localSockets = localSockets,
-      .logSystem = logSystem,
-  };
+  platform::Platform platform = platform::platformOf(*this);
 };
 
 SimulatedPlatform::SimulatedPlatform(Companion& companion) : parts_(std::make_unique<Parts>(companion)) {}
