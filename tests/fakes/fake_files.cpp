@@ -47,6 +47,7 @@ std::string FakeFiles::resolvedPath(const std::string& path) const {
 }
 
 bool FakeFiles::writeAtomically(const std::string& path, std::string_view bytes) {
+  beforeWriting();
   note("write " + path);
   if (failsToWrite) return false;
   contents[path] = bytes;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 
@@ -20,6 +21,8 @@ class FakeFiles final : public platform::Files {
   /// Where a path leads when links are resolved; a path that is not listed leads to itself.
   std::map<std::string, std::string> resolved;
   std::optional<std::string> temporary = "/tmp/of-the-user/";
+  /// What happens meanwhile, before a file is written.
+  std::function<void()> beforeWriting = [] {};
   bool failsToWrite = false;
   bool failsToOpen = false;
   bool failsToRead = false;

@@ -62,22 +62,9 @@ struct MoveRig : fakes::FakePlatform {
   /// One entry, so that the fake's removal of an entry takes all of it.
   void leavesAPart() { files.contents[installed] = "half a bundle"; }
 
-  [[nodiscard]] MoveToApplications::Needs needsWith(platform::Files& otherFiles) {
-    return {.processes = processes,
-            .files = otherFiles,
-            .userFiles = userFiles,
-            .bundles = bundles,
-            .user = user,
-            .workspace = workspace,
-            .clock = clock,
-            .mainQueue = mainQueue,
-            .log = *log};
-  }
-
   /// Goes on until nothing is left to do. Whether the move came to its end.
-  bool move() { return move(mover); }
-  bool move(MoveToApplications& by) {
-    task.emplace(by.moveToApplications());
+  bool move() {
+    task.emplace(mover.moveToApplications());
     task->start();
     mainQueue.runUntilIdle();
     return task->done();
@@ -101,7 +88,15 @@ struct MoveRig : fakes::FakePlatform {
   }
 
   std::unique_ptr<platform::Logger> log = logSystem.logger("subsystem", "category");
-  MoveToApplications mover{needsWith(files)};
+  MoveToApplications mover{{.processes = processes,
+                            .files = files,
+                            .userFiles = userFiles,
+                            .bundles = bundles,
+                            .user = user,
+                            .workspace = workspace,
+                            .clock = clock,
+                            .mainQueue = mainQueue,
+                            .log = *log}};
   std::optional<platform::Task<platform::Nothing>> task;
 };
 

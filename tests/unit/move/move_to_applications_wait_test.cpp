@@ -2,7 +2,6 @@
 #include <thread>
 
 #include "unit/move/move_rig.hpp"
-#include "unit/move/slow_writing.hpp"
 
 namespace tamo {
 namespace {
@@ -81,10 +80,9 @@ TEST_F(MoveWaitTest, AToolThatTakesItsTimeAfterTheCopyTakesNothingFromThemEither
 }
 
 TEST_F(MoveWaitTest, TheThirtySecondsBeginWhenTheResultIsWritten) {
-  SlowWriting files(rig.files, [this] { rig.clock.advanceTo(7s); });
-  MoveToApplications mover(rig.needsWith(files));
+  rig.files.beforeWriting = [this] { rig.clock.advanceTo(7s); };
   rig.runs(MoveRig::downloads);
-  EXPECT_TRUE(rig.move(mover));
+  EXPECT_TRUE(rig.move());
   EXPECT_EQ(rig.result(), R"({"ok":true,"code":"moved"})");
   EXPECT_EQ(rig.openedAt(), 37s);
 }
