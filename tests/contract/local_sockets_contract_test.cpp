@@ -9,6 +9,18 @@ namespace {
 
 class LocalSocketsContract : public Contract {
  protected:
+  /// A socket of a kind at a place, where nobody listens yet; owns nothing when it could not be had.
+  [[nodiscard]] platform::Descriptor bound(int kind, const std::string& name) const {
+    platform::Descriptor made(::socket(AF_UNIX, kind, 0));
+    const auto place = host(name);
+    sockaddr_un address{};
+    if (place.size() >= sizeof address.sun_path) return {};
+    address.sun_family = AF_UNIX;
+    place.copy(address.sun_path, place.size());
+    const auto failure = ::bind(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    return failure == 0 ? std::move(made) : platform::Descriptor();
+  }
+
   platform::LocalSockets& sockets = platform.localSockets;
 };
 
@@ -21,13 +33,8 @@ TEST_P(LocalSocketsContract, TheListenerSeesOneCallerWhoSaysNothingAndHasGone) {
 
 /// A mailbox for datagrams is no line that somebody takes up.
 TEST_P(LocalSocketsContract, ASocketForDatagramsRefuses) {
-  const platform::Descriptor mailbox(::socket(AF_UNIX, SOCK_DGRAM, 0));
-  const auto place = host("mail.sock");
-  sockaddr_un address{};
-  ASSERT_LT(place.size(), sizeof address.sun_path);
-  address.sun_family = AF_UNIX;
-  place.copy(address.sun_path, place.size());
-  ASSERT_EQ(::bind(mailbox.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  const auto mailbox = bound(SOCK_DGRAM, "mail.sock");
+  ASSERT_TRUE(mailbox);
   EXPECT_FALSE(sockets.accepts(path("mail.sock")));
 }
 
@@ -71,13 +78,8 @@ TEST_P(LocalSocketsContract, TheLongestPathThatFitsIsConnected) {
 
 /// Its callers pile up until there is room for no more: the next one is sent away at once, and nobody waits.
 TEST_P(LocalSocketsContract, AListenerThatNeverTakesACallIsNotWaitedFor) {
-  const platform::Descriptor deaf(::socket(AF_UNIX, SOCK_STREAM, 0));
-  const auto place = host("deaf.sock");
-  sockaddr_un address{};
-  ASSERT_LT(place.size(), sizeof address.sun_path);
-  address.sun_family = AF_UNIX;
-  place.copy(address.sun_path, place.size());
-  ASSERT_EQ(::bind(deaf.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  const auto deaf = bound(SOCK_STREAM, "deaf.sock");
+  ASSERT_TRUE(deaf);
   ASSERT_EQ(::listen(deaf.get(), 1), 0);
   int taken = 0;
   while (taken < 100 && sockets.accepts(path("deaf.sock")))

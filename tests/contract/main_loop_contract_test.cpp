@@ -2,32 +2,13 @@
 #include <thread>
 
 #include "contract/backend.hpp"
+#include "contract/noting_delegate.hpp"
 
 namespace tamo::contract {
 namespace {
 
 using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
-
-/// Notes what the loop brings, in order, and does what the test asks for at the launch.
-class NotingDelegate final : public platform::ApplicationDelegate {
- public:
-  std::function<void()> atLaunch = [] {};
-  std::function<void()> atURLs = [] {};
-  Texts notes;
-
-  void applicationDidFinishLaunching() override {
-    notes.emplace_back("launched");
-    atLaunch();
-  }
-  void application(const Texts& open) override {
-    std::string note = "open";
-    for (const auto& url : open)
-      note += " " + url;
-    notes.push_back(note);
-    atURLs();
-  }
-};
 
 class MainLoopContract : public Contract {
  protected:

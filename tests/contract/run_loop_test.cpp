@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "contract/noting_delegate.hpp"
 #include "contract/temporary_stage.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/stage/stream_sockets.hpp"
@@ -14,22 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
-
-class Delegate final : public platform::ApplicationDelegate {
- public:
-  std::function<void()> atLaunch = [] {};
-  std::function<void()> atURLs = [] {};
-  Texts notes;
-
-  void applicationDidFinishLaunching() override {
-    notes.emplace_back("launched");
-    atLaunch();
-  }
-  void application(const Texts& open) override {
-    notes.insert(notes.end(), open.begin(), open.end());
-    atURLs();
-  }
-};
 
 class RunLoopTest : public ::testing::Test {
  protected:
@@ -44,7 +29,7 @@ class RunLoopTest : public ::testing::Test {
   }
 
   contract::TemporaryStage stage;
-  Delegate delegate;
+  contract::NotingDelegate delegate;
   RunLoop loop{stage.root()};
 };
 
@@ -52,7 +37,7 @@ TEST_F(RunLoopTest, TheURLsOfTheStartComeBeforeTheLaunch) {
   ::setenv("TAMO_STAGE_OPEN", "tamo-core://sync\n\ntamo-core://status\n", 1);
   delegate.atLaunch = [this] { loop.terminate(); };
   loop.run();
-  EXPECT_EQ(delegate.notes, (Texts{"tamo-core://sync", "tamo-core://status", "launched"}));
+  EXPECT_EQ(delegate.notes, (Texts{"open tamo-core://sync tamo-core://status", "launched"}));
   EXPECT_EQ(std::getenv("TAMO_STAGE_OPEN"), nullptr);
 }
 
@@ -80,7 +65,7 @@ TEST_F(RunLoopTest, ATerminateWhileURLsAreOpenedPreventsTheLaunch) {
   ::setenv("TAMO_STAGE_OPEN", "tamo-core://sync", 1);
   delegate.atURLs = [this] { loop.terminate(); };
   loop.run();
-  EXPECT_EQ(delegate.notes, Texts{"tamo-core://sync"});
+  EXPECT_EQ(delegate.notes, Texts{"open tamo-core://sync"});
 }
 
 TEST_F(RunLoopTest, NoWorkRunsAfterATerminateForURLs) {
@@ -91,7 +76,7 @@ TEST_F(RunLoopTest, NoWorkRunsAfterATerminateForURLs) {
     loop.post([this] { delegate.notes.emplace_back("work"); });
   };
   loop.run();
-  EXPECT_EQ(delegate.notes, (Texts{"launched", "tamo-core://sync"}));
+  EXPECT_EQ(delegate.notes, (Texts{"launched", "open tamo-core://sync"}));
 }
 
 TEST_F(RunLoopTest, ATerminateEndsTheProcessUnlessToldOtherwise) {
