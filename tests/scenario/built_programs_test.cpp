@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
 #include "platform/stage/stream_sockets.hpp"
 #include "stage.hpp"
 
@@ -19,19 +20,11 @@ using Texts = std::vector<std::string>;
 int runWith(const Stage& stage, std::vector<std::string> words, std::vector<std::string> environment = {}) {
   const auto program = stage.root().host(stage::companionProgram(stage::copyPath(stage.root(), "installed")));
   environment.push_back("TAMO_STAGE=" + stage.root().directory());
-  std::vector<char*> argv;
-  std::vector<char*> envp;
-  for (auto& word : words)
-    argv.push_back(word.data());
-  for (auto& setting : environment)
-    envp.push_back(setting.data());
-  argv.push_back(nullptr);
-  envp.push_back(nullptr);
   const Started started{::fork(), std::chrono::steady_clock::now()};
   if (started.pid == 0) {
     const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     ::dup2(null, STDERR_FILENO);
-    ::execve(program.c_str(), argv.data(), envp.data());
+    ::execve(program.c_str(), platform::vectorOf(words).data(), platform::vectorOf(environment).data());
     ::_exit(127);
   }
   return Stage::finish(started).status;

@@ -13,6 +13,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/stage_kernel_processes.hpp"
@@ -40,20 +41,13 @@ pid_t spawn(const stage::StageRoot& root, const std::string& program,
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment{"TAMO_STAGE=" + root.directory(), "TAMO_STAGE_OPEN=" + open,
                                        "PATH=/usr/bin:/bin"};
-  std::vector<char*> argv;
-  std::vector<char*> envp;
-  for (auto& word : words)
-    argv.push_back(word.data());
-  for (auto& word : environment)
-    envp.push_back(word.data());
-  argv.push_back(nullptr);
-  envp.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
   posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
   pid_t pid = 0;
-  const int failure = ::posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), envp.data());
+  const int failure = ::posix_spawn(&pid, program.c_str(), &actions, nullptr,
+                                    platform::vectorOf(words).data(), platform::vectorOf(environment).data());
   posix_spawn_file_actions_destroy(&actions);
   EXPECT_EQ(failure, 0) << program;
   return pid;

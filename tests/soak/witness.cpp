@@ -15,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/posix/argument_vector.hpp"
 #include "values/fatal.hpp"
 
 namespace tamo::soak {
@@ -45,14 +46,6 @@ int listenToSignals() {
       ::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_NEW_LISTENER, &program));
 }
 
-std::vector<char*> pointers(const std::vector<std::string>& texts) {
-  std::vector<char*> result;
-  for (const auto& text : texts)
-    result.push_back(const_cast<char*>(text.c_str()));
-  result.push_back(nullptr);
-  return result;
-}
-
 /// `ready` tells that the listener is there; `go` that it was fetched.
 [[noreturn]] void become(const Witness::Program& program, int ready, int go) {
   ::setpgid(0, program.group);
@@ -69,8 +62,9 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
   std::vector<std::string> words{program.path};
   words.insert(words.end(), program.arguments.begin(), program.arguments.end());
+  auto environment = program.environment;
   if (::chdir("/") == 0)
-    ::execve(program.path.c_str(), pointers(words).data(), pointers(program.environment).data());
+    ::execve(program.path.c_str(), platform::vectorOf(words).data(), platform::vectorOf(environment).data());
   ::_exit(127);
 }
 
