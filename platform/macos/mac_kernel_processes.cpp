@@ -1,10 +1,8 @@
 #include "platform/macos/mac_kernel_processes.hpp"
 
-#include <csignal>
 #include <libproc.h>
 #include <sys/proc.h>
 #include <sys/proc_info.h>
-#include <unistd.h>
 
 namespace tamo::macos {
 namespace {
@@ -27,23 +25,6 @@ std::optional<platform::ProcessInfo> MacKernelProcesses::info(std::int32_t pid) 
                                .startMicroseconds = record.pbi_start_tvusec,
                                .group = static_cast<std::int32_t>(record.pbi_pgid),
                                .zombie = record.pbi_status == SZOMB};
-}
-
-std::int32_t MacKernelProcesses::ownPid() const {
-  return ::getpid();
-}
-
-std::int32_t MacKernelProcesses::ownGroup() const {
-  return ::getpgrp();
-}
-
-/// A process that is gone by now is what was wanted, so the answer is not looked at.
-void MacKernelProcesses::kill(std::int32_t pid) {
-  static_cast<void>(::kill(pid, SIGKILL));
-}
-
-void MacKernelProcesses::killGroup(std::int32_t group) {
-  static_cast<void>(::killpg(group, SIGKILL));
 }
 
 }  // namespace tamo::macos

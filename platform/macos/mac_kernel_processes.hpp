@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/kernel_processes.hpp"
+#include "platform/posix/posix_kernel_processes.hpp"
 
 namespace tamo::macos {
 
@@ -9,13 +9,9 @@ namespace tamo::macos {
 /// A process of another user may not be asked about and is absent. So is, as far as is known, a process that
 /// has exited and waits to be reaped: the kernel finds those only when asked for them specially, which this
 /// does not do. Both read as gone.
-class MacKernelProcesses final : public platform::KernelProcesses {
+class MacKernelProcesses final : public platform::PosixKernelProcesses {
  public:
   [[nodiscard]] std::optional<platform::ProcessInfo> info(std::int32_t pid) const override;
-  [[nodiscard]] std::int32_t ownPid() const override;
-  [[nodiscard]] std::int32_t ownGroup() const override;
-  void kill(std::int32_t pid) override;
-  void killGroup(std::int32_t group) override;
 };
 
 }  // namespace tamo::macos

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <charconv>
-#include <csignal>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -104,23 +103,6 @@ std::optional<platform::ProcessInfo> StageKernelProcesses::info(std::int32_t pid
                                .startMicroseconds = start % 1'000'000,
                                .group = stat->group,
                                .zombie = stat->state == 'Z' || stat->state == 'X'};
-}
-
-std::int32_t StageKernelProcesses::ownPid() const {
-  return ::getpid();
-}
-
-std::int32_t StageKernelProcesses::ownGroup() const {
-  return ::getpgrp();
-}
-
-/// One that is gone by now is what was wanted.
-void StageKernelProcesses::kill(std::int32_t pid) {
-  static_cast<void>(::kill(pid, SIGKILL));
-}
-
-void StageKernelProcesses::killGroup(std::int32_t group) {
-  static_cast<void>(::killpg(group, SIGKILL));
 }
 
 }  // namespace tamo::stage

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/kernel_processes.hpp"
+#include "platform/posix/posix_kernel_processes.hpp"
 
 namespace tamo::stage {
 
@@ -27,15 +27,11 @@ struct ProcStat {
 /// the kernel gives every process once, so two processes that use one pid within a tick still differ. On a
 /// kernel without that number (before 6.9) they would not. Processes of other users can be looked at, and
 /// kernel threads count as processes.
-class StageKernelProcesses final : public platform::KernelProcesses {
+class StageKernelProcesses final : public platform::PosixKernelProcesses {
  public:
   StageKernelProcesses();
 
   [[nodiscard]] std::optional<platform::ProcessInfo> info(std::int32_t pid) const override;
-  [[nodiscard]] std::int32_t ownPid() const override;
-  [[nodiscard]] std::int32_t ownGroup() const override;
-  void kill(std::int32_t pid) override;
-  void killGroup(std::int32_t group) override;
 
  private:
   std::uint64_t microsecondsPerTick_;
