@@ -11,10 +11,9 @@
 #include <unistd.h>
 
 #include "journal_builder.hpp"
-#include "stage/control/tamo_stage.hpp"
 #include "stage/picture/picture_words.hpp"
+#include "stage_command_test.hpp"
 #include "svg_form.hpp"
-#include "temporary_stage.hpp"
 
 /// tamo-stage picture, with whatever lies where the journal should be.
 namespace tamo::stage {
@@ -23,26 +22,15 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class PictureCommandTest : public ::testing::Test {
+class PictureCommandTest : public StageCommandTest {
  protected:
-  PictureCommandTest() { stage.write("/.stage/laid", ""); }
-
   int draw(const std::vector<std::string>& more = {}) {
     std::vector<std::string> words = {"picture", stage.path};
     words.insert(words.end(), more.begin(), more.end());
-    ::testing::internal::CaptureStdout();
-    ::testing::internal::CaptureStderr();
-    const int status = runTamoStage(words);
-    output = ::testing::internal::GetCapturedStdout();
-    errors = ::testing::internal::GetCapturedStderr();
-    return status;
+    return run(words);
   }
   void journalIs(const std::string& bytes) const { stage.write("/.stage/journal", bytes); }
   [[nodiscard]] std::string journal() const { return stage.root.control("journal"); }
-
-  TemporaryStage stage;
-  std::string output;
-  std::string errors;
 };
 
 TEST_F(PictureCommandTest, NoStageIsOneLine) {

@@ -1,32 +1,15 @@
 #include "stage/control/tamo_stage.hpp"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "temporary_stage.hpp"
+#include "stage_command_test.hpp"
 
 namespace tamo::stage {
 namespace {
 
 using Words = std::vector<std::string>;
 
-class TamoStageTest : public ::testing::Test {
- protected:
-  TamoStageTest() { stage.write("/.stage/laid", ""); }
-
-  int run(const Words& words) {
-    ::testing::internal::CaptureStdout();
-    ::testing::internal::CaptureStderr();
-    const int status = runTamoStage(words);
-    output = ::testing::internal::GetCapturedStdout();
-    errors = ::testing::internal::GetCapturedStderr();
-    return status;
-  }
-
-  TemporaryStage stage;
-  std::string output;
-  std::string errors;
-};
+using TamoStageTest = StageCommandTest;
 
 TEST_F(TamoStageTest, AWrongUseIsOneLineAndNoEffect) {
   const std::vector<Words> wrong = {{},
