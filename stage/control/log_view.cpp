@@ -3,6 +3,8 @@
 #include <fstream>
 #include <ios>
 
+#include "stage/common/words.hpp"
+
 namespace tamo::stage {
 namespace {
 
@@ -11,21 +13,11 @@ constexpr std::size_t kLevel = 2;
 constexpr std::size_t kShown = 5;
 constexpr std::size_t kMarked = 6;
 
-std::vector<std::string_view> columns(std::string_view line) {
-  std::vector<std::string_view> found;
-  for (std::size_t start = 0; start <= line.size();) {
-    const auto end = std::min(line.find('\t', start), line.size());
-    found.push_back(line.substr(start, end - start));
-    start = end + 1;
-  }
-  return found;
-}
-
 }  // namespace
 
 /// A line of another form is shown as it is: somebody else may write into the file.
 std::string viewedLine(std::string_view line, LogView view) {
-  const auto found = columns(line);
+  const auto found = split(line, '\t');
   if (found.size() <= kMarked) return std::string(line);
   if (view == LogView::Marks) return std::string(found[kMarked]);
   return std::string(found[kLevel]) + " " + std::string(found[kShown]);

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "stage/common/words.hpp"
 #include "values/text.hpp"
 
 namespace tamo::stage {
@@ -73,13 +74,6 @@ std::string StageArguments::takeValue(std::vector<std::string>::iterator option)
   auto value = std::move(*after);
   words_.erase(option, std::next(after));
   return value;
-}
-
-std::string joinedWords(const std::vector<std::string>& words) {
-  std::string text;
-  for (const auto& word : words)
-    text += (text.empty() ? "" : " ") + word;
-  return text;
 }
 
 std::int32_t wholeNumber(const std::string& text, std::string_view what) {

@@ -49,9 +49,6 @@ class StageArguments {
   std::vector<std::string> words_;
 };
 
-/// The words with single blanks between.
-[[nodiscard]] std::string joinedWords(const std::vector<std::string>& words);
-
 /// A whole number of at least zero. Raises UsageError, naming what it should be.
 [[nodiscard]] std::int32_t wholeNumber(const std::string& text, std::string_view what);
 

@@ -1,6 +1,7 @@
 #include "platform/stage/launchd_wire.hpp"
 #include "stage/common/stage_error.hpp"
 #include "stage/common/tool_fault.hpp"
+#include "stage/common/words.hpp"
 #include "stage/control/stage_commands.hpp"
 #include "stage/control/stage_layout.hpp"
 #include "stage/core/core_behaviour.hpp"

@@ -1,24 +1,12 @@
 #include "stage/core/core_behaviour.hpp"
 
-#include <algorithm>
-#include <vector>
-
+#include "stage/common/words.hpp"
 #include "values/text.hpp"
 
 namespace tamo::stage {
 namespace {
 
 using std::chrono::milliseconds;
-
-std::vector<std::string_view> split(std::string_view text, char separator) {
-  std::vector<std::string_view> parts;
-  for (std::size_t start = 0; start <= text.size();) {
-    const auto end = std::min(text.find(separator, start), text.size());
-    parts.push_back(text.substr(start, end - start));
-    start = end + 1;
-  }
-  return parts;
-}
 
 std::optional<int> countIn(std::string_view text) {
   const auto number = values::decimalInt32(text);

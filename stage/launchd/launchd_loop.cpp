@@ -12,6 +12,7 @@
 #include "platform/stage/stream_sockets.hpp"
 #include "stage/common/program_log.hpp"
 #include "stage/common/stage_presence.hpp"
+#include "stage/common/words.hpp"
 #include "stage/launchd/launchd.hpp"
 #include "stage/launchd/launchd_clients.hpp"
 #include "stage/launchd/launchd_processes.hpp"
@@ -40,13 +41,6 @@ bool endAsked(const platform::Descriptor& signals) {
   return asked;
 }
 
-std::string joined(const std::vector<std::string>& words) {
-  std::string text;
-  for (const auto& word : words)
-    text += (text.empty() ? "" : " ") + word;
-  return text;
-}
-
 class Loop {
  public:
   Loop(const StageRoot& root, platform::Descriptor listening)
@@ -54,7 +48,7 @@ class Loop {
         processes_(root),
         launchd_(root, processes_),
         clients_(std::move(listening), [this, journal = Journal(root)](const auto& words, const auto& reply) {
-          logLine(STDERR_FILENO, "asked: " + joined(words));
+          logLine(STDERR_FILENO, "asked: " + joinedWords(words));
           journal.note("asked", words);
           const bool errand = words.size() == 2 && words.front() == "administrator";
           if (errand) return processes_.errands().run(words.back(), reply);

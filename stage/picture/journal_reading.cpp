@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "platform/stage/journal.hpp"
+#include "stage/common/words.hpp"
 #include "values/text.hpp"
 
 namespace tamo::stage {
@@ -59,11 +60,8 @@ constexpr std::int64_t heldUp = 1'000'000;
 
 std::vector<std::string> partsOf(std::string_view line) {
   std::vector<std::string> found;
-  for (std::size_t start = 0; start <= line.size();) {
-    const auto end = std::min(line.find('\t', start), line.size());
-    found.push_back(values::repairedUtf8(textFromJournal(line.substr(start, end - start))));
-    start = end + 1;
-  }
+  for (const auto part : split(line, '\t'))
+    found.push_back(values::repairedUtf8(textFromJournal(part)));
   return found;
 }
 

@@ -1,0 +1,24 @@
+#include "stage/common/words.hpp"
+
+#include <algorithm>
+
+namespace tamo::stage {
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+  std::vector<std::string_view> parts;
+  for (std::size_t start = 0; start <= text.size();) {
+    const auto end = std::min(text.find(separator, start), text.size());
+    parts.push_back(text.substr(start, end - start));
+    start = end + 1;
+  }
+  return parts;
+}
+
+std::string joinedWords(const std::vector<std::string>& words) {
+  std::string text;
+  for (const auto& word : words)
+    text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+}  // namespace tamo::stage
