@@ -32,6 +32,7 @@ std::optional<Error> orderedError(const StageRoot& root) {
 /// The stage path of the program that the bundle names; absent when it names none.
 std::optional<std::string> programOf(const StageRoot& root, const std::string& bundle) {
   const auto name = platform::bundleText(StageFiles(root), bundle, "CFBundleExecutable");
+  // A name with a slash would lead out of the bundle.
   if (!name || name->empty() || name->contains('/')) return std::nullopt;
   return values::joinedPath(bundle, "Contents/MacOS/" + *name);
 }
@@ -44,6 +45,7 @@ bool runsFrom(const StageRoot& root, const std::string& program) {
   return std::ranges::any_of(running, [&](const auto& one) { return one.executable == executable; });
 }
 
+/// Nothing of the opener's environment goes along: on a Mac it is the system that starts an application.
 bool start(const StageRoot& root, const std::string& program) {
   return startInBackground({.program = root.host(program),
                             .environment = {"TAMO_STAGE=" + root.directory(), "PATH=/usr/bin:/bin"},

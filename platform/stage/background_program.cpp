@@ -28,12 +28,14 @@ struct Ready {
   // A second fork: the program's parent is gone at once, and it leads no session that could get a terminal.
   const auto pid = ::fork();
   if (pid != 0) ::_exit(pid < 0 ? 1 : 0);
+  // A mask outlives an exec: what the starter holds back, the program would never be told.
   sigset_t none;
   ::sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
   ::dup2(ready.input, STDIN_FILENO);
   ::dup2(ready.output, STDOUT_FILENO);
   ::dup2(ready.output, STDERR_FILENO);
+  // Marked and not closed, because the pipe that tells of a failed exec is needed until then.
   ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
   if (::chdir("/") == 0) ::execve(ready.program, ready.arguments, ready.environment);
   static_cast<void>(::write(ready.failure, "x", 1));
@@ -71,8 +73,10 @@ bool startInBackground(const BackgroundProgram& background) {
                        .failure = failure.get()};
   const auto pid = ::fork();
   if (pid == 0) become(ready);
+  // Or the reading below would wait for this very process.
   failure.close();
   int status = 0;
+  // The process in between ends at once, and is reaped here so that it leaves its starter no zombie.
   if (pid < 0 || platform::uninterrupted([&] { return ::waitpid(pid, &status, 0); }) != pid) return false;
   return status == 0 && closedUnused(failed);
 }

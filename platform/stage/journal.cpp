@@ -30,6 +30,8 @@ std::string_view shortened(std::string_view text) {
 
 }  // namespace
 
+/// The file is opened for each line and never made, so that who wants no journal only has to remove it. Notes are
+/// taken between a call and the look at its error, which they must not change.
 void Journal::note(std::string_view word, const std::vector<std::string>& texts) const {
   const int before = errno;
   const auto line = journalLine(monotonicMicroseconds(), ::getpid(), word, texts);

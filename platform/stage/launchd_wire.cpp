@@ -25,8 +25,9 @@ bool sendAll(int socket, std::string_view bytes) {
 
 }  // namespace
 
-/// The end of the question is the end of the half connection, and launchd's end is that of the answer; so
-/// neither needs a length in front.
+/// The end of the question is the end of the half connection, and launchd's end is that of the answer; so neither
+/// needs a length in front. There is no limit here: the answer to a kickstart comes when the old process has ended,
+/// however long its exit timeout is.
 std::optional<LaunchdAnswer> askLaunchd(const StageRoot& root, const std::vector<std::string>& words) {
   const auto socket = connectedTo(root.control("launchd.sock"));
   if (!socket || !sendAll(socket.get(), bytesOf(words))) return std::nullopt;
@@ -53,6 +54,7 @@ std::string bytesOf(const std::vector<std::string>& words) {
   return bytes;
 }
 
+/// An answer that launchd's end has cut off is none, for half of one would read as another.
 std::optional<LaunchdAnswer> answerOf(const std::string& bytes) {
   const auto output = bytes.find('\0');
   if (output == std::string::npos) return std::nullopt;

@@ -13,6 +13,7 @@ const char* lifeIn(const std::optional<platform::ProcessInfo>& info) {
 
 }  // namespace
 
+/// With what was found: a picture shows what the companion went by, which need not hold any longer.
 std::optional<platform::ProcessInfo> NotedKernelProcesses::info(std::int32_t pid) const {
   auto found = processes_.info(pid);
   journal_.note("looks", {std::to_string(pid), lifeIn(found)});
@@ -37,6 +38,7 @@ bool NotedLockFiles::tryLock(int descriptor) {
   return gained;
 }
 
+/// Noted first, for whoever waits may gain the lock and note that before this process runs on.
 void NotedLockFiles::unlock(int descriptor) {
   journal_.note("unlocks");
   files_.unlock(descriptor);

@@ -38,7 +38,8 @@ bool writeLine(const char* path, const std::string& line) {
   return file && platform::writeAll(file.get(), line);
 }
 
-/// The kernel lets a process map groups only after it has renounced setgroups.
+/// The kernel lets a process map groups only after it has renounced setgroups. One id on one line is all that a
+/// process without privileges may map, and all that is needed.
 bool enterOwnNamespace() {
   const auto user = std::to_string(::geteuid());
   const auto group = std::to_string(::getegid());
@@ -58,6 +59,7 @@ void renouncePrivileges() {
   if (!forGood || !gone) values::fatal("root's privileges cannot be given up");
 }
 
+/// What counts is the right to write where owner and mode say no; who has that is administrator enough.
 bool takeAdministratorPrivileges() {
   return has(CAP_DAC_OVERRIDE) || enterOwnNamespace();
 }

@@ -55,6 +55,8 @@ void RunLoop::postAfter(std::chrono::nanoseconds delay, std::function<void()> wo
   delayed_.emplace(std::chrono::steady_clock::now() + delay, std::move(work));
 }
 
+/// The inbox is there before the delegate is told anything: who learns that a companion has launched may send it a
+/// URL.
 void RunLoop::run() {
   platform::requireMain(*this, "the main loop");
   if (delegate_ == nullptr) values::fatal("an application without a delegate was run");
@@ -66,7 +68,9 @@ void RunLoop::run() {
   inbox_.reset();
 }
 
-/// The inbox goes first, because an exit from within runs no destructor of what lies on the stack.
+/// The inbox goes first, because an exit from within runs no destructor of what lies on the stack. An exit within the
+/// call is what a Mac does. What stands behind the request in the companion then never runs, and the kernel drops the
+/// lock. A request that returns is played as well, so that the product counts on neither.
 void RunLoop::terminate() {
   platform::requireMain(*this, "the terminate request");
   if (!running_) values::fatal("there is no application to terminate");
@@ -76,6 +80,7 @@ void RunLoop::terminate() {
   std::exit(0);
 }
 
+/// On a Mac the first URL usually comes before launching has finished, so these do. One of them may have ended it all.
 void RunLoop::finishLaunching() {
   open(urlsOfTheStart());
   if (running_) delegate_->applicationDidFinishLaunching();
@@ -98,10 +103,12 @@ void RunLoop::awaitEvents() {
   const auto limit = timespecOf(longest.value_or(0ns));
   // An interrupted wait is only a turn with nothing to do.
   static_cast<void>(::ppoll(sources.data(), sources.size(), longest ? &limit : nullptr, nullptr));
+  // Emptied before the queue is looked at, so that what is posted from here on wakes the next wait.
   std::uint64_t wakings = 0;
   static_cast<void>(::read(wake_.get(), &wakings, sizeof wakings));
 }
 
+/// A turn runs one piece of work, so some may be left that nobody announces again: then there is nothing to wait for.
 std::optional<std::chrono::nanoseconds> RunLoop::longestWait() {
   {
     const std::lock_guard hold(lock_);
@@ -117,10 +124,12 @@ void RunLoop::deliverURLs() {
     open(urls);
 }
 
+/// Nothing is delivered after the terminate request, whatever had arrived by then.
 void RunLoop::open(const std::vector<std::string>& urls) {
   if (running_ && !urls.empty()) delegate_->application(urls);
 }
 
+/// Work that falls due is queued behind what was posted before, so it overtakes nothing.
 void RunLoop::queueDueWork() {
   const auto now = std::chrono::steady_clock::now();
   const std::lock_guard hold(lock_);
@@ -128,6 +137,7 @@ void RunLoop::queueDueWork() {
     posted_.push_back(std::move(delayed_.extract(delayed_.begin()).mapped()));
 }
 
+/// Run without the lock, because work posts more work.
 void RunLoop::runNext() {
   std::function<void()> work;
   {

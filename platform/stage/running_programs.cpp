@@ -38,7 +38,8 @@ std::optional<Look> lookAt(const StageRoot& root, const fs::path& folder) {
               .words = platform::posix::readWhole((folder / "cmdline").string()).value_or("")};
 }
 
-/// In the middle of an exec, Linux shows the new executable already and no command line yet.
+/// In the middle of an exec, Linux shows the new executable already and no command line yet. An exec is over long
+/// before the second that this waits at most, which is for a program that has emptied its command line itself.
 std::optional<Look> lookPastExec(const StageRoot& root, const fs::path& folder) {
   auto look = lookAt(root, folder);
   for (int more = 0; more < 1000 && look && look->words.empty(); ++more) {

@@ -10,6 +10,7 @@ namespace {
 
 using platform::Error;
 
+/// The stage's own: no Mac reports an error of this domain, so one in a log tells of the stage's launchd.
 constexpr auto domain = "TamoStage";
 /// What a Mac answers for an agent that it does not know.
 constexpr std::int64_t notFound = 3;
@@ -24,11 +25,15 @@ class StageAgentService final : public platform::AgentService {
         bundle_(std::move(bundle)),
         plistName_(std::move(plistName)) {}
 
+  /// A Mac's answer is a number and has no place for an error, so a launchd that cannot be asked reads as an agent
+  /// that is not known.
   [[nodiscard]] std::int64_t status() override {
     const auto answer = askLaunchd(root_, {"service-status", plistName_});
     if (!answer || answer->status != 0) return notFound;
     return values::decimalInt64(answer->output).value_or(notFound);
   }
+  /// On the calling thread, as on a Mac: it is the one operation of service management that is synchronous and can
+  /// fail.
   void registerAgent() override {
     const auto error = errorFrom(askLaunchd(root_, {"service-register", bundle_, plistName_}));
     if (error) throw Error(*error);
@@ -51,6 +56,7 @@ class StageAgentService final : public platform::AgentService {
 
 }  // namespace
 
+/// What stands behind the second tab is the description, whatever it holds.
 std::optional<Error> errorFrom(const std::optional<LaunchdAnswer>& answer) {
   if (!answer) return Error(domain, 1, "The stage's launchd does not answer.");
   if (answer->status == 0) return std::nullopt;
@@ -63,6 +69,7 @@ std::optional<Error> errorFrom(const std::optional<LaunchdAnswer>& answer) {
   return Error(text.substr(0, first), *code, text.substr(second + 1));
 }
 
+/// The list is looked for in the bundle that runs, not in the installed one: so a copy elsewhere registers its own.
 std::unique_ptr<platform::AgentService> StageAgentServices::agent(const std::string& plistName) {
   return std::make_unique<StageAgentService>(root_, threads_, queue_, bundles_.mainBundlePath(), plistName);
 }

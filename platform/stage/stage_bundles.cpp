@@ -11,6 +11,8 @@
 
 namespace tamo::stage {
 
+/// Not where /proc/self/exe leads: there every link is resolved, and the guard has to see the link that a copy was
+/// reached by.
 std::string executableAsLaunched() {
   // The auxiliary vector holds the number of an address. NOLINTNEXTLINE(performance-no-int-to-ptr)
   const auto* path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
@@ -18,6 +20,7 @@ std::string executableAsLaunched() {
   return *path == '/' ? path : values::joinedPath(std::filesystem::current_path().string(), path);
 }
 
+/// An executable outside any bundle has its folder for a bundle, as on a Mac.
 std::string bundleOf(const std::string& executable) {
   constexpr std::string_view inside = "/Contents/MacOS";
   const auto folder = values::parentPath(executable);
@@ -31,6 +34,8 @@ StageBundles::StageBundles(const StageRoot& root, const std::string& executable)
   mainBundle_ = bundleOf(*path);
 }
 
+/// The file plays what only the system knows. It is read at each call, so that the system can forget while a companion
+/// runs.
 std::optional<std::string> StageBundles::originalLocation(const std::string& appPath) const {
   const auto lines = platform::posix::readWhole(root_.control("translocated")).value_or("");
   const auto start = appPath + "\t";

@@ -11,6 +11,7 @@ namespace posix = platform::posix;
 
 }  // namespace
 
+/// Links are followed, so one that leads to nothing, or off the stage, is not there.
 bool StageFiles::exists(const std::string& path) const {
   return root_.existing(path).has_value();
 }
@@ -21,6 +22,7 @@ std::optional<std::string> StageFiles::readWhole(const std::string& path) const 
 }
 
 std::string StageFiles::resolvedPath(const std::string& path) const {
+  // The kernel answers with a host path, which the product must never see.
   const auto withoutLinks = [this](const std::string& from) {
     const auto found = root_.existing(from);
     return found ? root_.onStage(*found) : std::nullopt;
@@ -28,6 +30,7 @@ std::string StageFiles::resolvedPath(const std::string& path) const {
   return platform::resolvedPath(path, withoutLinks);
 }
 
+/// The entry itself and not what it leads to: a link in its place is replaced, as on a Mac, and never written through.
 bool StageFiles::writeAtomically(const std::string& path, std::string_view bytes) {
   const auto place = root_.entry(path);
   return place && posix::writeAtomically(*place, bytes);
@@ -43,6 +46,7 @@ bool StageFiles::createDirectories(const std::string& path) {
   return place && posix::createDirectory(*place);
 }
 
+/// Of a link the link goes, as on a Mac; what it leads to stays.
 bool StageFiles::remove(const std::string& path) {
   const auto place = root_.entry(path);
   return place && posix::remove(*place);

@@ -46,7 +46,8 @@ StageHost::StageHost(const StageRoot& root, const std::string& executable) : par
 namespace tamo::platform {
 namespace {
 
-/// The words of this process's command line, without the program.
+/// The words of this process's command line, without the program. For the journal alone: whoever makes a host is
+/// handed no words, because no other backend has a use for them.
 std::vector<std::string> ownArguments() {
   const auto line = posix::readWhole("/proc/self/cmdline").value_or("");
   std::vector<std::string> words;

@@ -74,6 +74,7 @@ class StageLogger final : public platform::Logger {
               const std::string& category)
       : root_(root), clock_(clock), channel_(escaped(subsystem) + "\t" + escaped(category)) {}
 
+  /// The setting is read for every line, so that a rehearsal can have private texts shown from some moment on.
   void write(const platform::LogLine& line) override {
     const auto privateTexts =
         root_.setting("log-private") == "shown" ? PrivateTexts::Shown : PrivateTexts::Hidden;
@@ -133,6 +134,7 @@ std::string markedColumn(const platform::LogLine& line, PrivateTexts privateText
   return text;
 }
 
+/// By hand, because the library here has no formats for dates.
 std::string logTime(std::chrono::system_clock::time_point time) {
   using namespace std::chrono;
   const auto day = floor<days>(time);

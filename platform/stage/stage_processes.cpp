@@ -49,6 +49,8 @@ std::vector<std::string> startTexts(pid_t pid, const platform::ToolLaunch& launc
 
 }  // namespace
 
+/// The pid is told while the tool is started, because a started tool has none to give: nothing of the product needs
+/// it. A start that fails is noted as well.
 std::unique_ptr<platform::Tool> StageProcesses::start(const platform::ToolLaunch& launch) {
   const auto executable = root_.existing(launch.path);
   pid_t pid = 0;

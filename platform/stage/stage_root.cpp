@@ -21,6 +21,7 @@ namespace {
 using platform::Descriptor;
 using values::fatal;
 
+/// The kernel tells by canonical paths where a link has led, and those are compared with this one as text.
 std::string canonical(const std::string& directory) {
   const auto resolved = platform::posix::withoutLinks(directory);
   if (!resolved) fatal("no stage at " + directory);
@@ -104,6 +105,7 @@ std::string StageRoot::control(std::string_view name) const {
   return values::joinedPath(directory_ + "/.stage", name);
 }
 
+/// One line break at the end is no part of it, so that a shell's echo writes a setting as well as set() does.
 std::optional<std::string> StageRoot::setting(std::string_view name) const {
   auto text = platform::posix::readWhole(values::joinedPath(control("settings"), name));
   if (text && text->ends_with('\n')) text->pop_back();
@@ -134,6 +136,8 @@ std::uint32_t StageRoot::userID() const {
   return static_cast<std::uint32_t>(*number);
 }
 
+/// A user without a home is one whose entry in the user database names none. The folder is there all the same, and the
+/// stage's own programs need it.
 std::string StageRoot::home() const {
   const auto home = setting("home", "none");
   return home == "none" ? "/Users/tamo" : home;

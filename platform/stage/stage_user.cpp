@@ -2,6 +2,7 @@
 
 namespace tamo::stage {
 
+/// A user who is not in the database and one whose entry has no home are different answers, and each can be ordered.
 std::optional<platform::PasswordEntry> StageUser::passwordEntry() const {
   if (root_.setting("user") == "absent") return std::nullopt;
   if (root_.setting("home") == "none") return platform::PasswordEntry{};

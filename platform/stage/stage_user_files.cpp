@@ -26,7 +26,9 @@ std::string timeOfDay(std::chrono::system_clock::time_point moment) {
   return text.data();
 }
 
-/// Moves an item to a place that must be free. 0, or why it stays.
+/// Moves an item to a place that must be free. 0, or why it stays. In one call, because between a look and a move
+/// another item could come to have the name. An item of another volume is not copied: the call fails, and it stays
+/// where it is.
 int failureOfMove(const std::string& from, const std::string& to) {
   return ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0 ? 0 : errno;
 }

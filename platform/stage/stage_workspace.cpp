@@ -26,6 +26,8 @@ std::vector<platform::RunningApplication> applicationsOf(const StageRoot& root) 
 
 }  // namespace
 
+/// A Mac brings its list up to date only when the main loop turns. A list that was read afresh here would hide a wait
+/// that blocks the loop.
 std::vector<platform::RunningApplication> StageWorkspace::runningApplications() {
   if (turn_ != loop_.turns()) {
     list_ = applicationsOf(root_);
@@ -34,6 +36,7 @@ std::vector<platform::RunningApplication> StageWorkspace::runningApplications() 
   return list_;
 }
 
+/// Elsewhere, because a Mac completes this on a queue of its own: the companion has to find back to its main thread.
 void StageWorkspace::openApplication(const std::string& path, Completion completion) {
   runElsewhere(threads_, loop_, [root = root_, path, completion = std::move(completion)] {
     completion(openApplicationNow(root, path));

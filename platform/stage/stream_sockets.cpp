@@ -55,7 +55,8 @@ Descriptor listeningAt(const std::string& path) {
   if (!folder || !fill(address, folder, path)) return {};
   Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
   if (!socket) return {};
-  // Nothing there is the usual case.
+  // A socket that a killed process has left behind would keep its successor from binding. Nothing there is the usual
+  // case.
   ::unlink(path.c_str());
   if (::bind(socket.get(), generic(address), sizeof address) != 0) return {};
   if (::listen(socket.get(), SOMAXCONN) != 0) return {};

@@ -15,6 +15,8 @@ namespace {
 
 using platform::Descriptor;
 
+/// A name for each process, so that a sender can choose among companions and what a killed one left is in nobody's
+/// way.
 std::string socketPath(const StageRoot& root) {
   // Without the folder the listening fails, which is told.
   static_cast<void>(platform::posix::createDirectories(root.control("companions")));

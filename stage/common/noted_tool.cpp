@@ -4,6 +4,8 @@
 
 namespace tamo::stage {
 
+/// A tool that turns into another program or is ended by a signal never notes that it leaves. Its end is then known
+/// from whoever started it.
 int runNoted(const std::string& name, ToolWork work, int argc, char** argv) {
   const auto root = StageRoot::fromEnvironment();
   const Journal journal(root);

@@ -27,8 +27,8 @@ std::string applications(const StageRoot& root) {
 
 }  // namespace
 
-/// Root may write anywhere, so for root it is another user's folder, which the renounced rights then keep it
-/// out of.
+/// Root may write anywhere, so for root it is another user's folder, which the renounced rights then keep it out of.
+/// An ordinary user can give nothing away, so there the mode alone keeps the owner out.
 void closeApplications(const StageRoot& root) {
   const auto folder = applications(root);
   const bool byRoot = ::geteuid() == 0;
@@ -36,6 +36,7 @@ void closeApplications(const StageRoot& root) {
   must(::chmod(folder.c_str(), byRoot ? 0755 : 0555) == 0, "cannot close /Applications");
 }
 
+/// An ordinary user has owned the folder all the while.
 void openApplications(const StageRoot& root) {
   const auto folder = applications(root);
   if (::geteuid() == 0)
@@ -51,6 +52,7 @@ void chooseAdministrator(const StageRoot& root, const std::string& answer) {
   if (answer == "not-there" && !isAway) fs::rename(program, away, error);
   if (answer != "not-there" && isAway) fs::rename(away, program, error);
   if (error) throw StageError("cannot put osascript away or back: " + error.message());
+  // Last, so that the setting never claims what could not be brought about.
   root.set("administrator", answer);
 }
 

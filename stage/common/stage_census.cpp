@@ -13,6 +13,7 @@
 namespace tamo::stage {
 namespace {
 
+/// Absent for a process that has ended meanwhile, or that this user may not look into.
 std::optional<std::string> procFile(pid_t pid, std::string_view name) {
   return platform::posix::readWhole("/proc/" + std::to_string(pid) + "/" + std::string(name));
 }
@@ -62,9 +63,11 @@ std::vector<StageProcess> processesOfStage(const std::string& directory) {
   std::vector<StageProcess> found;
   const auto entry = "TAMO_STAGE=" + directory;
   for (const auto pid : allPids()) {
+    // Who strikes a stage kills what is found here.
     if (pid == ::getpid()) continue;
     const auto environment = procFile(pid, "environ");
     if (!environment || !hasEntry(*environment, entry)) continue;
+    // Dead ones that nobody has reaped hold up no end of a stage.
     auto process = fromStat(pid);
     if (!process || process->state == 'Z' || process->state == 'X') continue;
     process->command = commandOf(pid);

@@ -51,13 +51,15 @@ std::optional<ToolFault> orderedFault(const StageRoot& root, const std::string& 
 }
 
 void hang(const StageRoot& root, const Hang& fault) {
+  // The companion gives a tool up with SIGTERM and sends nothing stronger, so this one stays until its stage goes.
   if (fault.hard) ::signal(SIGTERM, SIG_IGN);
   const StagePresence presence(root.directory());
   while (presence.isThere())
     std::this_thread::sleep_for(std::chrono::seconds(1));
 }
 
-/// False when the stage is gone, and with it the work.
+/// False when the stage is gone, and with it the work. A rehearsal lets the tool go on by the setting alone, so the
+/// setting is what is watched, and often.
 bool pause(const StageRoot& root, const std::string& tool, const std::string& verb) {
   const StagePresence presence(root.directory());
   for (;;) {
@@ -69,7 +71,8 @@ bool pause(const StageRoot& root, const std::string& tool, const std::string& ve
   }
 }
 
-/// The child outlives the tool, and whoever reads to the end of its outputs waits for the child.
+/// The child outlives the tool, and whoever reads to the end of its outputs waits for the child. It exits without the
+/// library's own end, which would write once more what both had still to write.
 void hold(std::chrono::milliseconds time) {
   if (::fork() != 0) return;
   std::this_thread::sleep_for(time);
@@ -89,7 +92,8 @@ void flood(int descriptor, std::int32_t bytes) {
   }
 }
 
-/// Programs that this one turns into are cut as well.
+/// Programs that this one turns into are cut as well. With the signal ignored a write beyond the limit fails, as one
+/// does on a disk that is full, and ends nobody.
 void cut(std::int32_t bytes) {
   const rlimit limit{.rlim_cur = static_cast<rlim_t>(bytes), .rlim_max = static_cast<rlim_t>(bytes)};
   ::setrlimit(RLIMIT_FSIZE, &limit);
@@ -147,6 +151,7 @@ std::string withToolFault(std::string_view lines, std::string_view verb,
   return kept;
 }
 
+/// The administrator puts this into the environment of all that it starts.
 std::string actingUser() {
   return std::getenv("TAMO_STAGE_ADMINISTRATOR") == nullptr ? "user" : "administrator";
 }

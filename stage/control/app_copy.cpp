@@ -20,6 +20,7 @@ using Dictionary = PropertyList::Dictionary;
 
 constexpr auto agentLabel = "studio.pell.tamo.core";
 constexpr auto installedCopy = "/Applications/Tamo.app";
+/// A Mac makes up another place each time. This one stays, so that a rehearsal can name it beforehand.
 constexpr auto translocatedCopy =
     "/private/var/folders/st/tamo/T/AppTranslocation/5C4A7B7E-0D35-4E0B-9C9C-6E1B1D1F2A10/d/Tamo.app";
 
@@ -50,6 +51,8 @@ Dictionary bundleInfo(const std::string& identifier, const std::string& executab
           {"NSPrincipalClass", text("NSApplication")}};
 }
 
+/// An accessory is in no Dock and may come to the front all the same. The scheme is what the system finds it by for a
+/// URL.
 Dictionary companionInfo(const AppCopy& copy) {
   auto info = bundleInfo(copy.bundleID + ".Core", "Tamo Core", copy.build);
   const Dictionary url = {{"CFBundleURLName", text(copy.bundleID + ".Core.action")},
@@ -66,6 +69,7 @@ void write(const std::string& path, const std::string& bytes) {
   if (!written) throw StageError("cannot write " + path);
 }
 
+/// Copied and not linked, because a process is known by where its executable lies, and that has to be on the stage.
 void copyProgram(const std::string& from, const std::string& to) {
   std::error_code error;
   fs::create_directories(values::parentPath(to), error);
@@ -73,7 +77,8 @@ void copyProgram(const std::string& from, const std::string& to) {
   if (error) throw StageError("cannot copy " + from + " to " + to + ": " + error.message());
 }
 
-/// The folder is made before the path is resolved in it, so that a link on the way is followed as on a Mac.
+/// The folder is made before the path is resolved in it, so that a link on the way is followed as on a Mac. What lay
+/// there goes first and whole: what a copy before has left would be taken for a part of this one.
 std::string placeFor(const StageRoot& root, const std::string& path) {
   const auto folder = std::string(values::parentPath(path));
   if (!root.existing(folder)) static_cast<void>(platform::posix::createDirectories(root.host(folder)));
@@ -85,6 +90,8 @@ std::string placeFor(const StageRoot& root, const std::string& path) {
   return *place;
 }
 
+/// The link is relative, because the machine's own kernel would follow an absolute one out of the stage when a program
+/// is started through it.
 void placeLink(const StageRoot& root, const std::string& path) {
   const auto target = fs::path(installedCopy).lexically_relative(values::parentPath(path));
   std::error_code error;
@@ -163,6 +170,8 @@ void writeAgentDefinition(const StageRoot& root, const std::string& copy, const 
   const auto contents = root.existing(bundle + "/Contents");
   if (!contents) throw StageError("there is no copy at " + copy);
   const std::string program = "Contents/MacOS/tamo-core-agent";
+  // The program is named in both ways, as in many agents of bundles: by its place in the bundle for service
+  // management, and by its whole path among the arguments, without which no change of the definition would be seen.
   PropertyList::Array arguments = {text(values::joinedPath(bundle, program))};
   for (const auto& argument : definition.arguments)
     arguments.push_back(text(argument));

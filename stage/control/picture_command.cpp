@@ -53,6 +53,7 @@ int picture(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const auto file = arguments.takeAny();
   arguments.finish();
+  // A name without that ending is more likely a slip than a wish for an SVG under another name.
   if (file && !file->ends_with(".svg")) throw UsageError("\"" + *file + "\" is no name of an SVG file");
   const auto drawn = drawnOf(root);
   if (file) {

@@ -11,6 +11,7 @@ namespace {
 
 using values::PropertyList;
 
+/// Only what stands between tags is written, so quotes need no escape.
 std::string escapedXml(const std::string& text) {
   std::string result;
   for (const char character : text) {
@@ -94,6 +95,7 @@ std::string binaryPropertyList(const PropertyList& list) {
   plist_t parsed = nullptr;
   plist_from_xml(xml.data(), static_cast<std::uint32_t>(xml.size()), &parsed);
   const std::unique_ptr<void, FreePlist> owned(parsed);
+  // Of a list that could not be read there are no bytes either, which stops the process below.
   char* bytes = nullptr;
   std::uint32_t size = 0;
   plist_to_bin(parsed, &bytes, &size);

@@ -16,7 +16,8 @@
 namespace tamo::stage {
 namespace {
 
-/// This process becomes the program; returns only by StageError.
+/// This process becomes the program; returns only by StageError. Whoever runs it has the program's own pid, its
+/// signals and its status, with nothing in between.
 int become(const StageRoot& root, const std::string& program, std::vector<std::string> arguments) {
   ::setenv("TAMO_STAGE", root.directory().c_str(), 1);
   arguments.insert(arguments.begin(), program);
@@ -38,6 +39,7 @@ int run(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   std::string where = "installed";
   std::vector<std::string> urls;
+  // Options stand in front alone: from the first other word on, all belong to the companion.
   for (bool more = true; more;) {
     const auto copy = arguments.takeNextOption("--copy");
     const auto url = arguments.takeNextOption("--open");
@@ -50,6 +52,7 @@ int run(StageArguments& arguments) {
   const auto path = companionProgram(copyPath(root, where));
   const auto opened = lines(urls);
   if (!root.existing(path)) throw StageError("there is no companion at " + path);
+  // One that stands in the caller's environment was meant for another companion.
   ::unsetenv("TAMO_STAGE_OPEN");
   if (!opened.empty()) ::setenv("TAMO_STAGE_OPEN", opened.c_str(), 1);
   // By its path as text: the companion is to see the link that it was reached by.
@@ -59,6 +62,7 @@ int run(StageArguments& arguments) {
 bool deliver(const std::string& socketPath, std::string_view text) {
   const auto socket = connectedTo(socketPath);
   if (!socket) return false;
+  // A companion that ends meanwhile is one that was not reached, and must not end the sender by SIGPIPE.
   const auto sent = ::send(socket.get(), text.data(), text.size(), MSG_NOSIGNAL);
   return sent == static_cast<ssize_t>(text.size());
 }

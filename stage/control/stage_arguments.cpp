@@ -47,6 +47,7 @@ std::optional<std::string> StageArguments::takeNextOption(std::string_view name)
   return takeValue(words_.begin());
 }
 
+/// What stands behind may look like any option of this command and is none.
 std::optional<std::vector<std::string>> StageArguments::takeTail(std::string_view name) {
   const auto found = position(name);
   if (found == words_.end()) return std::nullopt;

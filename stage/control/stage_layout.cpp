@@ -41,7 +41,8 @@ void must(const std::error_code& error, const std::string& what) {
   if (error) throw StageError(what + ": " + error.message());
 }
 
-/// The folders that a Mac has from the beginning, and the links that lead into /private.
+/// The folders that a Mac has from the beginning, and the links that lead into /private. The user's temporary
+/// directory is closed to others, as a Mac's is.
 void makeFolders(const fs::path& root) {
   std::error_code error;
   for (const auto* folder :
@@ -59,6 +60,7 @@ void makeFolders(const fs::path& root) {
   }
 }
 
+/// Each stage has copies of its own, so that a rehearsal can put another program in the place of one.
 void copyPrograms(const fs::path& root, const fs::path& programs) {
   for (const auto& program : placedPrograms) {
     std::error_code error;
@@ -77,6 +79,7 @@ fs::path freshDirectory(const std::string& directory) {
   return fs::canonical(directory);
 }
 
+/// Any answer is one; this question is the one that changes nothing.
 bool answers(const StageRoot& root) {
   return askLaunchd(root, {"print", "gui/" + std::to_string(root.userID())}).has_value();
 }
@@ -101,7 +104,8 @@ void shutDownLaunchd(const StageRoot& root) {
   ::poll(&answer, 1, 5000);
 }
 
-/// Launchd ends what it started; the rest was started from outside and is killed one by one.
+/// Launchd ends what it started; the rest was started from outside and is killed one by one. Asked again until none is
+/// left, since what is killed may have started something a moment before.
 bool nothingRuns(const StageRoot& root) {
   const auto left = processesOfStage(root.directory());
   for (const auto& process : left)
@@ -117,6 +121,7 @@ StageRoot layStage(const Laying& laying) {
   // From here on it can be struck.
   std::ofstream(root / ".stage/laid")
       << "A stage of Tamo Core Companion. Strike it with tamo-stage strike.\n";
+  // An empty journal: where there is none, nobody notes anything.
   std::ofstream(root / ".stage/journal").flush();
   copyPrograms(root, laying.programs);
   StageRoot stage(root.string());
@@ -154,6 +159,7 @@ std::string ownProgramFolder() {
   return program.parent_path().string();
 }
 
+/// Until it answers, and not only runs: the caller's first question would find no socket otherwise.
 void startLaunchd(const StageRoot& root) {
   if (answers(root)) return;
   const bool started = startInBackground({.program = root.host("/sbin/launchd"),

@@ -58,6 +58,7 @@ int tool(StageArguments& arguments) {
   const auto verb = arguments.takeNextOption("--on");
   const auto words = joinedWords(arguments.takeRest());
   if (words.empty()) throw UsageError("missing fault");
+  // A fault is read here as the tool will read it, for the tool would take an unknown one for none.
   const bool real = words == "real";
   if (!real && !toolFault(words)) throw UsageError("\"" + words + "\" is no fault");
   const auto setting = "tool-" + name;

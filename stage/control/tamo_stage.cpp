@@ -37,6 +37,7 @@ int help() {
   return 0;
 }
 
+/// A wrong use is caught by itself, for it has changed nothing and has a status of its own.
 int runCommand(const StageCommand& command, StageArguments& arguments) {
   try {
     return command.run(arguments);

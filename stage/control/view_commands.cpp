@@ -35,6 +35,7 @@ std::vector<std::string> namesIn(const std::string& folder) {
   return names;
 }
 
+/// In the order of service management's own numbers.
 std::string statusName(std::int32_t status) {
   static constexpr const char* names[] = {"not registered", "enabled", "requires approval", "not found"};
   return status >= 0 && status <= 3 ? names[status] : "?";
@@ -85,8 +86,10 @@ int log(StageArguments& arguments) {
   const auto view = arguments.takeFlag("--marks") ? LogView::Marks : LogView::Plain;
   const bool follow = arguments.takeFlag("--follow");
   arguments.finish();
+  // A stage that is struck while its log is followed ends that.
   const StagePresence presence(root.directory());
   LogReader reader(root.control("log"));
+  // Whoever follows through a pipe ends it by closing that.
   do {
     for (const auto& line : reader.newLines())
       std::cout << viewedLine(line, view) << "\n";

@@ -23,12 +23,14 @@ int main(int /*count*/, char** argv) {
   const auto say = [&](const std::string& what) {
     tamo::stage::logLine(log.get(), "app " + std::to_string(::getpid()) + ": " + what);
   };
+  // SIGTERM is held back and fetched by a wait: that tells who sent it, and cuts off no line in its middle.
   sigset_t signals;
   ::sigemptyset(&signals);
   ::sigaddset(&signals, SIGTERM);
   ::sigprocmask(SIG_BLOCK, &signals, nullptr);
   say("started as " + std::string(argv[0]));
   journal.note("app", {argv[0]});
+  // No wait is longer, so that the stage's end is noticed.
   const timespec second{.tv_sec = 1, .tv_nsec = 0};
   siginfo_t told{};
   while (presence.isThere() && ::sigtimedwait(&signals, &told, &second) != SIGTERM) {

@@ -11,6 +11,7 @@ int main() {
   tamo::stage::renouncePrivileges();
   const auto root = tamo::stage::StageRoot::fromEnvironment();
   const auto behaviour = tamo::stage::coreBehaviour(root.setting("core", ""));
+  // Whoever mistyped an order would take an obedient Core for a rehearsal that went well.
   if (!behaviour) {
     std::cout << "core: \"" << behaviour.error() << "\" is no behaviour\n";
     return 64;

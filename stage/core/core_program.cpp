@@ -29,7 +29,8 @@ void noteTermination(int /*signal*/) {
   termination = 1;
 }
 
-/// Keeps SIGTERM back but for the waits, for which it gives the signals to let through.
+/// Keeps SIGTERM back but for the waits, for which it gives the signals to let through. One that came between the look
+/// at the flag and a wait would be slept over; pselect lets it in within the wait alone.
 sigset_t terminationsOnlyInWaits() {
   sigset_t term;
   sigset_t before;
@@ -46,6 +47,7 @@ sigset_t terminationsOnlyInWaits() {
 /// A helper does nothing but be there; it minds SIGTERM as the Core does.
 [[noreturn]] void help(const CoreSurroundings& surroundings, const CoreBehaviour& behaviour, pid_t core) {
   if (behaviour.childrenLeave) ::setpgid(0, 0);
+  // Handler and mask of the Core are the helper's as well, until it has set its own.
   const bool obeys = behaviour.term == Term::Obey;
   ::signal(SIGTERM, obeys ? SIG_DFL : SIG_IGN);
   sigset_t none;
@@ -103,7 +105,8 @@ class Core {
     say("has the helper " + std::to_string(pid));
   }
 
-  /// The helper is the child of the child, which goes at once.
+  /// The helper is the child of the child, which goes at once. It stays in the Core's group while launchd becomes its
+  /// parent, so a kill of the group hits a process that is no child of the Core.
   void orphaned(pid_t between) const {
     platform::uninterrupted([&] { return ::waitpid(between, nullptr, 0); });
     say("has an orphan in its group");
@@ -128,6 +131,7 @@ class Core {
     }
     const auto limit = pause();
     const timespec time{.tv_sec = limit.count() / 1000, .tv_nsec = limit.count() % 1000 * 1'000'000};
+    // A wait that SIGTERM ends is a turn like any other.
     ::pselect(highest + 1, &callers, nullptr, nullptr, &time, &inWaits_);
   }
 
@@ -139,6 +143,8 @@ class Core {
     say("is up");
     if (!behaviour_.stopsItself) return;
     say("stops itself");
+    // No program can hold this one back. What is left is a process whose sockets the kernel still accepts callers on,
+    // and which answers nothing.
     ::raise(SIGSTOP);
   }
 
@@ -150,7 +156,8 @@ class Core {
     socketPaths_.push_back(path);
   }
 
-  /// Whoever connects wants to know no more than that the Core answers.
+  /// Whoever connects wants to know no more than that the Core answers. The listening sockets do not block, and tell
+  /// so when there is nobody left.
   void hangUpCallers() {
     for (const auto& socket : sockets_)
       while (platform::Descriptor(::accept(socket.get(), nullptr, nullptr))) {
@@ -170,6 +177,7 @@ class Core {
   void endWhenDue() {
     const auto now = Clock::now();
     if (exitAt_ && now >= *exitAt_) {
+      // Before the exit, so that nobody sees the Core gone and its revert still pending.
       if (behaviour_.term == Term::Revert) ::unlink(marker().c_str());
       exit_ = 0;
     } else if (behaviour_.diesAfter && now >= began_ + *behaviour_.diesAfter) {

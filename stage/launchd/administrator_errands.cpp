@@ -13,12 +13,15 @@ namespace {
 
 /// What a command has to say is a line or two; a flood is cut.
 constexpr std::size_t longestOutput = 1U << 16U;
+/// What a shell adds to the number of the signal that ended a command.
 constexpr int signalled = 128;
 
 }  // namespace
 
 void AdministratorErrands::run(const std::string& command, const Reply& reply) {
   const LaunchdAnswer cannot{.status = 1, .errors = "the administrator is not there\n"};
+  // A file in memory and no pipe: a pipe would have to be emptied while the command runs, and launchd has others to
+  // serve.
   platform::Descriptor output(::memfd_create("errand", MFD_CLOEXEC));
   const auto program = root_.existing("/usr/libexec/administrator");
   if (!output || !program) return reply(cannot);

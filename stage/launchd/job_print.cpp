@@ -24,6 +24,7 @@ std::string domainName(std::uint32_t userID) {
   return "gui/" + std::to_string(userID);
 }
 
+/// In launchd's words, which tell a kept job that waits for its next start from one that nobody has asked for.
 std::string_view stateText(const Job& job) {
   if (job.pid) return "running";
   return job.state == Job::State::Scheduled ? "spawn scheduled" : "not running";
@@ -92,6 +93,8 @@ void printConstraint(Printer& printer, const JobDefinition& definition) {
   printer.close();
 }
 
+/// The pid has its line only while there is a process, and stands behind the constraint: a reader that loses count of
+/// the blocks before it sees no pid.
 void printRun(Printer& printer, const Job& job, const std::string& domain) {
   printer.line("domain", domain + " [100000]");
   printer.line("asid", "100000");
@@ -123,6 +126,8 @@ std::string propertiesText(const JobDefinition& definition, PrintStyle style) {
 
 }  // namespace
 
+/// The order of the lines is part of what is played. The companion counts blocks on its way to the pid, so a block in
+/// front of it that is opened in a new way is what a rehearsal has to show.
 std::string printedJob(const Job& job, std::uint32_t userID, PrintStyle style) {
   const auto domain = domainName(userID);
   Printer printer;

@@ -93,6 +93,7 @@ void JobTable::ended(pid_t pid, Ending ending, Time now) {
 /// throttled start of a job that is kept alive.
 void JobTable::processGone(Entry& entry, Time now) {
   if (entry.removing) {
+    // The answers lie in the entry, which goes first: whoever is answered finds no job any more.
     auto waiting = std::move(entry.waiting);
     remove(entry.definition.label);
     return answerAll(waiting, {});
@@ -104,9 +105,12 @@ void JobTable::processGone(Entry& entry, Time now) {
   entry.state = Job::State::Waiting;
   if (!entry.definition.keepAlive) return;
   entry.state = Job::State::Scheduled;
+  // Counted from the start, so a job that has run for long is started anew at once.
   entry.deadline = std::max(now, entry.started + entry.definition.throttle);
 }
 
+/// SIGKILL goes to the process alone, and once, for its deadline is gone then. What is left of the group is ended when
+/// the process is seen dead.
 void JobTable::tick(Time now) {
   for (auto& [label, entry] : jobs_) {
     if (!entry.deadline || now < *entry.deadline) continue;
@@ -157,10 +161,12 @@ void JobTable::answerRestart(Entry& entry) {
                                       "\": 78: Function not implemented\n"});
 }
 
+/// By a copy of the label: mostly it is the entry's own, which goes with the entry.
 void JobTable::remove(const std::string& label) {
   jobs_.erase(std::string(label));
 }
 
+/// By the pid, because orphans that were adopted end here as well and are no job's.
 JobTable::Entry* JobTable::ofProcess(pid_t pid) {
   for (auto& [label, entry] : jobs_)
     if (entry.pid == pid) return &entry;

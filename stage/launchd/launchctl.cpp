@@ -39,6 +39,7 @@ int runLaunchctl(const StageRoot& root, const std::vector<std::string>& argument
     std::cerr << "Could not reach launchd.\n";
     return 1;
   }
+  // The errors are not held back, so the output is not either: in one stream they keep their order.
   std::cout << answer->output << std::flush;
   std::cerr << answer->errors;
   return answer->status;

@@ -49,6 +49,7 @@ void Launchd::print(const Question& question) {
     return question.reply({.output = printedDomain(jobs_, root_.userID())});
   const auto job = known(question, text, true);
   if (!job) return;
+  // Read at each print, so that one Core can be shown in both forms.
   const auto style = root_.setting("print-style") == "older" ? PrintStyle::Older : PrintStyle::Newest;
   question.reply({.output = printedJob(*jobs_.find(job->label), root_.userID(), style)});
 }
@@ -77,6 +78,7 @@ void Launchd::bootout(const Question& question) {
   jobs_.bootout(target->label, question.now, question.reply);
 }
 
+/// There are no settings to open. The file shows a rehearsal that the user would see them.
 void Launchd::openLoginItems(const Question& question) {
   std::ofstream(root_.control("login-items-opened"), std::ios::app) << "opened\n";
   question.reply({});
@@ -102,6 +104,7 @@ bool Launchd::askServices(const Question& question) {
   return true;
 }
 
+/// A print that finds nothing says one line more than any other question that does, as a real launchd's answers show.
 std::optional<ServiceTarget> Launchd::known(const Question& question, const std::string& text,
                                             bool badRequest) {
   const std::string opening = badRequest ? "Bad request.\n" : "";

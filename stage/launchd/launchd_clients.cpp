@@ -33,12 +33,14 @@ void LaunchdClients::addTo(std::vector<pollfd>& polled) const {
 }
 
 void LaunchdClients::serve(const std::vector<pollfd>& polled) {
+  // Taken down beforehand: serving a client may end it, and its question may answer others.
   std::vector<std::uint64_t> numbers;
   numbers.reserve(clients_.size());
   for (const auto& [number, client] : clients_)
     numbers.push_back(number);
   for (const auto number : numbers)
     serveClient(number, eventsOf(clients_.at(number).socket.get(), polled));
+  // Last, because what newcomers are polled for is known only from the next turn on.
   if (listening_ && eventsOf(listening_.get(), polled) != 0) accept();
 }
 
@@ -46,6 +48,7 @@ void LaunchdClients::serve(const std::vector<pollfd>& polled) {
 void LaunchdClients::finish() {
   listening_.close();
   std::erase_if(clients_, [](const auto& entry) { return !entry.second.answered; });
+  // One who does not take his answer must not keep launchd from ending.
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(1);
   while (!clients_.empty() && std::chrono::steady_clock::now() < end) {
     std::vector<pollfd> polled;
@@ -72,6 +75,7 @@ void LaunchdClients::serveClient(std::uint64_t number, short events) {
   } else if (client.answered) {
     stays = write(client);
   } else {
+    // Whoever hangs up is forgotten; what he asked for goes on, and its answer finds nobody.
     stays = (events & (POLLHUP | POLLERR)) == 0;
   }
   if (!stays) clients_.erase(number);
@@ -92,6 +96,8 @@ bool LaunchdClients::read(std::uint64_t number, Client& client) {
   return true;
 }
 
+/// As much as the socket takes; the rest goes when it takes more. A client that has gone is no reason for launchd to
+/// die of a broken pipe.
 bool LaunchdClients::write(Client& client) {
   const auto sent = platform::uninterrupted(
       [&] { return ::send(client.socket.get(), client.answer.data(), client.answer.size(), MSG_NOSIGNAL); });

@@ -22,7 +22,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Signals as a descriptor that becomes readable.
+/// Signals as a descriptor that becomes readable. Read in the loop's own turn, for a handler could come between any
+/// two steps of a job.
 platform::Descriptor signalsAsDescriptor() {
   sigset_t signals;
   ::sigemptyset(&signals);
@@ -50,11 +51,13 @@ class Loop {
         clients_(std::move(listening), [this, journal = Journal(root)](const auto& words, const auto& reply) {
           logLine(STDERR_FILENO, "asked: " + joinedWords(words));
           journal.note("asked", words);
+          // An errand is a process and no job, so the table of jobs has nothing to do with it.
           const bool errand = words.size() == 2 && words.front() == "administrator";
           if (errand) return processes_.errands().run(words.back(), reply);
           launchd_.ask(words, Clock::now(), reply);
         }) {}
 
+  /// Everything is ended before a shutdown is answered, because who asked for it removes the stage next.
   void run() {
     launchd_.services().resume(Clock::now());
     while (turn()) {
@@ -65,7 +68,8 @@ class Loop {
   }
 
  private:
-  /// False when it is time to end.
+  /// False when it is time to end. Deaths come first, then what is due, then questions: a process that ended in time
+  /// is not killed for its timeout, and who asks is told how things stand now.
   bool turn() {
     std::vector<pollfd> polled = {{.fd = signals_.get(), .events = POLLIN, .revents = 0}};
     clients_.addTo(polled);
@@ -86,6 +90,7 @@ class Loop {
     return std::clamp(left, std::chrono::milliseconds(0), longest);
   }
 
+  /// The first member: signals are held back before there is a child whose end could be missed.
   platform::Descriptor signals_ = signalsAsDescriptor();
   StagePresence presence_;
   LaunchdProcesses processes_;
@@ -95,6 +100,8 @@ class Loop {
 
 }  // namespace
 
+/// A socket that answers has a launchd behind it. One that does not was left by a launchd that was killed, and is
+/// replaced.
 int runLaunchd(const StageRoot& root) {
   const auto path = root.control("launchd.sock");
   if (connectedTo(path)) {

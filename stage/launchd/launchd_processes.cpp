@@ -17,12 +17,14 @@
 namespace tamo::stage {
 namespace {
 
+/// Standard error is launchd's log: whoever starts it leads it there.
 void note(const std::string& text) {
   logLine(STDERR_FILENO, text);
 }
 
 /// Nothing of launchd's own environment: a job sees what its definition says and what every job of a Mac has.
 std::vector<std::string> environmentFor(const StageRoot& root, const JobDefinition& definition) {
+  // A definition may set its own PATH and HOME. What it is called and where it runs is not its to choose.
   auto variables = definition.environment;
   variables.emplace("PATH", "/usr/bin:/bin:/usr/sbin:/sbin");
   variables.emplace("HOME", root.home());
@@ -35,8 +37,8 @@ std::vector<std::string> environmentFor(const StageRoot& root, const JobDefiniti
   return environment;
 }
 
-/// How every job is started: an own group, no signal blocked or ignored, the log as its output, nothing else
-/// open.
+/// How every job is started: an own group, no signal blocked or ignored, the log as its output, nothing else open. A
+/// job leads a group of its own, as it does on a Mac, where the hard stop then kills the whole of it.
 class SpawnSettings {
  public:
   explicit SpawnSettings(const std::string& log) {
@@ -93,6 +95,7 @@ std::optional<pid_t> LaunchdProcesses::start(const JobDefinition& definition) {
     note(definition.label + ": nothing at " + definition.program);
     return std::nullopt;
   }
+  // The file is the one that the stage's links lead to; what the job takes for its name is what its list says.
   const SpawnSettings settings(root_.control("core.log"));
   auto arguments = definition.arguments;
   auto environment = environmentFor(root_, definition);
@@ -109,6 +112,7 @@ std::optional<pid_t> LaunchdProcesses::start(const JobDefinition& definition) {
   return pid;
 }
 
+/// Each signal is noted before it is sent, for what comes of it others note at once.
 void LaunchdProcesses::terminate(pid_t pid) {
   note("SIGTERM to pid " + std::to_string(pid));
   journal_.note("signals", {std::to_string(SIGTERM), "process", std::to_string(pid)});
@@ -121,6 +125,7 @@ void LaunchdProcesses::kill(pid_t pid) {
   ::kill(pid, SIGKILL);
 }
 
+/// Mostly nobody is left in the group, which is no failure.
 void LaunchdProcesses::killGroup(pid_t group) {
   journal_.note("signals", {std::to_string(SIGKILL), "group", std::to_string(group)});
   ::killpg(group, SIGKILL);
@@ -142,6 +147,7 @@ void LaunchdProcesses::reap(JobTable& jobs, JobTable::Time now) {
   }
 }
 
+/// SIGKILL at once: the stage is being taken down, and a Core that was told to ignore SIGTERM must not hold that up.
 void LaunchdProcesses::endAll() {
   for (;;) {
     for (const auto child : childrenOf(::getpid()))

@@ -32,6 +32,7 @@ LaunchdAnswer serviceError(int code, const std::string& description) {
   return {.status = 1, .output = "SMAppServiceErrorDomain\t" + std::to_string(code) + "\t" + description};
 }
 
+/// The record decides and not the job: an agent is enabled whether or not its process runs.
 LaunchdAnswer ServiceManagement::status(const std::string& plistName) const {
   const auto record = readRecord(root_, plistName);
   return {.output = record ? std::to_string(record->status) : root_.setting("never-registered-status", "0")};
@@ -47,6 +48,8 @@ LaunchdAnswer ServiceManagement::registerAgent(const std::string& bundle, const 
   if (root_.setting("approval") == "withheld") record.status = ServiceRecord::kRequiresApproval;
   if (!writeRecord(root_, plistName, record))
     return serviceError(kInternalFailure, "The registration could not be kept");
+  // A registration that waits for the user succeeds here. A Mac mostly refuses it instead, which is played by an
+  // ordered error.
   if (record.status == ServiceRecord::kRequiresApproval) return {};
   return load(plistName, record, now);
 }
@@ -61,6 +64,8 @@ void ServiceManagement::unregisterAgent(const std::string& plistName, Time now, 
   auto record = readRecord(root_, plistName);
   if (!record || record->status == ServiceRecord::kNotRegistered)
     return answer(serviceError(kNotRegistered, "The agent isn't registered"));
+  // Before the job is stopped: who asks while it still ends finds the registration gone, and another launchd does not
+  // load it again.
   record->status = ServiceRecord::kNotRegistered;
   if (!writeRecord(root_, plistName, *record))
     return answer(serviceError(kInternalFailure, "The registration could not be taken back"));
@@ -115,6 +120,7 @@ LaunchdAnswer ServiceManagement::load(const std::string& plistName, const Servic
 std::optional<LaunchdAnswer> ServiceManagement::orderedError(const std::string& setting) const {
   auto ordered = root_.setting(setting);
   if (!ordered) return std::nullopt;
+  // For one call only, so that a second try can be seen to succeed.
   root_.set(setting, std::nullopt);
   return LaunchdAnswer{.status = 1, .output = *std::move(ordered)};
 }

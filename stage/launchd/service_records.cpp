@@ -32,6 +32,7 @@ std::optional<ServiceRecord> readRecord(const StageRoot& root, const std::string
   return record;
 }
 
+/// A file for each service, so that what is registered outlives launchd, as it outlives a login on a Mac.
 bool writeRecord(const StageRoot& root, const std::string& plistName, const ServiceRecord& record) {
   const auto file = fileOf(root, plistName);
   const auto text = std::to_string(record.status) + "\n" + record.label + "\n" + record.bundle + "\n";

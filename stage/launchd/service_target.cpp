@@ -24,11 +24,14 @@ bool ServiceTarget::isOfUser(std::uint32_t userID) const {
   return kind == "gui" && number == std::to_string(userID);
 }
 
+/// As launchd names a domain in its errors, which is not how it was asked for.
 std::string ServiceTarget::domainText() const {
   return number ? "user " + kind + ": " + *number : kind;
 }
 
 std::optional<ServiceTarget> serviceTarget(std::string_view text) {
+  // Only a user's graphical domain is played. The others are understood so that they can be refused as a real launchd
+  // refuses them.
   static constexpr std::array<std::string_view, 4> numbered = {"gui", "user", "login", "pid"};
   ServiceTarget target;
   target.kind = takeComponent(text);

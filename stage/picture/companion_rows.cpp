@@ -11,6 +11,7 @@ constexpr std::int64_t grace = 2'000'000;
 /// Waits that follow each other this closely are one to the eye.
 constexpr std::int64_t together = 100'000;
 
+/// From its begin on, because the pid may have been another one's before.
 std::vector<Moment> momentsOf(const Scene& scene, const Life& life) {
   std::vector<Moment> own;
   std::ranges::copy_if(scene.moments, std::back_inserter(own),
@@ -130,6 +131,7 @@ Row stepsRow(const Scene& scene, const std::vector<Moment>& own) {
 std::vector<Span> lockSpans(const Scene& scene, const std::vector<Moment>& own, const Life& life) {
   std::vector<Span> spans;
   const auto end = endOf(scene, life);
+  // The lock is tried again and again; all busy tries up to another word are one wait.
   const auto isNotBusy = [](const Moment& one) { return one.word != "lock" || one.texts[0] != "busy"; };
   for (auto moment = own.begin(); moment != own.end(); ++moment) {
     if (moment->word != "lock") continue;
@@ -160,6 +162,7 @@ void addWatch(Row& row, const std::vector<Moment>& own, std::int64_t from, std::
       decision = moment.at;
       kills = true;
     }
+  // The journal has no word for sparing. A watch that goes on beyond the grace without a kill is one.
   const bool spares = !kills && until - from > grace + together;
   if (spares) decision = from + grace;
   row.spans.push_back(
@@ -180,6 +183,7 @@ Row watchRow(const Scene& scene, const std::vector<Moment>& own) {
     });
     addWatch(row, own, moment->at, until);
     for (auto look = moment; look != own.end() && look->at <= until; ++look)
+      // A look at itself only tells the companion when it began, and says nothing of who is watched.
       if (look->word == "looks" && numberIn(*look, 0) != scene.self().pid)
         row.marks.push_back(
             {.at = look->at, .kind = look->texts[1] == "alive" ? MarkKind::Alive : MarkKind::Gone});
@@ -201,6 +205,7 @@ std::vector<Row> companionRows(const Scene& scene) {
   const auto own = momentsOf(scene, scene.self());
   std::vector<Row> rows = {stepsRow(scene, own)};
   const Row lock{.kind = RowKind::Lock, .name = "its job lock", .spans = lockSpans(scene, own, scene.self())};
+  // What there was none of has no row: a picture of a status would be mostly empty ones.
   for (const auto& row : {lock, watchRow(scene, own), logRow(own)})
     if (!row.spans.empty() || !row.marks.empty()) rows.push_back(row);
   return rows;

@@ -58,6 +58,7 @@ constexpr std::int64_t latest = 1'000'000'000'000'000;
 /// How much later than its time a line may reach the file.
 constexpr std::int64_t heldUp = 1'000'000;
 
+/// A log line may carry any bytes, while both drawings have to be well-formed text.
 std::vector<std::string> partsOf(std::string_view line) {
   std::vector<std::string> found;
   for (const auto part : split(line, '\t'))
@@ -65,6 +66,7 @@ std::vector<std::string> partsOf(std::string_view line) {
   return found;
 }
 
+/// Asked once and here, so that whoever draws can take the texts of a known word for granted.
 bool hasItsShape(const Moment& moment) {
   const auto shape = std::ranges::find(shapes(), moment.word, &Shape::word);
   if (shape == shapes().end() || moment.texts.size() < shape->texts) return false;
@@ -113,6 +115,7 @@ void straighten(JournalReading& reading) {
 
 JournalReading readJournal(std::string_view bytes) {
   JournalReading reading;
+  // The last line may be one that is being written just now, or all that was written of it before the machine stopped.
   reading.cutOff = !bytes.empty() && !bytes.ends_with('\n');
   while (!bytes.empty()) {
     const auto end = bytes.find('\n');

@@ -31,6 +31,7 @@ class Registry {
   std::vector<Life> lives;
 
  private:
+  /// From the newest on: a pid that was given again means the one that has it now.
   Life* last(std::int32_t pid) {
     const auto found =
         std::find_if(lives.rbegin(), lives.rend(), [pid](const Life& life) { return life.pid == pid; });
@@ -80,6 +81,7 @@ class Registry {
     return number == 0 ? "" : how + " " + std::to_string(number);
   }
 
+  /// An end may be noted by the process itself, by its starter and by launchd. The first of them is the nearest.
   void endOf(std::int32_t pid, const Moment& moment, const std::string& ending) {
     auto* life = last(pid);
     if (life == nullptr || life->until) return;
@@ -90,6 +92,7 @@ class Registry {
 
   /// Who is looked at and found alive, or is sent a signal, is heard of without a word of its own.
   void heardOfOthers(const Moment& moment) {
+    // Who is found gone or dead is not heard of.
     const bool isLook = moment.word == "looks";
     const bool isGroup = moment.word == "signals" && moment.texts[1] == "group";
     if (isLook && moment.texts[1] != "alive") return;

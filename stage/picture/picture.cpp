@@ -4,6 +4,7 @@
 
 namespace tamo::stage {
 
+/// In whole numbers, because a quotient would be rounded, up as well as down.
 std::string secondsText(std::int64_t microseconds, int places) {
   std::int64_t unit = 1'000'000;
   for (int place = 0; place < places; ++place)
@@ -22,6 +23,7 @@ std::vector<std::int64_t> shownMoments(const Picture& picture) {
     for (const auto& span : row.spans)
       moments.insert(moments.end(), {span.from, span.until});
     for (const auto& mark : row.marks)
+      // Looks follow each other so closely that they would take the width from everything else.
       if (mark.kind != MarkKind::Alive && mark.kind != MarkKind::Gone) moments.push_back(mark.at);
   }
   for (const auto& arrow : picture.arrows)

@@ -11,6 +11,7 @@ std::string counted(std::size_t count, const std::string& one, const std::string
   return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
+/// A picture of a journal that is not whole is drawn all the same, and says what it lacks.
 std::vector<std::string> remarksOn(const JournalReading& reading, const Scene& scene) {
   std::vector<std::string> remarks;
   if (reading.unreadable > 0)

@@ -39,6 +39,7 @@ class Document {
     const auto chart =
         addChart(svg_, picture_, {.left = chartLeft, .width = chartRight - chartLeft, .top = 40});
     y_ = 40 + chart + 24;
+    // Its letters are larger than those of the other lines, so fewer of them fit.
     for (const auto& line : wrapped(picture_.sum, 118))
       addLine("sum", 12, line);
     for (const auto& remark : picture_.remarks)
@@ -100,6 +101,7 @@ class Document {
     svg_.close();
   }
 
+  /// The height is known only when everything has been laid out, so the frame is put around it last.
   [[nodiscard]] std::string whole() const {
     const auto height = coordinate(y_ + 4);
     SvgText svg;
@@ -108,6 +110,7 @@ class Document {
                      {"height", height},
                      {"viewBox", "0 0 " + coordinate(paperWidth) + " " + height}});
     svg.text("title", {}, picture_.title);
+    // For who has the document read aloud: the sum says what the chart shows.
     svg.text("desc", {}, picture_.sum);
     svg.raw(svgStyle());
     svg.raw(svgDefinitions());

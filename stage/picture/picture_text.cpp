@@ -77,6 +77,7 @@ std::string_view letterOf(std::string_view signal) {
 
 class Drawing {
  public:
+  /// The names have two fifths of a narrow terminal at most, and the chart the rest.
   Drawing(const Picture& picture, std::size_t columns)
       : picture_(picture),
         columns_(columns),
@@ -123,6 +124,7 @@ class Drawing {
     text_ += whole.substr(0, whole.find_last_not_of(' ') + 1) + "\n";
   }
 
+  /// What is likeliest to be looked for has its label first; the rest has what room is left.
   void ruler() {
     std::vector<std::int64_t> wanted = {0, picture_.until};
     for (const auto& arrow : picture_.arrows)
@@ -150,6 +152,7 @@ class Drawing {
   void row(std::size_t index) {
     const auto& row = picture_.rows[index];
     Canvas canvas(chart());
+    // Lives first: what is done in a life lies over it.
     for (const bool lives : {true, false})
       for (const auto& span : row.spans)
         if ((span.kind == SpanKind::Life) == lives) this->span(canvas, span);

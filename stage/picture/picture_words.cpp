@@ -5,6 +5,7 @@
 namespace tamo::stage {
 namespace {
 
+/// In UTF-8 every byte of a character but the first looks like this.
 bool isInside(char character) {
   return (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
 }

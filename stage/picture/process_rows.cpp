@@ -47,6 +47,7 @@ void addPrompt(Row& row, const Scene& scene, const Life& life) {
                          .label = "prompt"});
 }
 
+/// The verb is enough beside a mark, and whether it kills; the words below the chart have the rest.
 std::string shortQuestion(const Moment& asked) {
   const auto question = questionShown(asked);
   const bool kills = asked.texts.size() > 1 && asked.texts[1] == "-k";
@@ -138,6 +139,7 @@ class Table {
           addOne(other, RowKind::Helper);
     }
     for (std::size_t index = 0; index < lives.size(); ++index)
+      // Helpers of a Core that nobody noted.
       if (lives[index].role == Role::Helper && !result_.rowOf.contains(index)) addOne(index, RowKind::Helper);
   }
 
@@ -169,6 +171,7 @@ std::vector<Arrow> arrowsOf(const Scene& scene, const ProcessRows& rows) {
     Arrow arrow{.at = moment.at, .signal = signalName(numberIn(moment, 0))};
     const auto from = senderRow(moment, scene, rows);
     for (const auto life : targetsOf(moment, scene.lives)) {
+      // launchd's kill of the group follows the companion's before anybody has noted the ends that came of that one.
       const bool again = numberIn(moment, 0) == SIGKILL && !killed.insert(life).second;
       if (!again && rows.rowOf.contains(life)) arrow.to.push_back(rows.rowOf.at(life));
     }

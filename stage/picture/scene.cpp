@@ -52,6 +52,7 @@ std::optional<Scene> lastScene(const JournalReading& reading, const Present& pre
   const auto begin = last->at;
   Scene scene;
   scene.moments = momentsSince(last.base() - 1, all);
+  // From the whole journal: the Core that is stopped began long before the action.
   for (const auto& life : livesIn(all)) {
     auto known = since(begin, settled(life, present));
     if (!known.until || *known.until >= 0) scene.lives.push_back(std::move(known));

@@ -79,6 +79,7 @@ class Sum {
     }
   }
 
+  /// Alone or with its group, as the signal was sent.
   [[nodiscard]] std::string killName(std::int32_t pid) const {
     for (const auto& moment : scene_.moments)
       if (moment.word == "signals" && numberIn(moment, 0) == SIGKILL && numberIn(moment, 2) == pid)
@@ -94,6 +95,7 @@ class Sum {
     const auto result = first([](const Moment& one) {
       return one.word == "writes" && one.texts[0].ends_with("/move-to-applications.json");
     });
+    // Without a result it was no move, or one that never got so far.
     if (!result) return;
     add("password asked for", first(word("prompt")));
     add("answered", first(word("answer")));

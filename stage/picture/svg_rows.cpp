@@ -24,6 +24,7 @@ std::string text(double value) {
   return coordinate(value);
 }
 
+/// A life is thinner than what is done in it, which lies over it.
 double barHeight(SpanKind kind) {
   return kind == SpanKind::Life ? 6 : 12;
 }
@@ -195,6 +196,7 @@ class Chart {
     svg_.text("title", {}, arrow.signal + ": " + secondsText(arrow.at, 3));
     const auto start = top(arrow.from) + barMiddle;
     auto [first, last] = std::ranges::minmax(arrow.to);
+    // To both ends, because the sender may stand between them.
     for (const auto end : {first, last}) {
       const auto to = top(end) + barMiddle;
       svg_.leaf(

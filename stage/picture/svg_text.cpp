@@ -9,6 +9,7 @@ namespace {
 /// The two characters of UTF-8 that are well-formed and that XML refuses all the same.
 constexpr std::string_view noCharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"};
 
+/// Quotes as well: the same texts stand in attributes.
 std::string_view escapeOf(char character) {
   switch (character) {
     case '&':
@@ -43,6 +44,7 @@ std::string xmlText(std::string_view text) {
   return result;
 }
 
+/// A tenth of a unit is finer than anybody sees, and keeps the document short.
 std::string coordinate(double value) {
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%.1f", value);

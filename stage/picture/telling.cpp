@@ -96,6 +96,7 @@ class Teller {
     if (word == "lock") return lockText(moment);
     if (word == "unlocks") return "lets the lock go";
     if (word == "writes")
+      // The file of a print is made for each one and is no deed of its own.
       return moment.texts[0].contains("/tamo-core-print-") ? "" : "writes " + moment.texts[0];
     if (word == "trashes") return "puts " + moment.texts[0] + " into the Trash";
     if (word == "opens") return "opens " + moment.texts[0];
@@ -146,6 +147,7 @@ class Teller {
     return "sees " + nameOf(moment, numberIn(moment, 0)) + " end " + how;
   }
 
+  /// Every try is noted, and one line is enough for a wait.
   std::string lockText(const Moment& moment) {
     const bool gained = moment.texts[0] == "gained";
     if (gained) return "has the job lock";

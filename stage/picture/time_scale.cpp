@@ -23,6 +23,7 @@ TimeScale::TimeScale(std::vector<std::int64_t> moments, double width) : moments_
   for (std::size_t next = 1; next < moments_.size(); ++next)
     places_.push_back(places_.back() + weight(moments_[next] - moments_[next - 1]));
   const auto all = places_.back();
+  // Whatever the gaps add up to, the last moment stands at the end of the line.
   for (auto& place : places_)
     place *= width / all;
 }

@@ -25,6 +25,7 @@ class Reader {
   Reader(std::vector<ScriptWord> words, const std::vector<std::string>& arguments)
       : words_(std::move(words)), arguments_(arguments) {}
 
+  /// A script is understood to its last word or not at all: half of one may ask for something else than the whole.
   ShellRequest handler() {
     expect({"on", "run"});
     argumentsName_ = name();
@@ -159,6 +160,7 @@ std::string quotedForm(std::string_view text) {
   return quoted.append(replaced(text, "'", R"('\'')")).append("'");
 }
 
+/// The directory is quoted, because a stage may lie in one whose name means something to a shell.
 std::string commandOnStage(const ScriptText& command, const std::string& stageDirectory) {
   constexpr std::string_view programs = "/usr/bin/";
   std::string whole;

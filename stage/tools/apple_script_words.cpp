@@ -37,7 +37,7 @@ std::optional<char> escaped(char letter) {
   }
 }
 
-/// `rest` begins with the opening quote.
+/// `rest` begins with the opening quote. A literal without its end is a mistake, as is an escape that means nothing.
 std::optional<ScriptWord> takeLiteral(std::string_view& rest) {
   ScriptWord word{.kind = Kind::Literal};
   for (std::size_t at = 1; at < rest.size(); ++at) {

@@ -31,10 +31,14 @@ int become(std::vector<std::string> words) {
 
 }  // namespace
 
+/// Into a folder that is there ditto copies what the source holds, where cp by itself would make another folder
+/// within. Nothing behind "--" is an option, whatever a path begins with.
 std::vector<std::string> copyingCommand(const std::string& from, const std::string& to) {
   return {"/bin/cp", "--archive", "--no-target-directory", "--", from, to};
 }
 
+/// The fault goes by who runs this: the same program copies for the user and for the administrator, and a rehearsal
+/// mostly wants one of the two to fail.
 int runDitto(const StageRoot& root, const std::vector<std::string>& arguments) {
   if (const auto status = sufferFault(root, "ditto", actingUser())) return *status;
   if (arguments.size() != 2) {

@@ -32,6 +32,7 @@ constexpr Answer refusals[] = {
     {"refuse", "This user may not act as an administrator.", -60005},
     {"wrong-password", "The administrator user name or password was incorrect.", -60007}};
 
+/// The number in brackets is a Mac's form, and what the companion tells a cancelled prompt by.
 int failed(const ScriptError& error) {
   std::cerr << "execution error: " << error.text << " (" << error.number << ")\n";
   return kFailed;
@@ -54,7 +55,8 @@ void note(const StageRoot& root, const std::string& text) {
   logLine(log.get(), text);
 }
 
-/// Absent when the user agrees.
+/// Absent when the user agrees. The question is noted before the answer is waited for: that is how others see that a
+/// prompt is open.
 std::optional<ScriptError> askedUser(const StageRoot& root, const std::string& prompt) {
   const Journal journal(root);
   note(root, "asked: " + prompt);
@@ -69,7 +71,8 @@ std::optional<ScriptError> askedUser(const StageRoot& root, const std::string& p
                      .number = -60008};
 }
 
-/// By launchd and not by this process, because on a Mac too it is another process that has the rights.
+/// By launchd and not by this process, because on a Mac too it is another process that has the rights. What the
+/// command wrote comes back as one text, for launchd keeps both of its outputs in one file.
 int asAdministrator(const StageRoot& root, const std::string& command) {
   const auto answer = askLaunchd(root, {"administrator", command});
   if (!answer) return failed({.text = "launchd does not answer.", .number = -60008});
@@ -85,6 +88,7 @@ int asUser(const std::string& command) {
                  .number = WIFEXITED(status) ? WEXITSTATUS(status) : kFailed});
 }
 
+/// A script that asks for no privileges shows no prompt, whatever text it has for one.
 int carryOut(const StageRoot& root, const ShellRequest& request) {
   const auto command = commandOnStage(request.command, root.directory());
   if (!request.asAdministrator) return asUser(command);
@@ -114,6 +118,7 @@ std::optional<OsascriptUse> osascriptUse(const std::vector<std::string>& argumen
 }
 
 int runOsascript(const StageRoot& root, const std::vector<std::string>& arguments) {
+  // First of all, so that what an osascript with a fault was asked to do can be looked at, too.
   keep(root, arguments);
   if (const auto status = sufferFault(root, "osascript", actingUser())) return *status;
   const auto use = osascriptUse(arguments);

@@ -18,6 +18,7 @@ constexpr std::string_view userSpace = "user.";
 
 /// The attributes of one item that users may set, by the names of a Mac; none when they cannot be read.
 std::vector<std::string> attributesOf(const std::string& path) {
+  // As much as the kernel keeps of names for one item.
   std::string names(65536, '\0');
   const auto size = ::llistxattr(path.c_str(), names.data(), names.size());
   names.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
@@ -62,6 +63,7 @@ class Work {
       return;
     }
     const bool deleted = ::lremovexattr(item.c_str(), attributeOnDisk(*use_.deleted).c_str()) == 0;
+    // Of a whole tree most items have no such mark, so only an item that was named itself has to have it.
     const bool missing = !deleted && errno == ENODATA;
     if (missing && named && !use_.recursive) return fail(path, "No such xattr: " + *use_.deleted);
     if (!deleted && !missing) fail(path, std::strerror(errno));
