@@ -18,6 +18,7 @@ namespace {
 using platform::LogPart;
 using platform::LogPiece;
 
+/// As a Mac's log names the two levels.
 const char* levelName(platform::LogLevel level) {
   return level == platform::LogLevel::Error ? "error" : "default";
 }
@@ -82,6 +83,7 @@ class StageLogger final : public platform::Logger {
     const auto shown = shownColumn(line, privateTexts);
     append(logTime(clock_.wallNow()) + "\t" + std::to_string(::getpid()) + "\t" + level + "\t" + channel_ +
            "\t" + shown + "\t" + markedColumn(line, privateTexts) + "\n");
+    // Shown even if the file has not taken it.
     showTo(STDERR_FILENO, level + " " + shown + "\n");
   }
 

@@ -34,6 +34,7 @@ std::vector<std::string> urlsIn(std::string_view lines) {
   return urls;
 }
 
+/// A companion that nobody can reach would look like one that ignores what it is sent.
 UrlInbox::UrlInbox(const StageRoot& root) : path_(socketPath(root)), listener_(listeningAt(path_)) {
   if (!listener_) values::fatal("no URLs can be received at " + path_);
 }

@@ -39,6 +39,7 @@ std::optional<StageProcess> fromStat(pid_t pid) {
   return process;
 }
 
+/// As a whole, because the directory of another stage may begin like this one's.
 bool hasEntry(std::string_view environment, const std::string& entry) {
   for (std::size_t start = 0; start < environment.size();) {
     const auto end = std::min(environment.find('\0', start), environment.size());

@@ -42,6 +42,7 @@ int translocate(StageArguments& arguments) {
   return 0;
 }
 
+/// In the way that a companion opens it, so an error that was ordered meets whoever comes first.
 int open(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   const auto path = copyPath(root, arguments.take("place"));

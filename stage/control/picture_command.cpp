@@ -16,6 +16,7 @@
 namespace tamo::stage {
 namespace {
 
+/// By the journal's own clock, so that now can be compared with its moments.
 Present presentOf(const StageRoot& root) {
   timespec now{};
   ::clock_gettime(CLOCK_MONOTONIC, &now);

@@ -104,6 +104,7 @@ int receipt(StageArguments& arguments) {
   const auto pid = arguments.takeAny();
   arguments.finish();
   if (pid) static_cast<void>(wholeNumber(*pid, "pid"));
+  // In the real home, wherever a test build has its data.
   const auto folder = root.host(root.home() + "/Library/Application Support/TamoPKG1/M2");
   bool any = false;
   for (const auto& name : namesIn(folder)) {

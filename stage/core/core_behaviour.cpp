@@ -44,6 +44,7 @@ bool readChildren(CoreBehaviour& behaviour, std::string_view value) {
   return count && *count <= 64 && (plain || behaviour.childrenLeave || behaviour.childrenAreOrphans);
 }
 
+/// launchd has every job lead a group, so a Core that shall lead none has to leave it by itself.
 bool readGroup(CoreBehaviour& behaviour, std::string_view value) {
   behaviour.leadsGroup = value == "own";
   return value == "own" || value == "parent";
@@ -62,6 +63,7 @@ bool readDeath(CoreBehaviour& behaviour, std::string_view value) {
   const auto code = parts.size() == 2 ? countIn(parts[1]) : std::optional(1);
   behaviour.diesAfter = timeIn(parts[0]);
   behaviour.diesWith = code.value_or(1);
+  // An exit status has no room for more.
   return parts.size() <= 2 && behaviour.diesAfter && code && *code <= 255;
 }
 

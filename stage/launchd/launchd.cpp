@@ -39,6 +39,7 @@ void Launchd::ask(const std::vector<std::string>& words, Time now, const Reply& 
     shutdown_ = reply;
     return;
   }
+  // Whoever asks waits for an answer, so what is no question has one, too.
   if (!askServices(question)) reply(kNoQuestion);
 }
 

@@ -6,7 +6,8 @@
 namespace tamo::stage {
 namespace {
 
-/// How long a hard stop lets its process exit by itself.
+/// How long a hard stop lets its process exit by itself. The product's own rule, told here once more: the picture is
+/// drawn from the journal, and no line of it knows the product.
 constexpr std::int64_t grace = 2'000'000;
 /// Waits that follow each other this closely are one to the eye.
 constexpr std::int64_t together = 100'000;
@@ -105,6 +106,7 @@ bool endsWith(const Moment& moment, std::string_view ending) {
   return moment.texts[0].ends_with(ending);
 }
 
+/// By the forms of the product's lines and names, because the journal knows what was written and not what that means.
 std::string markName(const Moment& moment) {
   if (moment.word == "log" && moment.texts[1].starts_with("hardstop ")) return "note";
   if (moment.word == "writes" && endsWith(moment, "-core.json")) return "receipt";

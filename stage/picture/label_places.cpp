@@ -11,6 +11,7 @@ std::optional<double> LabelPlaces::place(double wanted, double textWidth, double
   // Right behind those that are there already.
   for (const auto& [from, to] : taken_)
     if (to + gap_ > wanted && to + gap_ <= std::min(wanted + slack, last)) tried.push_back(to + gap_);
+  // From left to right, so the place nearest to the wanted one is taken.
   std::ranges::sort(tried);
   for (const auto from : tried) {
     if (!isFree(from, from + textWidth)) continue;

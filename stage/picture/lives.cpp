@@ -10,6 +10,8 @@ constexpr std::int64_t sameBegin = 1'000'000;
 
 class Registry {
  public:
+  /// A companion, launchd and Tamo note their begin by themselves alone, and an errand's is noted by launchd alone. Of
+  /// a Core and a tool both sides tell, so those two must become one life.
   void take(const Moment& moment) {
     const auto& word = moment.word;
     meet(moment);

@@ -36,6 +36,7 @@ std::optional<Picture> pictureOf(const JournalReading& reading, const Present& p
   picture.title = actionOf(*scene) + " by companion " + std::to_string(scene->self().pid) + ", " +
                   secondsText(scene->until);
   picture.until = scene->until;
+  // Before the rows are given away: the signals go by their numbers.
   picture.arrows = arrowsOf(*scene, rows);
   picture.rows = std::move(rows.rows);
   picture.told = toldOf(*scene);

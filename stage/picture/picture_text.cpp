@@ -64,6 +64,7 @@ std::string characterOf(const Mark& mark) {
       return "○";
     case MarkKind::Moment:
       return "◆";
+    // Looks that find a process alive are too many for a row of characters.
     case MarkKind::Alive:
       break;
   }

@@ -86,6 +86,7 @@ std::size_t columnsOf(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(text, [](char one) { return !isInside(one); }));
 }
 
+/// The sign for what is left out takes one of the columns.
 std::string cutTo(std::string_view text, std::size_t columns) {
   if (columnsOf(text) <= columns) return std::string(text);
   if (columns == 0) return "";

@@ -10,6 +10,7 @@
 namespace tamo::stage {
 namespace {
 
+/// Who lived before is drawn from the picture's edge on.
 Span spanOf(const Scene& scene, const Life& life) {
   return {.from = std::max<std::int64_t>(0, life.from),
           .until = life.until.value_or(scene.until),
@@ -56,6 +57,7 @@ std::string shortQuestion(const Moment& asked) {
 
 /// What a process says of itself, and what launchd is asked.
 std::string ownMarkName(const Moment& moment) {
+  // That a Core has helpers is seen by their own rows.
   if (moment.word == "says" && !moment.texts[0].starts_with("has ")) return moment.texts[0];
   if (moment.word == "asked") return shortQuestion(moment);
   if (moment.word == "told") return "told " + signalName(numberIn(moment, 0));

@@ -59,6 +59,7 @@ class Sum {
     return found;
   }
 
+  /// What nobody noted is left out and not guessed.
   void add(const std::string& what, std::optional<std::int64_t> at) {
     if (at) parts_ += (parts_.empty() ? "" : ", ") + what + " at " + secondsText(*at);
   }

@@ -34,6 +34,7 @@ class Chart {
   Chart(SvgText& svg, const Picture& picture, const ChartPlace& place)
       : svg_(svg), picture_(picture), place_(place), scale_(shownMoments(picture), place.width) {}
 
+  /// What is drawn later lies over what was drawn before: the grounds of the rows come first, the signals last.
   double draw() {
     ruler();
     for (std::size_t index = 0; index < picture_.rows.size(); ++index)
@@ -164,6 +165,7 @@ class Chart {
 
   void label(std::size_t index, std::int64_t at, const std::string& words) {
     if (words.empty()) return;
+    // What has no room is not written, but named in the title of its part all the same.
     const auto place = labels_[index].place(scale_.place(at), textWidth(words), slack);
     if (!place) return;
     svg_.text("text", {{"x", text(place_.left + *place)}, {"y", text(top(index) + labelLine)}}, words);

@@ -20,6 +20,7 @@ std::string targetNames(const Moment& signal, const Scene& scene) {
   return isGroup ? whole + " (" + names + ")" : names;
 }
 
+/// What is asked all the time, or only to look on, is not told.
 std::string questionText(const Moment& asked) {
   const auto question = questionShown(asked);
   return question.empty() ? "" : "is asked: " + question;
