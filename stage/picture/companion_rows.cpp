@@ -6,8 +6,8 @@
 namespace tamo::stage {
 namespace {
 
-/// How long a hard stop lets its process exit by itself. The product's own rule, told here once more: the picture is
-/// drawn from the journal, and no line of it knows the product.
+/// How long a hard stop lets its process exit by itself. The product's own rule, told here once more, because
+/// nothing on the stage knows the product.
 constexpr std::int64_t grace = 2'000'000;
 /// Waits that follow each other this closely are one to the eye.
 constexpr std::int64_t together = 100'000;

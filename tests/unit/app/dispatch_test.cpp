@@ -17,11 +17,21 @@ class DispatchTest : public ::testing::Test {
         {"lock: ", "service: ", "log: ", "application: ", "files: write /Users", "tool: /"});
   }
   void downloaded() { companion.runsFrom(downloads); }
+  /// The action waits for its answer, which is given by `completion`.
+  void unregisterUntilSuspended() {
+    companion.fakes.agentServices.unregisterDelivery = [this](auto deliver) { completion = deliver; };
+    delegate.emplace(companion.fakes.platform, companion.config,
+                     std::vector<std::string>{"/program", "--core-action", "unregister"});
+    delegate->applicationDidFinishLaunching();
+    companion.fakes.mainQueue.runUntilIdle();
+  }
 
   const std::string lockPath = "lock: open /tmp/of-the-user/studio.pell.tamo.core.job.lock";
   const std::string agent = "service: agent studio.pell.tamo.core.plist";
   const std::string downloads = Companion::downloads;
   Companion companion;
+  std::optional<CoreDelegate> delegate;
+  std::function<void()> completion;
 };
 
 TEST_F(DispatchTest, StatusTakesNoLockAndReadsTheStatusForTheRecordAndTheLine) {
@@ -151,12 +161,7 @@ TEST_F(DispatchTest, ALockThatStaysTakenDelaysTheActionByItsOwnWaitOnly) {
 }
 
 TEST_F(DispatchTest, TheLockIsHeldAcrossASuspension) {
-  std::function<void()> completion;
-  companion.fakes.agentServices.unregisterDelivery = [&](auto deliver) { completion = deliver; };
-  CoreDelegate delegate(companion.fakes.platform, companion.config,
-                        {"/program", "--core-action", "unregister"});
-  delegate.applicationDidFinishLaunching();
-  companion.fakes.mainQueue.runUntilIdle();
+  unregisterUntilSuspended();
   EXPECT_TRUE(companion.fakes.lockFiles.held);
   EXPECT_TRUE(companion.logLines().empty());
   completion();
@@ -166,13 +171,8 @@ TEST_F(DispatchTest, TheLockIsHeldAcrossASuspension) {
 }
 
 TEST_F(DispatchTest, AUrlThatComesWhileTheActionIsSuspendedChangesNothing) {
-  std::function<void()> completion;
-  companion.fakes.agentServices.unregisterDelivery = [&](auto deliver) { completion = deliver; };
-  CoreDelegate delegate(companion.fakes.platform, companion.config,
-                        {"/program", "--core-action", "unregister"});
-  delegate.applicationDidFinishLaunching();
-  companion.fakes.mainQueue.runUntilIdle();
-  delegate.application({"tamo-core://register"});
+  unregisterUntilSuspended();
+  delegate->application({"tamo-core://register"});
   companion.fakes.mainQueue.runUntilIdle();
   completion();
   companion.fakes.mainQueue.runUntilIdle();
