@@ -44,18 +44,6 @@ std::string_view firstCharacter(std::string_view text) {
   return text.substr(0, size);
 }
 
-/// The system does not sort the parts of a mark such as U+0F73 into the marks beside it, and loses marks with
-/// parts in a long row of them. So each character is taken apart by itself, and what comes of it is sorted.
-std::string decomposed(std::string_view text) {
-  std::string parts;
-  while (!text.empty()) {
-    const auto character = firstCharacter(text);
-    parts += character.size() == 1 ? std::string(character) : normalised(character);
-    text.remove_prefix(character.size());
-  }
-  return normalised(parts);
-}
-
 }  // namespace
 
 std::string lowercased(std::string_view text) {
@@ -68,10 +56,16 @@ std::string lowercased(std::string_view text) {
   return result;
 }
 
-bool canonicallyEqual(std::string_view left, std::string_view right) {
-  if (left == right) return true;
-  if (!isUtf8(left) || !isUtf8(right)) return false;
-  return decomposed(left) == decomposed(right);
+/// The system does not sort the parts of a mark such as U+0F73 into the marks beside it, and loses marks with
+/// parts in a long row of them. So each character is taken apart by itself, and what comes of it is sorted.
+std::string decomposed(std::string_view text) {
+  std::string parts;
+  while (!text.empty()) {
+    const auto character = firstCharacter(text);
+    parts += character.size() == 1 ? std::string(character) : normalised(character);
+    text.remove_prefix(character.size());
+  }
+  return normalised(parts);
 }
 
 }  // namespace tamo::values

@@ -6,7 +6,6 @@
 #include <utf8proc.h>
 
 #include "values/fatal.hpp"
-#include "values/text.hpp"
 
 namespace tamo::values {
 namespace {
@@ -45,17 +44,6 @@ void appendLowercased(std::string& text, utf8proc_int32_t codePoint) {
   }
 }
 
-/// Two texts are canonically equal when they are the same once every character is taken apart and the marks
-/// are put in order.
-std::string decomposed(std::string_view text) {
-  utf8proc_uint8_t* raw = nullptr;
-  const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_STABLE);
-  const auto size = utf8proc_map(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &raw, options);
-  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owned(raw, &std::free);
-  if (size < 0) fatal("a text could not be decomposed");
-  return {owned.get(), owned.get() + size};
-}
-
 }  // namespace
 
 /// Byte by byte where there is no character: a path need not be UTF-8 to be looked at.
@@ -74,10 +62,13 @@ std::string lowercased(std::string_view text) {
   return result;
 }
 
-bool canonicallyEqual(std::string_view left, std::string_view right) {
-  if (left == right) return true;
-  if (!isUtf8(left) || !isUtf8(right)) return false;
-  return decomposed(left) == decomposed(right);
+std::string decomposed(std::string_view text) {
+  utf8proc_uint8_t* raw = nullptr;
+  const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_STABLE);
+  const auto size = utf8proc_map(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &raw, options);
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owned(raw, &std::free);
+  if (size < 0) fatal("a text could not be decomposed");
+  return {owned.get(), owned.get() + size};
 }
 
 }  // namespace tamo::values
