@@ -37,8 +37,8 @@ std::optional<std::string> programOf(const StageRoot& root, const std::string& b
   return values::joinedPath(bundle, "Contents/MacOS/" + *name);
 }
 
-/// By the executable, through whatever link it was started: a Mac brings that process forward and starts no
-/// second one.
+/// By the executable, through whatever link it was started: a Mac brings that process forward and starts no second
+/// one. A copy that runs from another place does not count, which the Mac's adapter has to ask for.
 bool runsFrom(const StageRoot& root, const std::string& program) {
   const auto executable = root.existing(program);
   const auto running = runningPrograms(root);

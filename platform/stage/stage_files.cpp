@@ -52,6 +52,7 @@ bool StageFiles::remove(const std::string& path) {
   return place && posix::remove(*place);
 }
 
+/// The entry as it stands, so that a link there is met and refused.
 std::unique_ptr<platform::OutputFile> StageFiles::openForWriting(const std::string& path) {
   const auto place = root_.entry(path);
   return place ? posix::openForWriting(*place) : nullptr;

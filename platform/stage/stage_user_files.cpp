@@ -45,6 +45,7 @@ std::string nameInTrash(const std::string& name, const std::string& timeOfDay, i
   return result.append(name, stem);
 }
 
+/// Links are followed, and into what is missing nobody may write: a Mac answers the same.
 bool StageUserFiles::isWritable(const std::string& path) const {
   const auto item = root_.existing(path);
   return item && platform::posix::isWritable(*item);

@@ -19,8 +19,9 @@ Descriptor folderOf(const std::string& path) {
   return Descriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-/// The address names the socket through the descriptor of its folder, which keeps it short. False when even
-/// the name alone is too long.
+/// The address names the socket through the descriptor of its folder, which keeps it short. False when even the name
+/// alone is too long. A played path may be as long as a Mac's sockets allow, however deep the stage in front of it
+/// lies.
 bool fill(sockaddr_un& address, const Descriptor& folder, const std::string& path) {
   address = {};
   address.sun_family = AF_UNIX;

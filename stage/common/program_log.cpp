@@ -13,6 +13,7 @@ void logLine(int descriptor, const std::string& text) {
   timespec now{};
   ::clock_gettime(CLOCK_REALTIME, &now);
   tm parts{};
+  // In UTC and with milliseconds, as in the companion's log: the two are read side by side.
   ::gmtime_r(&now.tv_sec, &parts);
   std::array<char, 32> date{};
   std::array<char, 32> fraction{};

@@ -8,6 +8,7 @@ namespace tamo::stage {
 namespace {
 
 int lay(StageArguments& arguments) {
+  // What is played comes from the build that this program belongs to.
   Laying laying{.directory = arguments.take("directory"), .programs = ownProgramFolder()};
   laying.bare = arguments.takeFlag("--bare");
   arguments.finish();

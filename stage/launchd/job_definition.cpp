@@ -66,6 +66,7 @@ std::optional<std::string> programOf(const PropertyList& list, const JobDefiniti
 
 }  // namespace
 
+/// Read when a job is loaded and never again: what is changed in a list shows at the next loading.
 std::optional<JobDefinition> jobDefinition(const PropertyList& list, const std::string& path) {
   JobDefinition definition;
   definition.path = path;

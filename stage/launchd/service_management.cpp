@@ -32,7 +32,8 @@ LaunchdAnswer serviceError(int code, const std::string& description) {
   return {.status = 1, .output = "SMAppServiceErrorDomain\t" + std::to_string(code) + "\t" + description};
 }
 
-/// The record decides and not the job: an agent is enabled whether or not its process runs.
+/// The record decides and not the job: an agent is enabled whether or not its process runs. For an agent that was
+/// never registered a Mac has two answers in use, so the setting chooses one.
 LaunchdAnswer ServiceManagement::status(const std::string& plistName) const {
   const auto record = readRecord(root_, plistName);
   return {.output = record ? std::to_string(record->status) : root_.setting("never-registered-status", "0")};
@@ -69,7 +70,8 @@ void ServiceManagement::unregisterAgent(const std::string& plistName, Time now, 
   record->status = ServiceRecord::kNotRegistered;
   if (!writeRecord(root_, plistName, *record))
     return answer(serviceError(kInternalFailure, "The registration could not be taken back"));
-  // A job that is not loaded is gone already: nothing to report.
+  // The answer waits until the job is gone, because a Mac too ends the agent before it completes. A job that is not
+  // loaded is gone already: nothing to report.
   jobs_.bootout(record->label, now, [answer](const LaunchdAnswer&) { answer({}); });
 }
 
@@ -108,6 +110,8 @@ std::optional<ServiceManagement::Time> ServiceManagement::nextDeadline() const {
   return next->due;
 }
 
+/// The job is loaded with the registration, as on a Mac, and may run before that is answered. A Mac is reported to
+/// lose the record of a bundle that was moved away; here the list is then missing, and the record stays.
 LaunchdAnswer ServiceManagement::load(const std::string& plistName, const ServiceRecord& record, Time now) {
   auto definition = jobDefinitionAt(root_, listPath(record.bundle, plistName));
   if (!definition) return faultAnswer(definition.error());

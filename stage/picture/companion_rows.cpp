@@ -146,6 +146,7 @@ std::vector<Span> lockSpans(const Scene& scene, const std::vector<Moment>& own, 
                        .began = moment->at < 0,
                        .goesOn = !life.until && free == end});
     } else if (spans.empty() || spans.back().until <= moment->at) {
+      // Only the first busy try begins a wait; those that follow lie within it.
       spans.push_back({.from = std::max<std::int64_t>(0, moment->at),
                        .until = firstFrom(moment, own, end, isNotBusy),
                        .kind = SpanKind::Wait,

@@ -96,6 +96,7 @@ class Chart {
     }
   }
 
+  /// Only a moment that the ruler names has a line.
   void guides() {
     for (const auto moment : told_)
       svg_.leaf("line", {{"class", "guide"},
@@ -157,6 +158,7 @@ class Chart {
                                  text(middle) + " L" + text(at) + " " + text(middle + 5) + " Z"}});
   }
 
+  /// More exactly than the ruler, for what follows a kill follows it within milliseconds.
   [[nodiscard]] std::string titleOf(std::size_t index, const Span& span) const {
     const auto& name = picture_.rows[index].name;
     return name + (span.label.empty() ? "" : ", " + span.label) + ": " + secondsText(span.from, 3) + " to " +

@@ -18,8 +18,9 @@ constexpr int noSuchItem = -1728;
 /// long.
 constexpr std::size_t longestText = std::size_t{128} << 10U;
 
-/// Reads the words from left to right. What doesn't fit ends the reading by a raised ScriptError, which never
-/// leaves this file.
+/// Reads the words from left to right. What doesn't fit ends the reading by a raised ScriptError, which never leaves
+/// this file. The script is understood and not searched for its words, so an argument that reads like script stays an
+/// argument.
 class Reader {
  public:
   Reader(std::vector<ScriptWord> words, const std::vector<std::string>& arguments)
