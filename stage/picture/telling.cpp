@@ -30,7 +30,7 @@ std::string toolText(const Moment& moment, std::size_t name) {
   const auto path = moment.texts[name];
   auto text = path.substr(path.rfind('/') + 1);
   const auto rest = textsFrom(moment, name + 1);
-  // An osascript has a whole script for an argument; its first line tells which it is.
+  // An osascript has a whole script for an argument; its first line is enough to know it by.
   if (!rest.empty()) text += " " + rest.substr(0, rest.find('\n'));
   return text;
 }

@@ -63,7 +63,7 @@ class Work {
       return;
     }
     const bool deleted = ::lremovexattr(item.c_str(), attributeOnDisk(*use_.deleted).c_str()) == 0;
-    // Of a whole tree most items have no such mark, so only an item that was named itself has to have it.
+    // Of a whole tree most items have no such mark, so that is an error of a single item alone.
     const bool missing = !deleted && errno == ENODATA;
     if (missing && named && !use_.recursive) return fail(path, "No such xattr: " + *use_.deleted);
     if (!deleted && !missing) fail(path, std::strerror(errno));
