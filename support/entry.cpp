@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "support/json_line.hpp"
+#include "values/escaped_text.hpp"
 
 namespace tamo::support {
 namespace {
@@ -113,36 +114,6 @@ std::string_view takeColumn(std::string_view& rest) {
   return column;
 }
 
-/// The byte that the two digits behind "x" name; absent for anything else.
-std::optional<char> namedByte(std::string_view name) {
-  unsigned char code = 0;
-  if (name.size() < 3 || name[0] != 'x') return std::nullopt;
-  const auto read = std::from_chars(name.data() + 1, name.data() + 3, code, 16);
-  return read.ptr == name.data() + 3 ? std::optional(static_cast<char>(code)) : std::nullopt;
-}
-
-/// Takes what stands behind a backslash off the front. What is no escape stands for itself.
-char takeEscaped(std::string_view& rest) {
-  const char letter = rest.front();
-  const auto byte = namedByte(rest);
-  rest.remove_prefix(byte ? 3 : 1);
-  if (byte) return *byte;
-  if (letter == 't') return '\t';
-  return letter == 'n' ? '\n' : letter;
-}
-
-/// The stage writes a tab, a line break, a backslash and what a terminal would obey with a backslash.
-std::string unescapedColumn(std::string_view column) {
-  std::string text;
-  while (column.contains('\\') && column.find('\\') + 1 < column.size()) {
-    const auto at = column.find('\\');
-    text.append(column.substr(0, at));
-    column.remove_prefix(at + 1);
-    text += takeEscaped(column);
-  }
-  return text.append(column);
-}
-
 /// Seven columns: the time, the pid, the level, the subsystem, the category, the text, and the text with its marks,
 /// which a line that was cut has lost.
 Recognised ofAStage(const Moment& at, std::string_view rest) {
@@ -153,7 +124,7 @@ Recognised ofAStage(const Moment& at, std::string_view rest) {
   const auto text = takeColumn(rest);
   if (!pid || !ours) return {.kind = Kind::Foreign};
   if (rest.empty()) return {.kind = Kind::Unknown};
-  return product(at, *pid, level, unescapedColumn(text), false);
+  return product(at, *pid, level, values::unescaped(text), false);
 }
 
 Recognised ofAnObject(std::string_view line, bool marked) {

@@ -7,6 +7,7 @@
 
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/stage_log.hpp"
+#include "values/escaped_text.hpp"
 
 namespace tamo::stage {
 namespace {
@@ -50,12 +51,12 @@ std::string journalLine(std::int64_t microseconds, std::int32_t pid, std::string
 }
 
 std::string journalText(std::string_view text) {
-  if (text.size() <= longestText) return escaped(text);
-  return escaped(shortened(text)) + "…";
+  if (text.size() <= longestText) return values::escaped(text);
+  return values::escaped(shortened(text)) + "…";
 }
 
 std::string textFromJournal(std::string_view text) {
-  return unescaped(text);
+  return values::unescaped(text);
 }
 
 }  // namespace tamo::stage

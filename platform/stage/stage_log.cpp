@@ -1,64 +1,26 @@
 #include "platform/stage/stage_log.hpp"
 
 #include <array>
-#include <charconv>
 #include <cstdio>
 #include <fcntl.h>
-#include <optional>
 #include <unistd.h>
 #include <utility>
 
 #include "platform/log_text.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/onlooker.hpp"
+#include "values/escaped_text.hpp"
 
 namespace tamo::stage {
 namespace {
 
 using platform::LogPart;
 using platform::LogPiece;
+using values::escaped;
 
 /// As a Mac's log names the two levels.
 const char* levelName(platform::LogLevel level) {
   return level == platform::LogLevel::Error ? "error" : "default";
-}
-
-/// What a terminal would obey instead of showing it.
-bool isControl(char character) {
-  const auto code = static_cast<unsigned char>(character);
-  return code < 0x20 || code == 0x7f;
-}
-
-std::string hexadecimal(char character) {
-  std::array<char, 8> text{};
-  std::snprintf(text.data(), text.size(), "x%02x", static_cast<unsigned char>(character));
-  return text.data();
-}
-
-std::string escapedCharacter(char character, std::string_view more) {
-  if (character == '\t') return "\\t";
-  if (character == '\n') return "\\n";
-  if (isControl(character)) return "\\" + hexadecimal(character);
-  const bool marked = character == '\\' || more.contains(character);
-  return std::string(marked ? "\\" : "") + character;
-}
-
-/// The byte that the two digits behind "x" name; absent for anything else.
-std::optional<char> namedByte(std::string_view name) {
-  unsigned char code = 0;
-  if (name.size() < 3 || name[0] != 'x') return std::nullopt;
-  const auto read = std::from_chars(name.data() + 1, name.data() + 3, code, 16);
-  return read.ptr == name.data() + 3 ? std::optional(static_cast<char>(code)) : std::nullopt;
-}
-
-/// Takes what stands behind a backslash off the front.
-char takeEscaped(std::string_view& rest) {
-  const char letter = rest.front();
-  const auto byte = namedByte(rest);
-  rest.remove_prefix(byte ? 3 : 1);
-  if (byte) return *byte;
-  if (letter == 't') return '\t';
-  return letter == 'n' ? '\n' : letter;
 }
 
 /// The marks tell a reader what would be private on a Mac, so a brace of the text itself is escaped.
@@ -101,24 +63,6 @@ class StageLogger final : public platform::Logger {
 };
 
 }  // namespace
-
-/// A line stays a line and a column a column, whatever the text holds.
-std::string escaped(std::string_view text, std::string_view more) {
-  std::string result;
-  for (const char character : text)
-    result += escapedCharacter(character, more);
-  return result;
-}
-
-std::string unescaped(std::string_view text) {
-  std::string plain;
-  while (!text.empty()) {
-    const char one = text.front();
-    text.remove_prefix(1);
-    plain += one == '\\' && !text.empty() ? takeEscaped(text) : one;
-  }
-  return plain;
-}
 
 std::string shownColumn(const platform::LogLine& line, PrivateTexts privateTexts) {
   std::string text;

@@ -23,13 +23,6 @@ namespace tamo::stage {
 
 enum class PrivateTexts { Hidden, Shown };
 
-/// `text` with a backslash before each of "\", tab and line break (as "\\", "\t", "\n") and before each
-/// character of `more`; another control character, which a terminal would obey, is its number ("\x1b").
-[[nodiscard]] std::string escaped(std::string_view text, std::string_view more = {});
-
-/// What was escaped, as it was; what is no escape behind a backslash stands for itself.
-[[nodiscard]] std::string unescaped(std::string_view text);
-
 /// The sixth and the seventh column.
 [[nodiscard]] std::string shownColumn(const platform::LogLine& line, PrivateTexts privateTexts);
 [[nodiscard]] std::string markedColumn(const platform::LogLine& line, PrivateTexts privateTexts);

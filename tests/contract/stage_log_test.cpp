@@ -36,18 +36,6 @@ class StageLogTest : public ::testing::Test {
   StageLog log{stage.root(), clock};
 };
 
-TEST(EscapedTest, WhatWouldBreakALineIsMarked) {
-  EXPECT_EQ(escaped("a b·{c}"), "a b·{c}");
-  EXPECT_EQ(escaped("a\tb\nc\\d"), "a\\tb\\nc\\\\d");
-  EXPECT_EQ(escaped("{a\\}", "{}"), "\\{a\\\\\\}");
-}
-
-/// A terminal would obey them and show another line than the one that was logged.
-TEST(EscapedTest, WhatATerminalObeysIsItsNumber) {
-  EXPECT_EQ(escaped("a\rb\x1b[2Kc\x7f\x01"), "a\\x0db\\x1b[2Kc\\x7f\\x01");
-  EXPECT_EQ(escaped(" ~\xc3\xbc"), " ~\xc3\xbc");
-}
-
 TEST(LogTimeTest, ItIsTruncatedTowardsThePast) {
   const std::chrono::system_clock::time_point epoch{};
   EXPECT_EQ(logTime(epoch), "1970-01-01T00:00:00.000Z");

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <thread>
 
-#include "platform/stage/stage_log.hpp"
+#include "values/escaped_text.hpp"
 
 namespace tamo::acceptance {
 namespace {
@@ -63,7 +63,7 @@ std::optional<Line> lineOfStage(std::string_view columns) {
   return Line{.time = *time,
               .pid = std::atoi(std::string(parts[1]).c_str()),
               .level = parts[2] == "error" ? Level::Error : Level::Default,
-              .text = stage::unescaped(parts[5]),
+              .text = values::unescaped(parts[5]),
               .marks = marksOfColumn(parts[6])};
 }
 
