@@ -121,7 +121,7 @@ clear_trash() {
 is_ours() {
   local path=${1%/}
   case "$path" in
-    */Tamo.app.making | "$(data_directory).making" | "$(downloads)" | */tamo-acceptance-sample) return 0 ;;
+    */Tamo.app.making | "$(data_directory).making" | "$(downloads)" | */tamo-acceptance-sample | */Shared/tamo-acceptance) return 0 ;;
     */Tamo.app) [[ -e $path/$sample_mark ]] || xattr -p "$copy_mark" "$path" >/dev/null 2>&1 ;;
     "$(data_directory)") [[ -e $path/$data_mark ]] ;;
     "$(container)") [[ ! -e $path/.com.apple.containermanagerd.metadata.plist ]] ;;

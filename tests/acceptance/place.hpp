@@ -171,6 +171,19 @@ class User {
   virtual void sleepAWhile() = 0;
 };
 
+/// Somebody else who is logged in at the same machine, in a session beside this one.
+class OtherUser {
+ public:
+  virtual ~OtherUser() = default;
+  /// Has the installed copy's companion started there with that action, and gives its pid once it is seen to run. Where
+  /// that takes a person, asks and waits for it.
+  virtual pid_t start(const std::string& action) = 0;
+  /// Whether that companion has ended.
+  [[nodiscard]] virtual bool ended() = 0;
+  /// The lines that it left.
+  [[nodiscard]] virtual std::vector<Line> lines() = 0;
+};
+
 /// What goes wrong on demand. Each holds until the place is cleared.
 class Faults {
  public:
@@ -203,6 +216,7 @@ struct Place {
   Core& core;
   Evidence& evidence;
   User& user;
+  OtherUser& otherUser;
   Faults& faults;
   const platform::KernelProcesses& kernel;
   Paths paths;

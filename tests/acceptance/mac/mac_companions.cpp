@@ -33,7 +33,7 @@ std::string MacCompanions::open(const std::string& url) {
 
 std::vector<pid_t> MacCompanions::running() {
   std::vector<pid_t> pids;
-  for (const auto& one : processesEndingWith(std::string(companionInCopy) + "/Contents/MacOS/Tamo Core"))
+  for (const auto& one : processesEndingWith(companionProgram, Whose::Ours))
     pids.push_back(one.pid);
   return pids;
 }

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "acceptance/mac/mac_tools.hpp"
+#include "acceptance/mac/person.hpp"
 #include "acceptance/mac/sample_lists.hpp"
 #include "acceptance/mac/signers.hpp"
 #include "platform/posix/posix_files.hpp"
@@ -201,15 +202,13 @@ Signature MacCopies::signature(Copy copy) const {
 
 /// Only a person's double click makes the system run a copy from a place of its own.
 void MacCopies::awaitTranslocation() {
-  if (!settings_.withMe) throw CannotArrange("it needs a person: ./accept --with-me");
+  askPerson(settings_,
+            "open the Tamo that the Finder shows, by a double click; the checks go on by themselves.");
   mark(path(Copy::Downloaded), markOfAFreshCopy);
   need({"/usr/bin/open", "-R", path(Copy::Downloaded)});
-  std::cout
-      << "\nPLEASE: open the Tamo that the Finder shows, by a double click; the checks go on by themselves.\n"
-      << std::flush;
   const std::string program = "/Tamo.app/Contents/MacOS/Tamo";
   for (int look = 0; look < 360; ++look) {
-    for (const auto& one : processesEndingWith(program)) {
+    for (const auto& one : processesEndingWith(program, Whose::Ours)) {
       if (!one.path.contains("/AppTranslocation/")) continue;
       translocated_ = one.path.substr(0, one.path.size() - program.size()) + "/Tamo.app";
       return;

@@ -12,6 +12,7 @@
 #include "acceptance/mac/mac_companions.hpp"
 #include "acceptance/mac/mac_copies.hpp"
 #include "acceptance/mac/mac_evidence.hpp"
+#include "acceptance/mac/mac_other_user.hpp"
 #include "acceptance/mac/mac_tools.hpp"
 #include "acceptance/mac/mac_user.hpp"
 #include "acceptance/mac/played_copies.hpp"
@@ -122,7 +123,7 @@ class LaidMac final : public LaidPlace {
     copies_.onlyOurs();
     endPrograms("/Tamo.app/Contents/MacOS/Tamo");
     unregister();
-    endPrograms(std::string(companionInCopy) + "/Contents/MacOS/Tamo Core");
+    endPrograms(companionProgram);
     for (const auto copy : {Copy::Installed, Copy::Downloaded, Copy::Staged})
       copies_.remove(copy);
     copies_.emptyTrash();
@@ -145,7 +146,7 @@ class LaidMac final : public LaidPlace {
   }
 
   void endPrograms(const std::string& ending) const {
-    for (const auto& one : processesEndingWith(ending))
+    for (const auto& one : processesEndingWith(ending, Whose::Ours))
       if (isOfAPlayedCopy(one.path, settings_)) ::kill(one.pid, SIGKILL);
   }
 
@@ -157,11 +158,11 @@ class LaidMac final : public LaidPlace {
   MacCore core_{settings_};
   MacEvidence evidence_{settings_};
   MacUser user_{settings_, copies_, companions_, evidence_};
+  MacOtherUser otherUser_{settings_, journal_, evidence_};
   MacFaults faults_;
   macos::MacKernelProcesses kernel_;
-  const Place place_{copies_, companions_, job_,
-                     core_,   evidence_,   user_,
-                     faults_, kernel_,     pathsOf(settings_.home, temporaryDirectory())};
+  const Place place_{copies_, companions_, job_,    core_,   evidence_,
+                     user_,   otherUser_,  faults_, kernel_, pathsOf(settings_.home, temporaryDirectory())};
 };
 
 }  // namespace

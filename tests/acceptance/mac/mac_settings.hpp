@@ -29,6 +29,10 @@ struct MacSettings {
 
 inline constexpr auto installedCopy = "/Applications/Tamo.app";
 inline constexpr auto companionInCopy = "/Contents/Library/LoginItems/Tamo Core.app";
+inline constexpr auto companionProgram =
+    "/Contents/Library/LoginItems/Tamo Core.app/Contents/MacOS/Tamo Core";
+/// What another user is asked to run, in a folder that every user may read.
+inline constexpr auto scriptForOthers = "/Users/Shared/tamo-acceptance";
 /// What a data directory has that was made here. Clearing looks for it, and for the mark of a sample.
 inline constexpr auto dataMark = ".made-by-acceptance";
 /// What a sample has and no other application.

@@ -16,7 +16,9 @@ struct MacProcess {
   std::string path;
 };
 
-/// The processes of this user whose executables' paths end so.
-[[nodiscard]] std::vector<MacProcess> processesEndingWith(const std::string& ending);
+enum class Whose { Ours, Others };
+
+/// The processes of this user, or of all others, whose executables' paths end so.
+[[nodiscard]] std::vector<MacProcess> processesEndingWith(const std::string& ending, Whose whose);
 
 }  // namespace tamo::acceptance

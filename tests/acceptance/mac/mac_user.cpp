@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <fcntl.h>
-#include <iostream>
 #include <sys/syslimits.h>
 #include <thread>
 #include <unistd.h>
 
 #include "acceptance/mac/mac_front.hpp"
 #include "acceptance/mac/mac_tools.hpp"
+#include "acceptance/mac/person.hpp"
 
 namespace tamo::acceptance {
 namespace {
@@ -20,11 +20,6 @@ constexpr auto settingsPane = "x-apple.systempreferences:com.apple.LoginItems-Se
 
 }  // namespace
 
-void MacUser::ask(const std::string& sentence) const {
-  if (!settings_.withMe) throw CannotArrange("it needs a person: ./accept --with-me");
-  std::cout << "\nPLEASE: " << sentence << "\n" << std::flush;
-}
-
 void MacUser::open(Copy copy) {
   need({"/usr/bin/open", copies_.path(copy)});
 }
@@ -32,7 +27,7 @@ void MacUser::open(Copy copy) {
 std::vector<RunningApp> MacUser::applications() {
   const std::string program = "/Tamo.app/Contents/MacOS/Tamo";
   std::vector<RunningApp> found;
-  for (const auto& one : processesEndingWith(program))
+  for (const auto& one : processesEndingWith(program, Whose::Ours))
     found.push_back({one.pid, one.path.substr(0, one.path.size() - program.size()) + "/Tamo.app"});
   return found;
 }
@@ -59,8 +54,8 @@ std::string MacUser::outcomeOf(const std::string& action) {
 
 /// Only what was registered once can be switched off. The status tells when it was done.
 void MacUser::approve(bool granted) {
-  ask(std::string("in the list that opens, switch Tamo ") + (granted ? "on" : "off") +
-      "; the checks go on by themselves.");
+  askPerson(settings_, std::string("in the list that opens, switch Tamo ") + (granted ? "on" : "off") +
+                           "; the checks go on by themselves.");
   withheld_ = true;
   if (!granted) static_cast<void>(outcomeOf("register"));
   need({"/usr/bin/open", settingsPane});
@@ -78,12 +73,13 @@ void MacUser::approve(bool granted) {
 void MacUser::loseApplications(const std::string& answer) {
   if (::access("/Applications", W_OK) == 0)
     throw CannotArrange("this user may write to /Applications; a standard user may not");
-  ask(answer == "agree" ? "type an administrator's name and password where the system asks for them."
-                        : "cancel the prompt for an administrator's password.");
+  askPerson(settings_, answer == "agree"
+                           ? "type an administrator's name and password where the system asks for them."
+                           : "cancel the prompt for an administrator's password.");
 }
 
 void MacUser::sleepAWhile() {
-  ask("the machine goes to sleep now; wake it after a minute.");
+  askPerson(settings_, "the machine goes to sleep now; wake it after a minute.");
   need({"/usr/bin/pmset", "sleepnow"});
   // The command returns before the machine sleeps, and this clock stands still meanwhile.
   std::this_thread::sleep_for(20s);

@@ -25,7 +25,6 @@ class MacUser final : public User {
 
  private:
   [[nodiscard]] std::string outcomeOf(const std::string& action);
-  void ask(const std::string& sentence) const;
 
   const MacSettings& settings_;
   const Copies& copies_;

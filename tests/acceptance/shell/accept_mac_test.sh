@@ -104,6 +104,9 @@ everything='
   touch "$folder/T/studio.pell.tamo.core.job.lock"
   note "path $folder/T/tamo-acceptance-sample"
   mkdir -p "$folder/T/tamo-acceptance-sample/Tamo.app"
+  note "path $folder/Shared/tamo-acceptance"
+  mkdir -p "$folder/Shared"
+  touch "$folder/Shared/tamo-acceptance"
   note trash
   mkdir -p "$home/.Trash/Tamo 2.app/Contents/Resources"; touch "$home/.Trash/Tamo 2.app/Contents/Resources/acceptance-sample"
   app="$applications/Tamo.app"
@@ -118,7 +121,7 @@ everything='
 nothing_left() {
   local item
   for item in Applications/Tamo.app Applications/Tamo.app.making "home/Library/Application Support/Tamo.making" "home/Downloads/Tamo acceptance" "home/Library/Application Support/Tamo" \
-    T/studio.pell.tamo.core.job.lock T/tamo-acceptance-sample "home/.Trash/Tamo 2.app" home/Library/Containers/studio.pell.Tamo registered work/build/accept.journal; do
+    T/studio.pell.tamo.core.job.lock T/tamo-acceptance-sample Shared/tamo-acceptance "home/.Trash/Tamo 2.app" home/Library/Containers/studio.pell.Tamo registered work/build/accept.journal; do
     [[ -e $folder/$item ]] && fault "$1: $item is left"
   done
 }

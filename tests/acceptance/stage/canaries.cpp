@@ -84,6 +84,11 @@ Canary behaving(std::string_view check, std::string_view words, std::string_view
   return {check, "the Core behaves otherwise than ordered", {.core = std::string(words)}, finds};
 }
 
+/// Whoever acts in another session acts in this one.
+Canary crossing(std::string_view check, std::string_view finds) {
+  return {check, "the other user is in this user's own session", {.oneSession = true}, finds};
+}
+
 Canary acting(std::string_view check) {
   return {check,
           "the copy in Downloads holds a companion that may act anywhere",
@@ -208,6 +213,7 @@ std::vector<Canary> moveCanaries() {
       planted("move-cancelled", "the prompt cannot be asked", asksNobody, linesDiffer),
       planted("move-translocated", "nothing is copied", copiesNothing, linesDiffer),
       planted("approval", "registering fails", refusesToRegister, endDiffers),
+      crossing("second-user", "the same Core runs"),
       planted("nothing-ended-by-itself", "the companions stop for want of a folder", hasNoTemporaryDirectory,
               "no companion was ended by a condition of its own or by a signal")};
 }

@@ -1,15 +1,16 @@
 #include "acceptance/stage/stage_place.hpp"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sys/utsname.h>
 #include <thread>
 
 #include "acceptance/child.hpp"
+#include "acceptance/stage/bare_stage.hpp"
 #include "acceptance/stage/stage_companions.hpp"
 #include "acceptance/stage/stage_copies.hpp"
 #include "acceptance/stage/stage_evidence.hpp"
+#include "acceptance/stage/stage_other_user.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "platform/stage/application_opening.hpp"
 #include "platform/stage/launchd_wire.hpp"
@@ -123,21 +124,10 @@ class StageFaults final : public Faults {
   const stage::StageRoot& root_;
 };
 
-std::string freshDirectory() {
-  auto name = (fs::temp_directory_path() / "tamo-acceptance-XXXXXX").string();
-  if (::mkdtemp(name.data()) == nullptr) throw PlaceError("no directory for a stage");
-  return name;
-}
-
-stage::StageRoot laidAlone(const std::string& programs) {
-  const auto alone = whileNothingStarts();
-  return stage::layStage({.directory = freshDirectory(), .programs = programs, .bare = true});
-}
-
 class LaidStage final : public LaidPlace {
  public:
   LaidStage(const std::string& programs, const Lie& lie)
-      : root_(laidAlone(programs)), lie_(lie), copies_(root_, programs) {}
+      : root_(bareStage(programs)), lie_(lie), copies_(root_, programs), otherUser_(root_, programs) {}
   ~LaidStage() override { stage::strikeStage(root_.directory()); }
 
   const Place& place() override { return place_; }
@@ -145,6 +135,7 @@ class LaidStage final : public LaidPlace {
     if (lie_.plant != nullptr) lie_.plant(root_);
     if (lie_.core) core_.insist(*lie_.core);
     copies_.hold(lie_.companion);
+    if (lie_.oneSession) otherUser_.joinSession();
   }
   std::vector<Kept> leftovers() override {
     std::vector<Kept> kept;
@@ -163,17 +154,15 @@ class LaidStage final : public LaidPlace {
   StageCore core_{root_};
   StageEvidence evidence_{root_, companions_};
   StageUser user_{root_, copies_};
+  StageOtherUser otherUser_;
   StageFaults faults_{root_};
   stage::StageKernelProcesses kernel_;
-  const Place place_{copies_,
-                     companions_,
-                     job_,
-                     core_,
-                     evidence_,
-                     user_,
-                     faults_,
-                     kernel_,
-                     pathsOf(root_.host(root_.home()), root_.host("/private/var/folders/st/tamo/T") + "/")};
+  const Place place_{
+      copies_,    companions_,
+      job_,       core_,
+      evidence_,  user_,
+      otherUser_, faults_,
+      kernel_,    pathsOf(root_.host(root_.home()), root_.host("/private/var/folders/st/tamo/T") + "/")};
 };
 
 }  // namespace

@@ -19,6 +19,8 @@ struct Lie {
   std::optional<std::string> core{};
   /// The companion in copies that are placed from then on.
   stage::Companion companion = stage::Companion::Shipped;
+  /// Whoever logs in as another user is in this user's own session.
+  bool oneSession = false;
 
   bool operator==(const Lie&) const = default;
 };

@@ -13,6 +13,7 @@ class Nowhere : public Copies,
                 public Core,
                 public Evidence,
                 public User,
+                public OtherUser,
                 public Faults,
                 public platform::KernelProcesses {
  public:
@@ -47,6 +48,9 @@ class Nowhere : public Copies,
   void approve(bool) override { no(); }
   void loseApplications(const std::string&) override { no(); }
   void sleepAWhile() override { no(); }
+  pid_t start(const std::string&) override { return no().empty() ? 0 : 1; }
+  bool ended() override { return no().empty(); }
+  std::vector<Line> lines() override { return {{.text = no()}}; }
   void failNextRegister(const std::string&, int, const std::string&) override { no(); }
   void failNextUnregister(const std::string&, int, const std::string&) override { no(); }
   void failLaunchctl(const std::string&, int) override { no(); }
@@ -64,7 +68,7 @@ class Nowhere : public Copies,
 
 /// A place of that kind, all of whose parts are one.
 [[nodiscard]] inline Place placeOf(Nowhere& nowhere) {
-  return {nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, {}};
+  return {nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, nowhere, {}};
 }
 
 class LaidNowhere final : public LaidPlace {
