@@ -69,6 +69,36 @@ TEST(SparedTest, ACheckThatFailsByALieThatIsNothingToItIsTold) {
   EXPECT_EQ(sparedFault(played), "its lie is nothing to status, which does not hold all the same");
 }
 
+TEST(HonestFaultTest, OnlyACheckThatHoldsIsWithoutOne) {
+  Played played{.check = checkNamed("status"), .outcome = Outcome::Held};
+  EXPECT_EQ(honestFault(played), "");
+  played.outcome = Outcome::Failed;
+  played.findings.that(false, "the Core runs", "none");
+  EXPECT_EQ(honestFault(played), "it fails on a stage that is honest, by \"the Core runs\": none");
+  EXPECT_EQ(honestFault({.outcome = Outcome::NotPlayed, .reason = "no"}),
+            "it is not played on a stage that is honest: no");
+}
+
+TEST(TurnsTest, AfterEachLieTheNextCheckIsPlayedHonestly) {
+  const auto turns = turnsOf(chosen({"lock", "last-words"}).checks);
+  std::string order;
+  for (const auto& turn : turns)
+    order += std::string(turn.canary == nullptr ? "" : "lying ") + std::string(turn.check->name) + ", ";
+  EXPECT_EQ(order,
+            "lying lock-held, lock-released, lying lock-released, lock-status, lying lock-status, "
+            "lock-held, ");
+}
+
+TEST(TurnsTest, EachCheckThatAStagePlaysLiesOnceAndIsHonestOnce) {
+  const auto turns = turnsOf(chosen({}).checks);
+  for (const auto& one : allCanaries()) {
+    for (const auto kind : {Turn::Kind::Lying, Turn::Kind::Honest}) {
+      const auto isIt = [&](const Turn& turn) { return turn.kind == kind && turn.check->name == one.check; };
+      EXPECT_EQ(std::ranges::count_if(turns, isIt), 1) << one.check;
+    }
+  }
+}
+
 TEST(LineOfStageTest, AllColumnsAreRead) {
   const auto line = lineOfStage(
       "1970-01-01T00:00:01.250Z\t42\terror\tstudio\tlifecycle\ta\\nb <private>\t{public:a\\nb\\{} {private}");
