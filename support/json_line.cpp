@@ -155,6 +155,7 @@ std::string* placeOf(LogObject& object, std::string_view name) {
   if (name == "subsystem") return &object.subsystem;
   if (name == "messageType") return &object.type;
   if (name == "eventType") return &object.event;
+  if (name == "formatString") return &object.format;
   return name == "eventMessage" ? &object.message.emplace() : nullptr;
 }
 

@@ -13,6 +13,8 @@ struct LogObject {
   std::string subsystem{};
   std::string type{};
   std::string event{};
+  /// What the message was made of: its placeholders say which arguments are public.
+  std::string format{};
   /// Absent when the object has none, as the count at the end of an export.
   std::optional<std::string> message{};
 };

@@ -2,34 +2,17 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <thread>
 
+#include "support/moment.hpp"
 #include "values/escaped_text.hpp"
 
 namespace tamo::acceptance {
 namespace {
 
 using namespace std::chrono;
-
-std::optional<std::int64_t> timeOf(const std::string& text) {
-  int year = 0;
-  unsigned month = 0;
-  unsigned dayOfMonth = 0;
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
-  int milli = 0;
-  const int read = std::sscanf(text.c_str(), "%d-%u-%uT%d:%d:%d.%dZ", &year, &month, &dayOfMonth, &hour,
-                               &minute, &second, &milli);
-  if (read != 7) return std::nullopt;
-  const sys_days date = std::chrono::year(year) / std::chrono::month(month) / std::chrono::day(dayOfMonth);
-  const auto time =
-      date.time_since_epoch() + hours(hour) + minutes(minute) + seconds(second) + milliseconds(milli);
-  return duration_cast<microseconds>(time).count();
-}
 
 std::vector<Mark> marksOfColumn(std::string_view column) {
   std::vector<Mark> marks;
@@ -58,9 +41,10 @@ std::vector<std::string_view> split(std::string_view line) {
 std::optional<Line> lineOfStage(std::string_view columns) {
   const auto parts = split(columns);
   if (parts.size() != 7) return std::nullopt;
-  const auto time = timeOf(std::string(parts[0]));
-  if (!time) return std::nullopt;
-  return Line{.time = *time,
+  auto time = parts[0];
+  const auto at = support::takeMoment(time);
+  if (!at) return std::nullopt;
+  return Line{.time = at->micros(),
               .pid = std::atoi(std::string(parts[1]).c_str()),
               .level = parts[2] == "error" ? Level::Error : Level::Default,
               .text = values::unescaped(parts[5]),

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include "acceptance/mac/journal.hpp"
-#include "acceptance/mac/json_fields.hpp"
 #include "acceptance/mac/played_copies.hpp"
 #include "acceptance/mac/sample_lists.hpp"
 #include "acceptance/mac/signers.hpp"
@@ -14,35 +13,6 @@
 
 namespace tamo::acceptance {
 namespace {
-
-using Fields = std::map<std::string, std::string>;
-
-TEST(JsonFieldsTest, TextsAndNumbersAreRead) {
-  EXPECT_EQ(jsonFields(R"({"a":"x","b": -7 , "c":true,"d":null})"),
-            (Fields{{"a", "x"}, {"b", "-7"}, {"c", "true"}, {"d", "null"}}));
-  EXPECT_EQ(jsonFields("{}"), Fields{});
-}
-
-TEST(JsonFieldsTest, EscapesAreWhatTheyMean) {
-  EXPECT_EQ(jsonFields(R"({"a":"\"\\\/\n\t\u00b7\u20ac\ud83d\ude00"})"),
-            (Fields{{"a", "\"\\/\n\t·€\xF0\x9F\x98\x80"}}));
-}
-
-TEST(JsonFieldsTest, InnerObjectsAreLeftOut) {
-  EXPECT_EQ(jsonFields(R"({"a":{"b":"}\"","c":[1,{}]},"d":[],"e":"f"})"), (Fields{{"e", "f"}}));
-}
-
-TEST(JsonFieldsTest, WhatIsNoObjectIsNone) {
-  for (const auto* text :
-       {"", "[]", "{", R"({"a")", R"({"a":"b)", R"({"a":"b"] )", R"({"a":"\u12"})", "{a:1}", R"({"a":{)"})
-    EXPECT_FALSE(jsonFields(text).has_value()) << text;
-}
-
-TEST(UnifiedTimeTest, TheZoneCounts) {
-  EXPECT_EQ(unifiedTime("1970-01-01 01:00:00.250000+0100"), 250'000);
-  EXPECT_EQ(unifiedTime("1969-12-31 18:30:01.000001-0530"), 1'000'001);
-  EXPECT_FALSE(unifiedTime("1970-01-01 01:00:00").has_value());
-}
 
 constexpr auto outcome =
     R"({"timestamp":"1970-01-01 00:00:02.000000+0000","messageType":"Error","subsystem":"studio.pell.Tamo.Core",)"
@@ -67,6 +37,13 @@ TEST(UnifiedLogTest, LinesComeByTimeAndTheRestIsLeftOut) {
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_EQ(lines.front().text, "a");
   EXPECT_EQ(lines.front().level, Level::Other);
+}
+
+TEST(UnifiedLogTest, ATimeCountsFromItsZone) {
+  const auto line = lineOfUnifiedLog(R"({"timestamp":"1969-12-31 18:30:01.000001-0530","eventMessage":"a"})");
+  ASSERT_TRUE(line.has_value());
+  EXPECT_EQ(line->time, 1'000'001);
+  EXPECT_FALSE(lineOfUnifiedLog(R"({"timestamp":"1970-01-01 01:00:00","eventMessage":"a"})").has_value());
 }
 
 TEST(SampleListsTest, TheReadersOfTheProductReadThem) {

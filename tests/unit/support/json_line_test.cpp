@@ -14,7 +14,8 @@ std::optional<std::string> message(std::string_view line) {
 TEST(JsonLineTest, TheMembersThatAreOfUseAreTaken) {
   const auto object = logObject(
       R"({"traceID":1,"eventMessage":"a","eventType":"logEvent","source":null,"subsystem":"s","processID":812,)"
-      R"("backtrace":{"frames":[{"imageOffset":5,"imageUUID":"}]\""}]},"messageType":"Error","timestamp":"t"})");
+      R"("backtrace":{"frames":[{"imageOffset":5,"imageUUID":"}]\""}]},"messageType":"Error","timestamp":"t",)"
+      R"("formatString":"%{public}s"})");
   ASSERT_TRUE(object);
   EXPECT_EQ(object->message, "a");
   EXPECT_EQ(object->event, "logEvent");
@@ -22,6 +23,7 @@ TEST(JsonLineTest, TheMembersThatAreOfUseAreTaken) {
   EXPECT_EQ(object->process, "812");
   EXPECT_EQ(object->type, "Error");
   EXPECT_EQ(object->timestamp, "t");
+  EXPECT_EQ(object->format, "%{public}s");
 }
 
 TEST(JsonLineTest, EscapesAreWhatTheyStandFor) {
