@@ -1,6 +1,7 @@
 #include <array>
 #include <sys/utsname.h>
 #include <unistd.h>
+#include <utility>
 
 #include "acceptance/child.hpp"
 #include "acceptance/identity.hpp"
@@ -26,6 +27,13 @@ std::string serial() {
   return text.substr(begin, text.find('"', begin) - begin);
 }
 
+/// Of the certificate with that name.
+std::string subjectOf(const std::string& name) {
+  constexpr auto script =
+      "/usr/bin/security find-certificate -c \"$0\" -p | /usr/bin/openssl x509 -noout -subject";
+  return said({"/bin/sh", "-c", script, name});
+}
+
 }  // namespace
 
 PlaceFacts macFacts(const MacSettings& settings) {
@@ -49,9 +57,12 @@ std::vector<Secret> macSecrets(const MacSettings& settings) {
   if (::confstr(_CS_DARWIN_USER_TEMP_DIR, temporary.data(), temporary.size()) > 0)
     identity.temporary = temporary.data();
   auto secrets = secretsOf(identity);
-  const auto signers =
-      signersOf(said({"/usr/bin/security", "find-identity", "-v", "-p", "codesigning"}), settings.identity);
-  secrets.insert(secrets.end(), signers.begin(), signers.end());
+  const auto signers = identitiesMeant(
+      said({"/usr/bin/security", "find-identity", "-v", "-p", "codesigning"}), settings.identity);
+  for (auto& secret : signersOf(signers))
+    secrets.push_back(std::move(secret));
+  for (const auto& name : signers)
+    secrets.push_back({teamOfSubject(subjectOf(name)), "(team)"});
   return secrets;
 }
 

@@ -5,13 +5,20 @@
 namespace tamo::acceptance {
 namespace {
 
-/// "Developer ID Application: NAME (TEAM)" names a person and a team.
+/// What stands in parentheses behind the signer's name is the team, but for a certificate of development, which has a
+/// number of its own there.
+std::string whatIsBehind(const std::string& identity) {
+  const bool ofDevelopment =
+      identity.starts_with("Apple Development") || identity.starts_with("Mac Developer");
+  return ofDevelopment ? "(certificate)" : "(team)";
+}
+
 void addSigner(std::vector<Secret>& secrets, const std::string& identity) {
   secrets.push_back({identity, "(identity)"});
   const auto colon = identity.find(": ");
   const auto open = identity.rfind(" (");
   if (open == std::string::npos || !identity.ends_with(')')) return;
-  secrets.push_back({identity.substr(open + 2, identity.size() - open - 3), "(team)"});
+  secrets.push_back({identity.substr(open + 2, identity.size() - open - 3), whatIsBehind(identity)});
   if (colon < open) secrets.push_back({identity.substr(colon + 2, open - colon - 2), "(signer)"});
 }
 
@@ -34,13 +41,34 @@ std::vector<std::string_view> linesOf(std::string_view text) {
 
 }  // namespace
 
-std::vector<Secret> signersOf(std::string_view identities, const std::string& identity) {
-  std::vector<Secret> secrets;
-  if (identity == "-") return secrets;
+std::vector<std::string> identitiesMeant(std::string_view identities, const std::string& identity) {
+  std::vector<std::string> names;
+  if (identity == "-") return names;
   for (const auto line : linesOf(identities))
-    if (line.contains(identity) && !quoted(line).empty()) addSigner(secrets, quoted(line));
-  addSigner(secrets, identity);
+    if (line.contains(identity) && !quoted(line).empty()) names.push_back(quoted(line));
+  names.push_back(identity);
+  return names;
+}
+
+std::vector<Secret> signersOf(const std::vector<std::string>& names) {
+  std::vector<Secret> secrets;
+  for (const auto& name : names)
+    addSigner(secrets, name);
   return secrets;
+}
+
+std::string teamOfSubject(std::string_view subject) {
+  constexpr std::string_view name = "OU";
+  for (auto at = subject.find(name); at != std::string_view::npos; at = subject.find(name, at + 1)) {
+    const bool begins = at > 0 && std::string_view("/, =").contains(subject[at - 1]);
+    auto rest = subject.substr(at + name.size());
+    const auto value = rest.find_first_not_of(' ');
+    if (!begins || value == std::string_view::npos || rest[value] != '=') continue;
+    rest.remove_prefix(value + 1);
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    return std::string(rest.substr(0, rest.find_first_of("/,+\n")));
+  }
+  return "";
 }
 
 std::string signingIdentifierIn(std::string_view display) {

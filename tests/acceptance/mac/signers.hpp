@@ -9,9 +9,17 @@
 /// Who signs, as the system's tools tell it. Pure.
 namespace tamo::acceptance {
 
-/// What names a person or a team among the identities of `security find-identity` that the given one may mean: by its
-/// name, a part of it, or its hash.
-[[nodiscard]] std::vector<Secret> signersOf(std::string_view identities, const std::string& identity);
+/// The names of the identities of `security find-identity` that the given one may mean: by its name, a part of it, or
+/// its hash; and the given one. None for "-".
+[[nodiscard]] std::vector<std::string> identitiesMeant(std::string_view identities,
+                                                       const std::string& identity);
+
+/// What names a person, a certificate or a team in the names of identities.
+[[nodiscard]] std::vector<Secret> signersOf(const std::vector<std::string>& names);
+
+/// The team in a certificate's subject, as `openssl x509 -subject` tells it: the organizational unit, whatever stands in
+/// the certificate's name. Empty without one.
+[[nodiscard]] std::string teamOfSubject(std::string_view subject);
 
 /// The identifier in what `codesign --display` says of a program; empty without one.
 [[nodiscard]] std::string signingIdentifierIn(std::string_view display);

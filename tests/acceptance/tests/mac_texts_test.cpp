@@ -77,13 +77,28 @@ constexpr auto identities = R"list(
 std::string signedBy(const std::string& identity) {
   const std::string shown =
       "Authority=Developer ID Application: Anna O'Hara (TEAM000000), team TEAM000000, by Anna O'Hara";
-  return redacted(shown, signersOf(identities, identity));
+  return redacted(shown, signersOf(identitiesMeant(identities, identity)));
 }
 
 TEST(SignersTest, WhoSignsIsNotNamedHoweverHeIsGiven) {
   for (const auto* identity : {"Developer ID Application: Anna O'Hara (TEAM000000)", "Anna", "0123AB"})
     EXPECT_EQ(signedBy(identity), "Authority=(identity), team (team), by (signer)") << identity;
-  EXPECT_TRUE(signersOf(identities, "-").empty());
+  EXPECT_TRUE(identitiesMeant(identities, "-").empty());
+}
+
+TEST(SignersTest, ACertificateOfDevelopmentHasNoTeamInItsName) {
+  const auto secrets = signersOf(identitiesMeant(identities, "4567CD"));
+  EXPECT_EQ(redacted("Bob, TEAM111111", secrets), "(signer), (certificate)");
+}
+
+TEST(SignersTest, TheTeamIsTheOrganizationalUnit) {
+  for (const auto* subject :
+       {"subject= /UID=A1/CN=Apple Development: Bob OU (TEAM111111)/OU=TEAM222222/O=Bob/C=US",
+        "subject=UID = A1, CN = Apple Development: Bob (TEAM111111), OU = TEAM222222, O = Bob",
+        "subject=OU=TEAM222222"})
+    EXPECT_EQ(teamOfSubject(subject), "TEAM222222") << subject;
+  for (const auto* subject : {"", "OU", "subject=CN = Bob, O = Bob", "subject=XOU=TEAM222222"})
+    EXPECT_EQ(teamOfSubject(subject), "") << subject;
 }
 
 TEST(SignersTest, TheIdentifierIsReadFromWhatIsShown) {
