@@ -36,6 +36,20 @@ TEST(ChecksTest, EachHasANameOfItsOwnASentenceAndACourse) {
   EXPECT_GT(seen.size(), 70U);
 }
 
+bool isPlayedBefore(std::string_view first, std::string_view second) {
+  const auto all = names();
+  const auto later = std::ranges::find(all, second);
+  return later != all.end() && std::find(all.begin(), later, first) != later;
+}
+
+TEST(ChecksTest, APromptIsClosedBeforeAnAdministratorInstallsWhatTheUserCannotTakeAway) {
+  EXPECT_TRUE(isPlayedBefore("move-cancelled", "move-administrator"));
+}
+
+TEST(ChecksTest, LastWordsAreKnownToBeSeenBeforeTheirAbsenceCounts) {
+  EXPECT_TRUE(isPlayedBefore("last-words", "nothing-ended-by-itself"));
+}
+
 TEST(ChecksTest, ThePageExplainsEachCheck) {
   std::ostringstream page;
   page << std::ifstream(TAMO_SOURCE_DIR "/docs/first-time-on-a-mac.md").rdbuf();
