@@ -33,7 +33,8 @@ bool take(Orders& orders, const std::string& word, Words& words) {
   if (word == "--list") return orders.list = true;
   if (word == "--report") return !(orders.report = words.text()).empty();
   if (word == "--canary") return !(orders.canary = words.text()).empty();
-  if (word == "--repetitions") return (orders.repetitions = orders.underLoad = words.number()) > 0;
+  if (word == "--repetitions")
+    return (orders.terms.repetitions = orders.terms.underLoad = words.number()) > 0;
   if (word == "--at-once") return (orders.atOnce = static_cast<std::size_t>(words.number())) > 0;
   if (word.starts_with("-")) return false;
   orders.names.push_back(word);

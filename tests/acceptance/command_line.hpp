@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "acceptance/scene.hpp"
+
 namespace tamo::acceptance {
 
 /// What the programs that play a set are told.
@@ -16,8 +18,7 @@ struct Orders {
   bool withMe = false;
   bool list = false;
   std::size_t atOnce = 1;
-  int repetitions = 20;
-  int underLoad = 20;
+  Terms terms{};
   /// The name of the check whose stage lies.
   std::string canary{};
   /// Every stage lies so, not only that of the check.

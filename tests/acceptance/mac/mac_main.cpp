@@ -31,14 +31,13 @@ int playOnThisMac(const Orders& orders) {
   auto single = orders;
   single.atOnce = 1;
   const auto lay = [&](const Check&) -> Lay { return [&settings] { return laidMac(settings); }; };
-  return playSession(single,
-                     {.facts = macFacts(settings),
-                      .lay = lay,
-                      .offer = {.needsPersons = true,
-                                .personIsThere = orders.withMe,
-                                .sampleCore = settings.isSample(),
-                                .terms = {.repetitions = orders.repetitions, .underLoad = orders.underLoad}},
-                      .secrets = macSecrets(settings)});
+  return playSession(single, {.facts = macFacts(settings),
+                              .lay = lay,
+                              .offer = {.needsPersons = true,
+                                        .personIsThere = orders.withMe,
+                                        .sampleCore = settings.isSample(),
+                                        .terms = orders.terms},
+                              .secrets = macSecrets(settings)});
 }
 
 }  // namespace

@@ -41,11 +41,9 @@ std::vector<MacProcess> companionsOfOthers() {
 /// A companion lives for half a second and longer.
 pid_t MacOtherUser::start(const std::string& action) {
   journal_.willMake(scriptForOthers);
-  askPerson(
-      settings_,
-      std::string(
-          "log in as another user as well, without logging out here, and type in a terminal there: sh ") +
-          scriptForOthers + "; then come back. The checks go on by themselves.");
+  askPerson(settings_,
+            std::string("log in as another user as well, without logging out here, and type \"sh ") +
+                scriptForOthers + "\" in a terminal there; the checks go on by themselves.");
   const Script script(action);
   since_ = evidence_.now();
   for (int look = 0; look < 6000; ++look) {

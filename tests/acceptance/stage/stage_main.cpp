@@ -24,10 +24,9 @@ int playOnStages(const Orders& orders) {
     const bool lies = canary != nullptr && (orders.everywhere || canary->check == check.name);
     return [&programs, lie = lies ? canary->plant : Lie()] { return laidStage(programs, lie); };
   };
-  const Offer offer{.terms = {.repetitions = orders.repetitions, .underLoad = orders.underLoad}};
   return playSession(orders, {.facts = stageFacts(),
                               .lay = lay,
-                              .offer = offer,
+                              .offer = {.terms = orders.terms},
                               .secrets = secretsOf(identityOfThisProcess()),
                               .unplayable = notForStages()});
 }

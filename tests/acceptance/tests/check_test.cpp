@@ -90,7 +90,7 @@ TEST(OrdersTest, EveryWordIsRead) {
   EXPECT_EQ(orders->report, "folder");
   EXPECT_TRUE(orders->withMe);
   EXPECT_EQ(orders->atOnce, 3U);
-  EXPECT_EQ(orders->repetitions, 7);
+  EXPECT_EQ(orders->terms.repetitions, 7);
   EXPECT_EQ(orders->names, (std::vector<std::string>{"lock", "moves"}));
 }
 
