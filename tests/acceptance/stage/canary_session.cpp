@@ -98,8 +98,8 @@ int playCanaries(const std::vector<std::string>& names, const std::string& progr
     tallies.at(std::to_underlying(turn.kind)).add(name, faultOf(turn, results.at(at)), out);
   }
   out << tallies[0].right() << " lying stages were seen by their check\n"
-      << tallies[1].right() << " honest stages among them were held to be honest by theirs\n"
-      << tallies[2].right() << " lies spared the check that they are nothing to\n";
+      << tallies[1].right() << " honest stages among them were held to be honest by theirs\n";
+  if (names.empty()) out << tallies[2].right() << " lies spared the check that they are nothing to\n";
   const auto wrong = tallies[0].wrong + tallies[1].wrong + tallies[2].wrong;
   return wrong == 0 && !turns.empty() ? 0 : 1;
 }
