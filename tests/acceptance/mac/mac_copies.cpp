@@ -202,8 +202,7 @@ Signature MacCopies::signature(Copy copy) const {
 
 /// Only a person's double click makes the system run a copy from a place of its own.
 void MacCopies::awaitTranslocation() {
-  askPerson(settings_,
-            "open the Tamo that the Finder shows, by a double click; the checks go on by themselves.");
+  askPerson(settings_, "open the Tamo that the Finder shows, by a double click");
   mark(path(Copy::Downloaded), markOfAFreshCopy);
   need({"/usr/bin/open", "-R", path(Copy::Downloaded)});
   const std::string program = "/Tamo.app/Contents/MacOS/Tamo";

@@ -43,7 +43,7 @@ pid_t MacOtherUser::start(const std::string& action) {
   journal_.willMake(scriptForOthers);
   askPerson(settings_,
             std::string("log in as another user as well, without logging out here, and type \"sh ") +
-                scriptForOthers + "\" in a terminal there; the checks go on by themselves.");
+                scriptForOthers + "\" in a terminal there");
   const Script script(action);
   since_ = evidence_.now();
   for (int look = 0; look < 6000; ++look) {

@@ -54,8 +54,7 @@ std::string MacUser::outcomeOf(const std::string& action) {
 
 /// Only what was registered once can be switched off. The status tells when it was done.
 void MacUser::approve(bool granted) {
-  askPerson(settings_, std::string("in the list that opens, switch Tamo ") + (granted ? "on" : "off") +
-                           "; the checks go on by themselves.");
+  askPerson(settings_, std::string("in the list that opens, switch Tamo ") + (granted ? "on" : "off"));
   withheld_ = true;
   if (!granted) static_cast<void>(outcomeOf("register"));
   need({"/usr/bin/open", settingsPane});
@@ -74,12 +73,12 @@ void MacUser::loseApplications(const std::string& answer) {
   if (::access("/Applications", W_OK) == 0)
     throw CannotArrange("this user may write to /Applications; a standard user may not");
   askPerson(settings_, answer == "agree"
-                           ? "type an administrator's name and password where the system asks for them."
-                           : "cancel the prompt for an administrator's password.");
+                           ? "type an administrator's name and password where the system asks for them"
+                           : "cancel the prompt for an administrator's password");
 }
 
 void MacUser::sleepAWhile() {
-  askPerson(settings_, "the machine goes to sleep now; wake it after a minute.");
+  askPerson(settings_, "the machine goes to sleep now; wake it after a minute");
   need({"/usr/bin/pmset", "sleepnow"});
   // The command returns before the machine sleeps, and this clock stands still meanwhile.
   std::this_thread::sleep_for(20s);

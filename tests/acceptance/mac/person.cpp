@@ -8,7 +8,7 @@ namespace tamo::acceptance {
 
 void askPerson(const MacSettings& settings, const std::string& sentence) {
   if (!settings.withMe) throw CannotArrange("it needs a person: ./accept --with-me");
-  std::cout << "\nPLEASE: " << sentence << "\n" << std::flush;
+  std::cout << "\nPLEASE: " << sentence << "; the checks go on by themselves.\n" << std::flush;
 }
 
 }  // namespace tamo::acceptance
