@@ -51,7 +51,7 @@ struct RestartDeath {
 };
 
 void PrintTo(const RestartDeath& death, std::ostream* out) {
-  *out << death.core << " at " << death.moment.milliseconds << " ms";
+  *out << death.core << "-at-" << death.moment.milliseconds << "ms";
 }
 
 class RestartDeathScenario : public testing::TestWithParam<RestartDeath> {};
@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
                     RestartDeath{"term=ignore", {1500}}, RestartDeath{"term=ignore", {2300}}));
 
 void PrintTo(const Moment& moment, std::ostream* out) {
-  *out << moment.milliseconds << " ms";
+  *out << "at-" << moment.milliseconds << "ms";
 }
 
 class MoveDeathScenario : public testing::TestWithParam<Moment> {};
