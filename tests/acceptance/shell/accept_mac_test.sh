@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Holds what ./accept does on a Mac before and after it plays to its word: with made-up tools, folders and a player.
 #
-#   accept_mac_test.sh GROUP PROJECT FOLDER   one of the groups of situations; FOLDER is the test's own and is replaced
+#   accept_mac_test.sh GROUP PROJECT FOLDER   one of the groups of situations; FOLDER and FOLDER.tools are the test's own
 set -uo pipefail
 group=$1
 project=$2
@@ -19,10 +19,9 @@ tool() {
   chmod +x "$folder/bin/$1"
 }
 
-# A Mac on which everything is there and nothing stands in the way.
-lay() {
-  rm -rf "$folder"
-  mkdir -p "$folder/bin" "$folder/Applications" "$folder/home/Downloads" "$folder/home/.Trash" "$folder/work"
+# The tools of a Mac on which everything is there and nothing stands in the way.
+make_tools() {
+  mkdir -p "$folder/bin"
   echo 'echo 14.5' | tool sw_vers
   echo 'exit 0' | tool xcode-select
   echo 'exit 0' | tool cmake
@@ -45,6 +44,14 @@ case "\$*" in
   bootout*) rm -f '$folder/registered' ;;
 esac
 SH
+}
+
+# Such a Mac. Its tools are made once, for there are many Macs to lay and a tool takes three processes.
+lay() {
+  [[ -d $folder.tools ]] || { rm -rf "$folder"; make_tools; mv "$folder/bin" "$folder.tools"; }
+  rm -rf "$folder"
+  mkdir -p "$folder/Applications" "$folder/home/Downloads" "$folder/home/.Trash" "$folder/work"
+  cp -R "$folder.tools" "$folder/bin"
 }
 
 sample() { mkdir -p "$1/Contents/Resources"; touch "$1/Contents/Resources/acceptance-sample"; }
@@ -297,8 +304,9 @@ remains() {
   [[ $status == 1 && $said == *"launchctl bootout gui/501/studio.pell.tamo.core"* ]] || fault "the agent is told: $said"
 }
 
+rm -rf "$folder.tools"
 declare -F "$group" >/dev/null || { echo "no such group: $group" >&2; exit 2; }
 "$group"
-rm -rf "$folder"
+rm -rf "$folder" "$folder.tools"
 ((faults == 0)) && echo "all is well"
 exit $((faults > 0))
