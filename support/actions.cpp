@@ -11,6 +11,7 @@ namespace {
 constexpr std::int64_t receiptMicros = 10'000'000;
 /// An administrator may think about a password for as long; between two lines of one agent action lie seconds.
 constexpr std::int64_t silentMicros = std::int64_t{3600} * 1'000'000;
+/// Without this bound a log of actions that have lost their ends would be held whole.
 constexpr std::size_t mostHeld = 64;
 /// An action has four lines at most: a restart whose kickstart failed has two hard stops.
 constexpr std::size_t mostLines = 16;
@@ -56,10 +57,12 @@ Actions::Held* Actions::heldOf(std::int64_t pid, const Said& said) {
   const auto found = std::find_if(held_.rbegin(), held_.rend(), isOfPid);
   if (found == held_.rend()) return nullptr;
   if (goesOn(std::get<Action>(found->item), found->ended, said)) return &*found;
+  // Its pid has a new owner, so nothing of its own can follow, and it needs not be waited for.
   found->ended = true;
   return nullptr;
 }
 
+/// A failed receipt ends its action as an outcome does: where the log begins between the two, nothing else is to come.
 void Actions::take(std::int64_t pid, Said said) {
   now_ = said.at;
   const bool ends = endsAction(said.message) || isReceipt(said);
@@ -80,6 +83,7 @@ bool Actions::mayGo(const Held& held) const {
   return action == nullptr || apart(action->lines.back(), now_) > (held.ended ? receiptMicros : silentMicros);
 }
 
+/// Only from the front: an action that began later may be done sooner, and waits for its turn.
 void Actions::handOn() {
   while (!held_.empty() && (held_.size() > mostHeld || mayGo(held_.front()))) {
     tell_(held_.front().item);

@@ -11,7 +11,8 @@
 namespace tamo::support {
 namespace {
 
-/// What `log` and `simctl` write around the entries.
+/// What `log` and `simctl` write around the entries. They are named because an unknown line is shown to the reader, and
+/// one of these would stand in front of nearly every story.
 constexpr std::array<std::string_view, 8> frames{
     "Timestamp  ", "Filtering the log data",     "Skipping info", "Skipping debug",
     "====",        "--------------------------", "Log      - ",   "getpwuid_r did not find",
@@ -24,7 +25,8 @@ std::optional<std::int64_t> number(std::string_view text) {
   return whole ? std::optional(value) : std::nullopt;
 }
 
-/// "Error", "E " and "error" are one level.
+/// "Error", "E " and "error" are one level. Most styles spell it out, the compact one has two columns for it, and a
+/// stage writes small letters.
 Level levelNamed(std::string_view name) {
   if (name.starts_with("Er") || name.starts_with("E ") || name == "error") return Level::Error;
   if (name.starts_with("Fa") || name.starts_with("F ")) return Level::Fault;
@@ -41,7 +43,8 @@ std::string_view takeWord(std::string_view& rest) {
 }
 
 /// The message behind "[SUBSYSTEM:CATEGORY] ", which the sending library may precede in parentheses. Absent where the
-/// entry is of another subsystem or of none.
+/// entry is of another subsystem or of none. It counts in this place alone, and by its whole name: another program's
+/// message may quote a line of the companion's, and another subsystem's name may begin with this one.
 std::optional<std::string_view> messageOf(std::string_view rest) {
   if (rest.starts_with('(')) {
     const auto close = rest.find(") ");
@@ -58,7 +61,7 @@ std::optional<std::string_view> messageOf(std::string_view rest) {
 }
 
 /// Takes "NAME[PID" off the front, with what stands up to the closing bracket, and the blank behind it. A name may have
-/// blanks in it, and brackets.
+/// blanks in it, and brackets. The compact style has the thread behind the pid, the syslog style the pid alone.
 std::optional<std::int64_t> takeProcess(std::string_view& rest) {
   for (auto open = rest.find('['); open != std::string_view::npos; open = rest.find('[', open + 1)) {
     const auto close = rest.find(']', open);
@@ -73,11 +76,14 @@ std::optional<std::int64_t> takeProcess(std::string_view& rest) {
   return std::nullopt;
 }
 
+/// Of the styles of `log` ndjson alone marks where a message ends, and a stage escapes its line feeds; in the others a
+/// message may go on in the next line.
 Recognised product(const Moment& at, std::int64_t pid, Level level, std::string_view message, bool mayGoOn) {
   return {Kind::Product, Entry{at, pid, level, std::string(message), mayGoOn}};
 }
 
-/// "Df Tamo Core[812:4fa1] [SUBSYSTEM:CATEGORY] MESSAGE"
+/// "Df Tamo Core[812:4fa1] [SUBSYSTEM:CATEGORY] MESSAGE". The level is taken by its width: of one letter, the second
+/// column is a blank.
 Recognised compact(const Moment& at, std::string_view rest) {
   const auto level = levelNamed(rest.substr(0, 2));
   rest.remove_prefix(std::min<std::size_t>(3, rest.size()));
@@ -127,11 +133,14 @@ Recognised ofAStage(const Moment& at, std::string_view rest) {
   return product(at, *pid, level, values::unescaped(text), false);
 }
 
+/// An object that doesn't name the subsystem is not read at all. In the log of a whole system nearly all are such, and
+/// searching one for the name is far less work than reading it.
 Recognised ofAnObject(std::string_view line, bool marked) {
   if (!line.ends_with('}')) return {.kind = Kind::Unknown};
   if (!marked) return {.kind = line.starts_with("{\"count\":") ? Kind::Frame : Kind::Foreign};
   const auto object = logObject(line);
   if (!object) return {.kind = Kind::Unknown};
+  // An activity may carry the subsystem and a text as well, and is no line of a log.
   const bool logged = object->event.empty() || object->event == "logEvent";
   if (object->subsystem != subsystem || !object->message || !logged) return {.kind = Kind::Foreign};
   std::string_view time = object->timestamp;
@@ -145,6 +154,9 @@ bool mayBeTimed(std::string_view line) {
   return line.size() > 20 && line[4] == '-' && line[7] == '-' && line[13] == ':' && line[16] == ':';
 }
 
+/// The form is told for each line and not for a log, because nothing keeps anybody from putting two exports into one
+/// file. Only a stage has a "T" and a tab; only the compact style has no zone; of the two that are left only the one
+/// without a name begins with a thread.
 Recognised timed(std::string_view line, const Moment& at, std::string_view rest) {
   if (line[10] == 'T' && rest.starts_with('\t')) return ofAStage(at, rest.substr(1));
   if (!rest.starts_with(' ')) return {.kind = Kind::Unknown};

@@ -30,6 +30,7 @@ std::string_view serviceErrorName(std::int64_t code) {
   }
 }
 
+/// TamoPlatform is the companion's own name for a refusal that the system gave no error for.
 std::string_view errorName(const ErrorSaid& error) {
   if (error.domain == "TamoCore" && error.code == 64) return "there is no such action";
   if (error.domain == "TamoPlatform" && error.code == 1) return "the system failed without giving an error";
@@ -61,6 +62,8 @@ Advice unknownActionAdvice(const OutcomeSaid& said) {
       .next = "Ask for one of register, unregister, reseat, restart, sync, status and move-to-applications."};
 }
 
+/// By public reports the system refuses a registering right after an unregistering now and then, and takes it half a
+/// second later.
 Advice notRegisteredAnew() {
   return {.heading = heading::afterReseat,
           .meaning =
@@ -72,6 +75,7 @@ Advice notRegisteredAnew() {
               "error."};
 }
 
+/// By public reports a registering without approval can end with the code 11 or 1 instead of with the status 2.
 Advice refusedByTheUser() {
   return {
       .heading = heading::approval,
@@ -98,6 +102,7 @@ Advice propertyListAdvice() {
           .next = "Install Tamo afresh."};
 }
 
+/// An unregistering that finds no agent has come to what it was for, though its line says that it failed.
 Advice serviceErrorAdvice(const OutcomeSaid& said) {
   if (isService(said, 3)) return signatureAdvice();
   if (isService(said, 8) || isService(said, 10)) return propertyListAdvice();
@@ -121,6 +126,8 @@ std::string errorInWords(const OutcomeSaid& said) {
   return text + "." + descriptionInWords(said);
 }
 
+/// The status after the error comes before its code, because the system gives one code for several reasons: 1 alone
+/// stands for a missing approval, for a missing record and for haste.
 Advice errorAdvice(const Facts& facts) {
   if (facts.outcome == nullptr || !facts.outcome->error) return {};
   const auto& said = *facts.outcome;

@@ -8,7 +8,8 @@
 namespace tamo::support {
 namespace {
 
-/// What a line says, with what is known from the others.
+/// What a line says, with what is known from the others. Here and below each kind of message has an operation of its
+/// own, so one that is added and not explained doesn't compile.
 struct InWords {
   const Facts& facts;
 
@@ -80,6 +81,7 @@ Story storyOf(const Action& action) {
     std::visit(Advising{story, facts}, line.message);
     std::visit(Heading{story, facts}, line.message);
   }
+  // Before an action without its end is given a likely name: what is only guessed was asked by nobody.
   story.purpose = purposeOf(story.action);
   if (!story.verdict.empty()) return story;
   story.verdict = "its end is not in the log";

@@ -34,7 +34,9 @@ bool isLowHalf(std::uint32_t code) {
   return code >= 0xDC00 && code < 0xE000;
 }
 
-/// Reads from the front. What is not as it should be makes it bad for good, and a bad reader has nothing left.
+/// Reads from the front. What is not as it should be makes it bad for good, and a bad reader has nothing left. It goes
+/// over the line once and copies nothing: an object has many more members than the seven that are asked for, so a value
+/// is decoded only when its name is known.
 class Reader {
  public:
   explicit Reader(std::string_view rest) : rest_(rest) {}
@@ -56,7 +58,8 @@ class Reader {
     if (!takes(wanted)) fail();
   }
 
-  /// A text with its quotes, as it stands.
+  /// A text with its quotes, as it stands. A backslash takes the next byte with it, which is how an escaped quote ends
+  /// nothing; where a line is cut behind one, the text has no end.
   std::string_view quoted() {
     needs('"');
     const auto all = rest_;
@@ -68,7 +71,8 @@ class Reader {
     return all.substr(0, size);
   }
 
-  /// A number, a word, or an object or array without a look at what it is; as it stands.
+  /// A number, a word, or an object or array without a look at what it is; as it stands. One kind of bracket may close
+  /// the other: whether a value that nobody asks for is well formed doesn't matter, as long as its end is found.
   std::string_view plain() {
     skipBlanks();
     const auto all = rest_;
@@ -76,6 +80,7 @@ class Reader {
     while (!rest_.empty()) {
       const char one = rest_.front();
       if (depth == 0 && std::string_view(",}] \t\r").contains(one)) break;
+      // A bracket within a text closes nothing.
       if (one == '"') {
         quoted();
         continue;

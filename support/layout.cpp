@@ -35,7 +35,8 @@ std::pair<std::uint32_t, std::size_t> firstCharacter(std::string_view text) {
   return {code, size};
 }
 
-/// The control characters of ASCII and of Latin 1, and those that turn the direction of what follows.
+/// The control characters of ASCII and of Latin 1, and those that turn the direction of what follows. A log holds
+/// whatever an action or a path was named, so one of them could wipe or rewrite what was told before it.
 bool actsOnATerminal(std::uint32_t code) {
   const auto isWithin = [code](std::uint32_t first, std::uint32_t last) {
     return code >= first && code <= last;
@@ -62,7 +63,8 @@ std::size_t bytesOf(std::string_view text, std::size_t count) {
   return at;
 }
 
-/// How many characters stand beside a margin: a few at least.
+/// How many characters stand beside a margin: a few at least. With no room at all a word would never get shorter by
+/// being cut.
 std::size_t roomBeside(std::string_view margin, std::size_t width) {
   const auto taken = characters(margin);
   return std::max(width, taken + 8) - taken;
@@ -74,6 +76,7 @@ std::string plainParagraph(std::string_view rest, const Margins& margins, std::s
   std::string text(margins.first);
   auto room = roomBeside(margins.first, width);
   while (rest.size() > room) {
+    // The blank right behind the last column ends a full line as well.
     const auto blank = rest.rfind(' ', room);
     const auto size = std::min(blank, room);
     text.append(rest.substr(0, size)).append("\n").append(margins.others);
@@ -138,6 +141,8 @@ class Setter {
 
 }  // namespace
 
+/// UTF-8 is repaired first: the characters are taken apart without another check, and what a terminal makes of broken
+/// bytes is its own affair.
 std::string visible(std::string_view text) {
   if (isPlain(text)) return std::string(text);
   const auto whole = values::repairedUtf8(text);
@@ -150,6 +155,8 @@ std::string visible(std::string_view text) {
   return shown;
 }
 
+/// Made visible before it is measured, since an escape is wider than its character. The quick way keeps every blank, so
+/// it is for texts without two of them side by side.
 std::string paragraph(std::string_view text, const Margins& margins, std::size_t width) {
   const auto shown = visible(text);
   const bool isSingleSpaced = !shown.contains("  ") && !shown.starts_with(' ') && !shown.ends_with(' ');

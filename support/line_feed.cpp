@@ -15,6 +15,7 @@ constexpr std::size_t piece = std::size_t{1} << 16U;
 LineFeed::LineFeed(Source source, std::string marker)
     : source_(std::move(source)), marker_(std::move(marker)) {}
 
+/// The length is asked before more is read. That is what bounds the memory, even if a stream has no line break at all.
 std::optional<Line> LineFeed::next() {
   if (skips_) skipRest();
   while (true) {
@@ -27,6 +28,8 @@ std::optional<Line> LineFeed::next() {
   }
 }
 
+/// From where the last search ended: a long line comes in many pieces, and would otherwise be searched from its front
+/// for each of them.
 std::optional<std::size_t> LineFeed::lineEnd() {
   const auto* found = std::memchr(buffer_.data() + searched_, '\n', filled_ - searched_);
   if (found == nullptr) {
@@ -50,7 +53,8 @@ bool LineFeed::fill() {
   return added != 0;
 }
 
-/// One search serves all the lines up to the marker that it finds.
+/// One search serves all the lines up to the marker that it finds. In the log of a whole system few lines have it, so
+/// nearly all are decided by one comparison.
 bool LineFeed::markedBefore(std::size_t end) {
   if (!markerAt_ || *markerAt_ < at_) {
     const auto* found = ::memmem(buffer_.data() + at_, filled_ - at_, marker_.data(), marker_.size());

@@ -7,7 +7,8 @@
 namespace tamo::support {
 namespace {
 
-/// Of lines in a row that nobody knows, so many are shown; and of a line, so many bytes.
+/// Of lines in a row that nobody knows, so many are shown; and of a line, so many bytes. A file of another kind, put
+/// behind a log, would otherwise be printed whole.
 constexpr std::size_t mostStrays = 20;
 constexpr std::size_t shownBytes = 4096;
 /// A message that goes on for longer than this is not the companion's.
@@ -32,6 +33,7 @@ void LogReader::take(const Line& line) {
   auto read = recognised(line.text, line.marked);
   if (read.kind == Kind::Unknown) return takeUnknown(line);
   endUnfinished();
+  // An object is whole on its line; in the other forms the next lines may be the rest of a message.
   inForeign_ = read.kind == Kind::Foreign && !line.text.starts_with('{');
   if (read.kind == Kind::Foreign) takeForeign(line);
   if (read.kind == Kind::Product) takeProduct(line, *std::move(read.entry));
@@ -45,6 +47,8 @@ void LogReader::takeForeign(const Line& line) {
     actions_.take(Aside{.remark = "Another program's line that names the product:", .lines = {asItIs(line)}});
 }
 
+/// A message that says something is whole. Only one that says nothing by itself is kept open for what may be the rest
+/// of it.
 void LogReader::takeProduct(const Line& line, Entry entry) {
   ++counts_.own;
   endStrays();
@@ -73,6 +77,8 @@ bool LogReader::goesOn(const Line& line) {
   return true;
 }
 
+/// The rest of another program's message is left out like its front. The last line of a log is not: when it is cut, it
+/// may have been the companion's.
 void LogReader::takeUnknown(const Line& line) {
   counts_.cut = !line.ended;
   counts_.binary = counts_.binary || line.text.contains('\0');
@@ -83,6 +89,7 @@ void LogReader::takeUnknown(const Line& line) {
   takeStray(line);
 }
 
+/// A last line without its end is told apart from other strays, because it may be the very line that is looked for.
 void LogReader::takeStray(const Line& line) {
   if (line.ended || counts_.own == 0) {
     ++strays_.count;

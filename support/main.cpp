@@ -14,9 +14,11 @@
 namespace tamo::support {
 namespace {
 
+/// As grep ends, so that a script can ask whether a log has anything of the companion.
 enum Exit { somethingTold = 0, nothingFound = 1, notUnderstood = 2 };
 
-/// A terminal that doesn't tell its width may have it in the environment.
+/// A terminal that doesn't tell its width may have it in the environment. What goes into a file or a pipe doesn't
+/// depend on the terminal it was started from.
 std::optional<std::size_t> terminalWidth() {
   winsize size{};
   if (::isatty(STDOUT_FILENO) == 0) return std::nullopt;
@@ -41,6 +43,7 @@ std::size_t readSome(int descriptor, char* buffer, std::size_t size, int& failur
   return got < 0 ? 0 : static_cast<std::size_t>(got);
 }
 
+/// The likeliest folder to be handed over is an archive of the system's log.
 int cannotRead(const std::string& name, int failure) {
   const char* hint = failure == EISDIR ? " (a .logarchive has to be exported first: log show --archive)" : "";
   std::fprintf(stderr, "tamo-log: %s: %s%s\n", name.c_str(), std::strerror(failure), hint);
@@ -73,6 +76,7 @@ int overall(int before, int status) {
   return before == somethingTold ? somethingTold : status;
 }
 
+/// A story that could not be written, as on a full disk, must not end like one that was read.
 int tellAll(const Wish& wish) {
   const Manner manner{.width = widthFor(wish, terminalWidth()), .all = wish.all};
   int status = nothingFound;
@@ -91,6 +95,7 @@ int main(const std::vector<std::string>& words) {
     return notUnderstood;
   }
   if (!wish->help) {
+    // Started without a word it would wait in silence, as if it hung.
     if (wish->logs == std::vector<std::string>{"-"} && ::isatty(STDIN_FILENO) != 0)
       std::fputs("tamo-log: reading what is typed, up to Ctrl-D; --help tells what it reads\n", stderr);
     return tellAll(*wish);

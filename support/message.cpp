@@ -66,6 +66,7 @@ bool takeKickstart(std::string_view& rest, OutcomeSaid& said) {
   return said.kickstart.has_value();
 }
 
+/// The reason ends at the blank in front of an error or at the hidden description, which follows without one.
 void takeReseated(std::string_view& rest, OutcomeSaid& said) {
   if (take(rest, " reseated ")) said.reseated = takeUpTo(rest, " <");
 }
@@ -97,6 +98,7 @@ std::optional<Message> outcome(std::string_view text) {
   return std::nullopt;
 }
 
+/// The words behind the path are looked for from the end: a folder may be named like them.
 std::optional<std::string> refusedApp(std::string_view why) {
   if (!take(why, "tamo.test_copy_refused_live_data app=")) return std::nullopt;
   const auto end = why.rfind(" (only ");
@@ -128,7 +130,9 @@ std::optional<bool> takeChanged(std::string_view& rest) {
   return std::nullopt;
 }
 
-/// Arguments that hold what stands between the two sides themselves are cut at the first place that makes sense.
+/// Arguments that hold what stands between the two sides themselves are cut at the first place that makes sense. A line
+/// that begins so and has no end was cut: the system does so at about a kilobyte, and this one has all arguments in it
+/// twice.
 std::optional<Message> definition(std::string_view rest) {
   if (!take(rest, "definition: ")) return std::nullopt;
   if (!take(rest, "loaded ")) return std::nullopt;
@@ -155,7 +159,8 @@ bool takeTarget(std::string_view rest, HardStopSaid& said) {
   return target.has_value();
 }
 
-/// "NAME(PAYLOAD, gone: true)"
+/// "NAME(PAYLOAD, gone: true)". Read from both its ends, because the reason in the middle may hold quotes and brackets
+/// of its own.
 bool takeEndWithPayload(std::string_view rest, HardStopSaid& said) {
   using End = HardStopSaid::End;
   const auto gone = takeGone(rest);
@@ -182,6 +187,8 @@ std::optional<Message> hardStop(std::string_view rest) {
   return takeEndWithPayload(rest, said) ? std::optional<Message>(said) : std::nullopt;
 }
 
+/// A code is a single word. With more behind the arrow the line is the outcome of an action that somebody named like a
+/// move.
 std::optional<Message> moveResult(std::string_view rest) {
   if (!take(rest, AppMove::operation) || !take(rest, " -> ")) return std::nullopt;
   const bool word =

@@ -29,6 +29,8 @@ bool takeOne(std::string_view& rest, std::string_view of) {
   return true;
 }
 
+/// What is no day of the calendar is refused before it is converted, which would make a day of March of 30 February in
+/// silence.
 std::optional<sys_days> takeDate(std::string_view& rest) {
   const auto y = takeNumber(rest, 4);
   if (!y || !takeOne(rest, "-")) return std::nullopt;
@@ -51,7 +53,8 @@ std::optional<seconds> takeClock(std::string_view& rest) {
   return hours(*h) + minutes(*m) + seconds(*s);
 }
 
-/// Digits beyond the sixth are dropped.
+/// Digits beyond the sixth are dropped. By weight and not as one number, because the forms have three digits or six;
+/// and as the weight of a seventh is 0, no row of digits is too long.
 microseconds takeFraction(std::string_view& rest) {
   if (!takeOne(rest, ".")) return {};
   int value = 0;
@@ -63,6 +66,8 @@ microseconds takeFraction(std::string_view& rest) {
   return microseconds(value);
 }
 
+/// What only looks like a zone stays in front of the rest. The line is in no form then, and is shown as it is instead
+/// of being told at a wrong hour.
 std::optional<int> takeZone(std::string_view& rest) {
   if (takeOne(rest, "Z")) return 0;
   auto tried = rest;
@@ -74,6 +79,8 @@ std::optional<int> takeZone(std::string_view& rest) {
   return (*digits / 100 * 60 + *digits % 100) * (west ? -1 : 1);
 }
 
+/// The C library's, because the C++ library that Linux builds with has no format. The buffer has room for any day and
+/// any zone.
 template <class... Parts>
 std::string printed(const char* format, Parts... parts) {
   std::array<char, 64> text{};
@@ -99,6 +106,7 @@ std::optional<Moment> takeMoment(std::string_view& rest) {
 std::string timeOfDay(const Moment& moment) {
   constexpr std::int64_t day = 86'400'000;
   auto rest = moment.localMicros / 1000 % day;
+  // A moment before 1970 has a remainder below zero, and a time of the day like any other.
   if (rest < 0) rest += day;
   std::string text = "00:00:00.000";
   const auto put = [&](std::size_t first, std::size_t digits, std::int64_t among) {

@@ -19,6 +19,8 @@ Advice refusedInstalledCopy() {
           "Tamo afresh."};
 }
 
+/// Both ways out are told: a copy in /Applications is run from elsewhere too while it has the mark, and moving it there
+/// again changes nothing.
 Advice refusedTranslocatedCopy() {
   return {
       .heading = heading::refused,
@@ -69,6 +71,8 @@ std::string moveResultVerdict(const MoveResultSaid& said) {
   return AppMove::resultOf(said.code).ok ? "done" : "not done";
 }
 
+/// The line doesn't say which rule refused a copy, so that is told from where the copy lies: what is translocated runs
+/// from a folder of that name, and what lies where it may act failed by another rule.
 void addRefusedAdvice(Story& story, const RefusedSaid& said) {
   if (!said.app)
     return add(story, {.heading = heading::refused,
@@ -77,6 +81,8 @@ void addRefusedAdvice(Story& story, const RefusedSaid& said) {
   add(story, *said.app == AppMove::destination ? refusedInstalledCopy() : refusedOtherCopy());
 }
 
+/// An unfinished copy is named because the next move would find an installed Tamo whose build cannot be read, and would
+/// only open that.
 void addMoveResultAdvice(Story& story, const MoveResultSaid& said) {
   if (said.code == Code::moved) return;
   if (said.code == Code::opened)

@@ -10,6 +10,8 @@
 namespace tamo::support {
 namespace {
 
+/// The numbers are launchctl's own as people have reported them (docs/troubleshooting.md, which names them), but for
+/// -1, which is the companion's for a tool without an end.
 std::string kickstartInWords(const OutcomeSaid& said) {
   const auto status = said.kickstart.value_or(0);
   if (status == 0) return "launchctl kickstart ended with 0: launchd took the order.";
@@ -28,7 +30,8 @@ std::string afterKickstart(const OutcomeSaid& said) {
                                    : " If launchd said that no Core runs, the agent was registered anew.";
 }
 
-/// The way that a restart, a sync or a registering took, as far as the lines tell it.
+/// The way that a restart, a sync or a registering took, as far as the lines tell it. What the line says outright comes
+/// first. What it leaves out is told by the action's rules, which need its name.
 std::string wayInWords(const Facts& facts) {
   const auto& said = *facts.outcome;
   if (said.kickstart) return "The agent was enabled. " + kickstartInWords(said) + afterKickstart(said);
@@ -110,6 +113,8 @@ std::string outcomeStep(const Facts& facts) {
   return did + (did.empty() ? "" : " ") + statusSentence(said);
 }
 
+/// An ok alone is not called done: it speaks of the agent's status, and a kickstart that failed or a Core that outlived
+/// its stop can stand beside it.
 std::string outcomeVerdict(const Facts& facts) {
   const auto& said = *facts.outcome;
   if (said.error) return "failed";

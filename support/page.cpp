@@ -44,6 +44,7 @@ class Setting {
  public:
   Setting(std::string_view margin, std::size_t width) : margin_(margin), width_(width) {}
 
+  /// What stands in a fence is a command, even where it looks like an item or a row, so the fence is asked first.
   void line(std::string_view line) {
     if (line.starts_with("```")) {
       flush();
@@ -72,6 +73,7 @@ class Setting {
   }
 
  private:
+  /// The line that only draws a table is empty by now, and must not give its mark to the paragraph that follows.
   void item(std::string_view text) {
     if (!text.empty()) isItem_ = true;
     gather(text);
@@ -107,6 +109,7 @@ class Setting {
 
 }  // namespace
 
+/// A heading counts as a whole line only, because one can begin like another.
 std::optional<std::string_view> section(std::string_view page, std::string_view name) {
   const auto heading = "\n## " + std::string(name) + "\n";
   const auto at = page.find(heading);

@@ -13,7 +13,8 @@ namespace {
 /// Times stand in a column of their own where there is room for two.
 constexpr std::size_t widthForColumns = 60;
 
-/// "process 812, 2.5 s", from the first line to the last. What the log doesn't tell is left out.
+/// "process 812, 2.5 s", from the first line to the last. What the log doesn't tell is left out. A length is left out
+/// when the clock was set back meanwhile.
 std::string processAndLength(const Action& action) {
   std::string text = action.pid == 0 ? "" : "process " + std::to_string(action.pid);
   if (action.lines.size() == 1) return text;
@@ -55,7 +56,8 @@ void Printer::heading(const Action& action, const Story& story) {
   if (!story.purpose.empty()) out_(body("Asked: " + story.purpose + ".", 2, 9));
 }
 
-/// The text set with blanks for its margins; what is printed into the first of them comes later.
+/// The text set with blanks for its margins; what is printed into the first of them comes later. A log of a gigabyte
+/// says few things, each many times. What is kept is dropped whole when it is full: what comes again is soon set again.
 const std::string& Printer::body(const std::string& text, std::size_t first, std::size_t others) {
   constexpr std::size_t most = 512;
   auto& known = bodies_[{first, others}];
@@ -67,6 +69,8 @@ const std::string& Printer::body(const std::string& text, std::size_t first, std
   return known[text] = paragraph(text, {margin(first), margin(others)}, width_);
 }
 
+/// The time of a step is printed over the blanks of its margin. Set together with its text it would make each of them
+/// another one.
 void Printer::steps(const Story& story) {
   for (const auto& step : story.steps) {
     const auto first = "  " + timeOfDay(step.at) + "  ";

@@ -7,6 +7,7 @@ namespace {
 
 using End = HardStopSaid::End;
 
+/// The line has no other mark for a definition that could not be read.
 bool isUnknown(const DefinitionSide& side) {
   return side.arguments == "unknown" && side.exitTimeout == "-";
 }
@@ -43,6 +44,7 @@ std::string reasonInWords(const std::string& reason) {
   return "of a reason that is not known here";
 }
 
+/// The line names no times; here and below they are those of the hard stop's rules.
 std::string sparedStep(const HardStopSaid& said) {
   return "Spared " + core(said) + " which was still alive 2 seconds after it was asked to stop, because " +
          reasonInWords(said.reason) + ". No signal was sent. " +

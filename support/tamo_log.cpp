@@ -10,6 +10,7 @@
 namespace tamo::support {
 namespace {
 
+/// The one style that says where a message ends and in which zone its times are.
 constexpr std::string_view exporting =
     R"(log show --last 1h --style ndjson --predicate 'subsystem == "studio.pell.Tamo.Core"')";
 
@@ -17,7 +18,8 @@ std::string count(std::uint64_t number, const std::string& one, const std::strin
   return std::to_string(number) + " " + (number == 1 ? one : many);
 }
 
-/// Why a log has nothing to tell, in one sentence.
+/// Why a log has nothing to tell, in one sentence. Zero bytes are asked for before the name is: in UTF-16 every letter
+/// of it has one beside it, so it is never found, and the log would be called somebody else's.
 std::string whyNothing(const Counts& counts) {
   if (counts.lines == 0) return "the log is empty";
   if (counts.binary)

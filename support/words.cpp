@@ -20,6 +20,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 7> purposes{
     {AppMove::operation, "move this Tamo into /Applications"},
 }};
 
+/// Two lines of one action can lead to the same advice, as the two hard stops of a restart do.
 void addOnce(std::vector<std::string>& texts, std::string_view text) {
   if (!text.empty() && std::ranges::find(texts, text) == texts.end()) texts.emplace_back(text);
 }
