@@ -8,7 +8,8 @@
 namespace tamo::values {
 namespace {
 
-/// What a terminal would obey instead of showing it.
+/// What a terminal would obey instead of showing it. Compared as unsigned, because a byte beyond ASCII is part of a
+/// character, and as a char it would lie below the blank.
 bool isControl(char character) {
   const auto code = static_cast<unsigned char>(character);
   return code < 0x20 || code == 0x7f;
@@ -28,7 +29,8 @@ std::string escapedCharacter(char character, std::string_view more) {
   return std::string(marked ? "\\" : "") + character;
 }
 
-/// The byte that the two digits behind "x" name; absent for anything else.
+/// The byte that the two digits behind "x" name; absent for anything else. Two digits or none, so that the text behind
+/// an escape is never taken for a part of it.
 std::optional<char> namedByte(std::string_view name) {
   unsigned char code = 0;
   if (name.size() < 3 || name[0] != 'x') return std::nullopt;

@@ -25,7 +25,8 @@ char shortEscape(char character) {
   }
 }
 
-/// As the Mac's own serialiser writes: a "/" is escaped, and what lies beyond ASCII stands as it is.
+/// As the Mac's own serialiser writes: a "/" is escaped, and what lies beyond ASCII stands as it is. The character 7F
+/// stands as it is too, because JSON asks for an escape below the blank alone.
 void append(std::string& json, char character) {
   constexpr std::string_view digits = "0123456789abcdef";
   const auto byte = static_cast<unsigned char>(character);

@@ -28,6 +28,7 @@ std::size_t blankAtFront(std::string_view text) {
   return found == wideSpaces.end() ? 0 : found->size();
 }
 
+/// By whole spaces from this side as well: the last byte of a wide space is also the last byte of other characters.
 std::size_t blankAtBack(std::string_view text) {
   if (isBlank(text.back())) return 1;
   if (isAscii(text.back())) return 0;
@@ -58,6 +59,8 @@ struct Sequence {
   unsigned char high;
 };
 
+/// As Unicode's table of well-formed sequences has them. C0, C1 and whatever is above F4 begin none: they could only
+/// spell a character at greater length than it needs, or one that doesn't exist.
 std::optional<Sequence> sequenceOf(unsigned char lead) {
   if (lead < 0x80) return Sequence{};
   if (lead >= 0xC2 && lead <= 0xDF) return Sequence{1, 0x80, 0xBF};
@@ -70,7 +73,8 @@ std::optional<Sequence> sequenceOf(unsigned char lead) {
   return std::nullopt;
 }
 
-/// The first part of a text that is one character, or the longest piece of one.
+/// The first part of a text that is one character, or the longest piece of one. How long a piece is decides how many
+/// characters take its place: one for a character that is cut off, and not one for each of its bytes.
 struct Part {
   std::size_t size;
   bool valid;

@@ -15,6 +15,7 @@ using macos::textOf;
 Owned<CFMutableStringRef> changeable(std::string_view text) {
   const auto fixed = cfText(text);
   auto copy = fixed ? CFStringCreateMutableCopy(nullptr, 0, fixed.get()) : nullptr;
+  // Of a text that is UTF-8 only a lack of memory can be the reason.
   if (copy == nullptr) fatal("a text could not be handed to the system");
   return Owned<CFMutableStringRef>(copy);
 }

@@ -63,6 +63,7 @@ class Walk {
     top_ = stated(16, 8);
     const auto table = stated(24, 8);
     if (offsetSize_ == 0 || referenceSize_ == 0 || table <= frontSize) return false;
+    // The count first, so that the product behind it cannot wrap.
     if (count_ > bytes_.size() || table > trailer || table + count_ * offsetSize_ != trailer) return false;
     if (!reaches(referenceSize_, count_) || !reaches(offsetSize_, table)) return false;
     objects_ = bytes_.substr(0, table);
@@ -111,7 +112,8 @@ class Walk {
     }
   }
 
-  /// The width of an integer is two to the power of `detail`.
+  /// The width of an integer is two to the power of `detail`. Sixteen bytes are how an integer above the signed range
+  /// is written; the library reads the lower eight alone, so the others have to be zero.
   [[nodiscard]] bool integerIsSound(std::uint64_t at, std::uint64_t detail) const {
     if (detail < 4) return number(objects_, at + 1, std::uint64_t{1} << detail).has_value();
     return detail == 4 && number(objects_, at + 1, 8) == 0U && number(objects_, at + 9, 8);
@@ -150,7 +152,8 @@ class Walk {
     });
   }
 
-  /// A text in units of UTF-16.
+  /// A text in units of UTF-16. The upper six bits of a unit tell half of a pair: 36 the first, 37 the second, in
+  /// hexadecimal. A half by itself is a character that UTF-8 cannot hold.
   [[nodiscard]] bool wideTextIsSound(std::uint64_t at, std::uint64_t detail) const {
     const auto inside = contents(at, detail, 2);
     if (!inside) return false;

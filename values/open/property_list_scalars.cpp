@@ -77,6 +77,8 @@ bool equalsInAnyCase(std::string_view text, std::string_view name) {
 
 }  // namespace
 
+/// White space at the end is not skipped: a Mac takes such a list for unreadable, as it does for any other text behind
+/// the digits.
 std::optional<PropertyList> integerValue(std::string_view text) {
   skipWhiteSpace(text);
   const bool minus = takeMinus(text);
@@ -99,11 +101,13 @@ std::optional<PropertyList> realValue(const std::string& text) {
     return std::nullopt;
   }
   char* stopped = nullptr;
+  // This goes by the locale, which is C's, because nobody sets another.
   const double value = std::strtod(text.c_str(), &stopped);
   if (stopped == text.c_str() || stopped != text.c_str() + text.size()) return std::nullopt;
   return PropertyList{value};
 }
 
+/// Only the form counts, because it decides whether the whole list can be read; the date itself is of no use here.
 bool isDate(std::string_view text) {
   constexpr std::string_view behindTheYear = "-00-00T00:00:00Z";
   if (text.starts_with('-')) text.remove_prefix(1);

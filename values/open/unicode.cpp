@@ -67,6 +67,7 @@ std::string decomposed(std::string_view text) {
   const auto options = static_cast<utf8proc_option_t>(UTF8PROC_DECOMPOSE | UTF8PROC_STABLE);
   const auto size = utf8proc_map(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &raw, options);
   const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owned(raw, &std::free);
+  // Of a text that is UTF-8 only a lack of memory can be the reason.
   if (size < 0) fatal("a text could not be decomposed");
   return {owned.get(), owned.get() + size};
 }
