@@ -135,6 +135,7 @@ std::vector<std::size_t> targetsOf(const Moment& signal, const std::vector<Life>
   return found;
 }
 
+/// A kickstart with -k kills what runs before it starts anew, so the option belongs to the name.
 std::string toolName(const Moment& moment, std::size_t place) {
   const auto& path = moment.texts[place];
   auto name = path.substr(path.rfind('/') + 1);

@@ -11,6 +11,7 @@ constexpr double paperWidth = 960;
 constexpr double chartLeft = 150;
 constexpr double chartRight = 912;
 constexpr double lineHeight = 16;
+/// So many characters, all of them wide, fit between the times of what is told and the edge of the paper.
 constexpr std::size_t lineColumns = 138;
 
 struct LegendSign {

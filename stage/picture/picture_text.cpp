@@ -15,7 +15,8 @@ constexpr auto legend =
     "─ lives  █ works  ░ waits by a rule  ▒ holds the lock  | ends  x is killed  ○ is seen gone  "
     "a b c log lines  ◆ moment  T K SIGTERM, SIGKILL  ↓ ↑ whence they come";
 
-/// One line of characters, each of which takes a column.
+/// One line of characters, each of which takes a column. A cell is a text, because most of the drawing's characters
+/// have several bytes.
 class Canvas {
  public:
   explicit Canvas(std::size_t width) : cells_(width, " ") {}
@@ -150,6 +151,8 @@ class Drawing {
     line("", canvas);
   }
 
+  /// A column shows what was put into it last, so what is looked for most comes last: marks over bars, and signals over
+  /// everything.
   void row(std::size_t index) {
     const auto& row = picture_.rows[index];
     Canvas canvas(chart());
@@ -173,6 +176,7 @@ class Drawing {
       canvas.put(column(arrow.at), letterOf(arrow.signal));
   }
 
+  /// Both ends are filled, so that what took no time at all still has a column.
   void span(Canvas& canvas, const Span& span) const {
     const auto until = column(span.until);
     canvas.fill(column(span.from), until, characterOf(span.kind));

@@ -93,6 +93,7 @@ std::string cutTo(std::string_view text, std::size_t columns) {
   return std::string(text.substr(0, endOf(text, columns - 1))) + "…";
 }
 
+/// A path may be longer than a line, and is cut where that is full.
 std::vector<std::string> wrapped(std::string_view text, std::size_t columns) {
   std::vector<std::string> lines;
   while (columnsOf(text) > columns) {

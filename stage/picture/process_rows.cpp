@@ -77,6 +77,7 @@ class Table {
 
   ProcessRows all() {
     result_.rows = companionRows(scene_);
+    // Its steps are the first row, and its signals leave from there.
     result_.rowOf[scene_.companion] = 0;
     tools();
     add(Role::Administrator, RowKind::Tool);

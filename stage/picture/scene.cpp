@@ -44,6 +44,8 @@ std::vector<Moment> momentsSince(std::vector<Moment>::const_iterator begin, cons
 
 }  // namespace
 
+/// An action begins with its companion. Where several run at once, the one that began last is drawn, and the others are
+/// rows beside it.
 std::optional<Scene> lastScene(const JournalReading& reading, const Present& present) {
   const auto& all = reading.moments;
   const auto last =

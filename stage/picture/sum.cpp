@@ -38,6 +38,7 @@ class Sum {
     return std::nullopt;
   }
 
+  /// What lies below 0 was kept for the locks alone and belongs to another action.
   [[nodiscard]] std::optional<std::int64_t> first(const Test& test) const {
     for (const auto& moment : scene_.moments)
       if (moment.at >= 0 && test(moment)) return moment.at;

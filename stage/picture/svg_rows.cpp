@@ -132,6 +132,7 @@ class Chart {
     svg_.close();
   }
 
+  /// What took hardly any time is drawn wider than it was, or nobody would see it.
   void span(std::size_t index, const Span& span) {
     const auto from = x(span.from);
     const auto until = x(span.until);
@@ -266,6 +267,8 @@ void addSign(SvgText& svg, MarkKind kind, double x, double y, const std::string&
   svg.text("text", {{"x", text(x)}, {"y", text(y + 3.3)}, {"text-anchor", "middle"}}, letter);
 }
 
+/// Which font will show the text is not known here, so each of its characters counts as a wide one: a label has too
+/// much room rather than too little.
 double textWidth(std::string_view text) {
   constexpr double widestCharacter = 6.2;
   return widestCharacter * static_cast<double>(columnsOf(text));

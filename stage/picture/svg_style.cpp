@@ -57,6 +57,7 @@ constexpr std::string_view styleSheet = R"svg(<style>
 </style>
 )svg";
 
+/// A wait and a held lock are told apart by these where colours are not seen.
 constexpr std::string_view drawnPatterns = R"svg(<defs>
   <pattern id="hatch" width="6" height="6" patternUnits="userSpaceOnUse" patternTransform="rotate(45)">
     <line class="hatched" x1="0" y1="0" x2="0" y2="6"/>

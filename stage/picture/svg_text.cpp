@@ -27,6 +27,8 @@ std::string_view escapeOf(char character) {
 
 }  // namespace
 
+/// XML has no form for most of the control characters, not even a reference, and one of them would make the whole
+/// document unreadable.
 std::string xmlText(std::string_view text) {
   std::string result;
   for (std::size_t at = 0; at < text.size(); ++at) {

@@ -170,6 +170,8 @@ std::vector<Told> toldOf(const Scene& scene) {
   return Teller(scene).all();
 }
 
+/// The outcome's line has the action's name as the companion understood it. Without one there is only what the
+/// companion was started with, of which the action is the last word.
 std::string actionOf(const Scene& scene) {
   const Moment* first = nullptr;
   std::string action;
