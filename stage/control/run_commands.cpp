@@ -21,6 +21,7 @@ namespace {
 int become(const StageRoot& root, const std::string& program, std::vector<std::string> arguments) {
   ::setenv("TAMO_STAGE", root.directory().c_str(), 1);
   arguments.insert(arguments.begin(), program);
+  // What the program does must not depend on where its caller happens to stand.
   if (::chdir("/") == 0) ::execv(program.c_str(), platform::vectorOf(arguments).data());
   throw StageError("cannot run " + program + ": " + std::strerror(errno));
 }

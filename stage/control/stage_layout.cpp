@@ -55,6 +55,7 @@ void makeFolders(const fs::path& root) {
   fs::permissions(root / "private/var/folders/st/tamo/T", fs::perms::owner_all, error);
   must(error, "cannot close the temporary directory to others");
   for (const auto* link : {"tmp", "var"}) {
+    // Relative, so that the machine's own kernel stays on the stage when it follows one.
     fs::create_directory_symlink(fs::path("private") / link, root / link, error);
     must(error, std::string("cannot link ") + link);
   }

@@ -73,6 +73,7 @@ int status(StageArguments& arguments) {
   return 0;
 }
 
+/// One a line and nothing beside it, because scripts read it.
 int ps(StageArguments& arguments) {
   const auto root = stageAt(arguments.take("stage"));
   arguments.finish();
