@@ -97,6 +97,7 @@ int carryOut(const StageRoot& root, const ShellRequest& request) {
   return asAdministrator(root, command);
 }
 
+/// A zero byte ends each, because it is the one that no argument can hold.
 void keep(const StageRoot& root, const std::vector<std::string>& arguments) {
   std::string bytes;
   for (const auto& argument : arguments)

@@ -55,6 +55,7 @@ class Work {
     if (error) fail(path, error.message());
   }
 
+  /// What is printed has the stage's own paths, since whoever asked knows no others.
   void visit(const std::string& item, bool named) {
     const auto path = root_.onStage(item).value_or(item);
     if (!use_.deleted) {
