@@ -30,8 +30,7 @@ std::optional<std::int64_t> number(std::string_view text) {
 Level levelNamed(std::string_view name) {
   if (name.starts_with("Er") || name.starts_with("E ") || name == "error") return Level::Error;
   if (name.starts_with("Fa") || name.starts_with("F ")) return Level::Fault;
-  return name.starts_with("De") || name.starts_with("Df") || name == "default" ? Level::Default
-                                                                               : Level::Other;
+  return name == "Df" || name == "Default" || name == "default" ? Level::Default : Level::Other;
 }
 
 /// Up to the next blank, and the blanks behind it.

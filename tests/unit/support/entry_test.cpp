@@ -57,6 +57,14 @@ TEST(EntryTest, AFaultIsKnownByItsLevel) {
             Level::Fault);
 }
 
+TEST(EntryTest, ALineForDebuggingIsNoneOfTheDefaultLevel) {
+  for (const auto& [word, level] : {std::pair("Default", Level::Default), std::pair("Debug", Level::Other)}) {
+    const auto line = R"({"eventMessage":"x","subsystem":"studio.pell.Tamo.Core","messageType":")" +
+                      std::string(word) + R"(","timestamp":"2026-11-21 23:00:00.123456+0100"})";
+    EXPECT_EQ(read(line).entry->level, level) << word;
+  }
+}
+
 TEST(EntryTest, AStagesTextIsUnescaped) {
   const auto found =
       read("2026-11-21T23:00:00.123Z\t8\tdefault\tstudio.pell.Tamo.Core\tlifecycle\ta\\tb\\nc\\\\d\\\tmarks");
