@@ -4,17 +4,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
+#include "figure_row.hpp"
 #include "platform/stage/launchd_wire.hpp"
 #include "process_cost.hpp"
 #include "stage/control/app_copy.hpp"
 #include "stage/control/stage_layout.hpp"
 
-/// What the companion itself costs per action on a stage, beside a program that only sleeps as the action's rules order:
-/// CPU time (its own, not its tools'), peak memory and wall time, the middle value of several runs each. A sleep costs
+/// What the companion itself costs per action on a stage, beside the sleeper (sleeper.cpp), with which it takes turns:
+/// CPU time (its own, not its tools'), wall time and peak memory, the middle value of several runs each. A sleep costs
 /// CPU time and comes to its end late, on some machines a good deal of both, so what the rules order is measured as the
 /// machine carries it out and not only counted.
 ///
@@ -24,9 +24,14 @@ namespace {
 using std::chrono::milliseconds;
 using tamo::bench::Cost;
 using tamo::bench::costOf;
+using tamo::bench::median;
+using tamo::bench::text;
+using Words = std::vector<std::string>;
 
-constexpr milliseconds intake(400);
-constexpr milliseconds poll(50);
+constexpr double mostTimesTheSleeper = 1.5;
+constexpr double mostMillisecondsOverTheWaits = 5;
+/// Memory varies by a page or two, so a few runs tell.
+constexpr int memoryRuns = 5;
 
 /// The polls of 50 ms that an action cannot do without, after the 0.4 s of intake: one for each launchctl run at least
 /// (the first look at a tool that was just started finds it running), and those of a hard stop's watch beside them.
@@ -38,74 +43,94 @@ struct Action {
   int polls;
   int watchPolls;
 
-  [[nodiscard]] milliseconds ordered() const { return intake + polls * poll; }
+  [[nodiscard]] double orderedMilliseconds() const { return 400 + polls * 50; }
+  [[nodiscard]] Words sleeper() const {
+    return {TAMO_BINARY_DIR "/tests/bench/sleeper", std::to_string(polls), std::to_string(watchPolls)};
+  }
 };
 
 const std::vector<Action> actions{
     {"status", "the agent is enabled", "", 0, 0},
     {"sync", "the definition is unchanged: a print", "", 1, 0},
     {"register", "the agent is enabled: a kickstart", "", 1, 0},
-    {"restart", "the Core obeys SIGTERM: two prints, a kickstart beside the watch", "", 3, 1},
+    {"restart", "the Core obeys: two prints, a kickstart beside the watch", "", 3, 1},
     {"restart", "the Core ignores SIGTERM: killed after 2 s", "term=ignore", 43, 41},
 };
 
-Cost sleepingAlone(const Action& action) {
-  return costOf([&action] {
-    std::thread watch([&action] {
-      std::this_thread::sleep_for(intake + (action.polls - action.watchPolls) * poll);
-      for (int sleep = 0; sleep < action.watchPolls; ++sleep)
-        std::this_thread::sleep_for(poll);
-    });
-    std::this_thread::sleep_for(intake);
-    for (int sleep = 0; sleep < action.polls; ++sleep)
-      std::this_thread::sleep_for(poll);
-    watch.join();
-  });
+struct Costs {
+  std::vector<double> cpu;
+  std::vector<double> wall;
+  std::vector<double> peak;
+
+  void add(const Cost& cost) {
+    cpu.push_back(cost.cpuMilliseconds);
+    wall.push_back(cost.wallMilliseconds);
+  }
+};
+
+struct Pair {
+  Costs own;
+  Costs sleeper;
+};
+
+Words companion(const tamo::stage::StageRoot& root, const char* action) {
+  return {root.host(tamo::stage::companionProgram(tamo::stage::copyPath(root, "installed"))), "--core-action",
+          action};
 }
 
-Cost companion(const tamo::stage::StageRoot& root, const char* action) {
-  const auto program = root.host(tamo::stage::companionProgram(tamo::stage::copyPath(root, "installed")));
-  return costOf([&program, action] {
-    if (std::freopen("/dev/null", "w", stderr) == nullptr) ::_exit(126);
-    ::execl(program.c_str(), program.c_str(), "--core-action", action, nullptr);
-    ::_exit(127);
-  });
+/// The first run of each only warms the machine's caches.
+Pair measured(const Words& own, const Words& sleeper, int runs) {
+  Pair costs;
+  for (int run = -1; run < runs; ++run) {
+    const auto slept = costOf(sleeper);
+    const auto acted = costOf(own);
+    if (run < 0) continue;
+    costs.sleeper.add(slept);
+    costs.own.add(acted);
+  }
+  for (int run = 0; run < std::min(runs, memoryRuns); ++run) {
+    costs.sleeper.peak.push_back(tamo::bench::peakMegabytesOf(sleeper));
+    costs.own.peak.push_back(tamo::bench::peakMegabytesOf(own));
+  }
+  return costs;
 }
 
-double middle(std::vector<Cost> costs, double Cost::* value) {
-  std::sort(costs.begin(), costs.end(),
-            [value](const Cost& a, const Cost& b) { return a.*value < b.*value; });
-  return costs[costs.size() / 2].*value;
+void printBeside(const std::string& what, const char* unit, double own, double sleeper) {
+  const double times = own / sleeper;
+  tamo::bench::printRow({.what = what,
+                         .asked = text("at most %.1f × the sleeper's", mostTimesTheSleeper),
+                         .measured = text("%.2f %s, the sleeper's %.2f: %.2f ×", own, unit, sleeper, times),
+                         .held = times <= mostTimesTheSleeper});
+}
+
+void print(const Action& action, const Pair& costs) {
+  const std::string name = text("`%s` (%s)", action.name, action.situation);
+  printBeside(name + ": CPU time", "ms", median(costs.own.cpu), median(costs.sleeper.cpu));
+  printBeside(name + ": peak memory", "MB", median(costs.own.peak), median(costs.sleeper.peak));
+  const double own = median(costs.own.wall);
+  const double over = own - median(costs.sleeper.wall);
+  tamo::bench::printRow({.what = name + ": wall time over the ordered waits",
+                         .asked = text("at most %.0f ms", mostMillisecondsOverTheWaits),
+                         .measured = text("%.2f ms (over %.0f ms by the clock: %.2f)", over,
+                                          action.orderedMilliseconds(), own - action.orderedMilliseconds()),
+                         .held = over <= mostMillisecondsOverTheWaits});
 }
 
 void measure(const tamo::stage::StageRoot& root, const Action& action, int runs) {
   root.set("core", action.core);
   static_cast<void>(tamo::stage::askLaunchd(
       root, {"kickstart", "-k", "gui/" + std::to_string(root.userID()) + "/studio.pell.tamo.core"}));
-  std::vector<Cost> own;
-  std::vector<Cost> sleeping;
-  for (int run = 0; run < runs; ++run) {
-    sleeping.push_back(sleepingAlone(action));
-    own.push_back(companion(root, action.name));
-  }
-  const double wall = middle(own, &Cost::wallMilliseconds);
-  std::printf(
-      "%-9s CPU %5.2f ms, %5.2f of it for sleeping; peak %4.2f MB; wall %6.2f ms over the %4lld ordered, "
-      "%6.2f over the sleeps   %s\n",
-      action.name, middle(own, &Cost::cpuMilliseconds), middle(sleeping, &Cost::cpuMilliseconds),
-      middle(own, &Cost::peakMegabytes), wall - static_cast<double>(action.ordered().count()),
-      static_cast<long long>(action.ordered().count()), wall - middle(sleeping, &Cost::wallMilliseconds),
-      action.situation);
+  print(action, measured(companion(root, action.name), action.sleeper(), runs));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int runs = argc > 1 ? std::atoi(argv[1]) : 9;
+  const int runs = argc > 1 ? std::atoi(argv[1]) : 20;
   const auto directory = std::filesystem::temp_directory_path() / ("tamo-cost-" + std::to_string(::getpid()));
   const auto root = tamo::stage::layStage({.directory = directory, .programs = TAMO_BINARY_DIR "/bin"});
   ::setenv("TAMO_STAGE", root.directory().c_str(), 1);
-  companion(root, "register");
+  static_cast<void>(costOf(companion(root, "register")));
   for (const auto& action : actions)
     measure(root, action, std::max(runs, 1));
   ::unsetenv("TAMO_STAGE");

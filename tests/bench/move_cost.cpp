@@ -1,23 +1,21 @@
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <sys/xattr.h>
-#include <thread>
 #include <unistd.h>
 #include <vector>
 
+#include "figure_row.hpp"
 #include "process_cost.hpp"
 #include "stage/control/app_copy.hpp"
 #include "stage/control/stage_layout.hpp"
 #include "stage/tools/xattr.hpp"
 
 /// What the move of a large bundle costs on a stage, beside a plain copy of the same tree by the machine's own cp:
-/// the time from the end of the intake to the end of the companion, and the companion's own CPU time and peak memory.
-/// Plain copies and moves take turns, so that both meet the same machine; the middle value of each is given.
+/// the time from the end of the intake to the end of the companion. Plain copies and moves take turns, and each begins
+/// when the disk has nothing left to write, so that both meet the same machine; the middle value of each is given.
 ///
 ///   move_cost [RUNS [FILES [MEGABYTES]]]
 namespace {
@@ -26,8 +24,10 @@ namespace fs = std::filesystem;
 using namespace tamo::stage;
 using tamo::bench::Cost;
 using tamo::bench::costOf;
+using tamo::bench::median;
+using tamo::bench::text;
 
-constexpr std::chrono::milliseconds intake(400);
+constexpr double mostTimesTheCopy = 1.02;
 
 struct Size {
   int files;
@@ -39,30 +39,21 @@ struct Size {
 void fill(const fs::path& bundle, const Size& size) {
   const auto bytes =
       static_cast<std::size_t>(size.megabytes) * 1'000'000 / static_cast<std::size_t>(size.files);
-  std::string text(bytes, '\0');
+  std::string contents(bytes, '\0');
   const auto mark = attributeOnDisk("com.apple.quarantine");
   std::uint64_t state = 88172645463325252ULL;
   for (int file = 0; file < size.files; ++file) {
-    for (auto& byte : text) {
+    for (auto& byte : contents) {
       state = state * 6364136223846793005ULL + 1442695040888963407ULL;
       byte = static_cast<char>(state >> 56U);
     }
     const auto folder = bundle / "Contents/Resources" / std::to_string(file / 100);
     fs::create_directories(folder);
     const auto path = folder / std::to_string(file);
-    std::ofstream(path, std::ios::binary) << text;
+    std::ofstream(path, std::ios::binary) << contents;
     if (::setxattr(path.c_str(), mark.c_str(), "0081", 4, 0) != 0)
       std::fprintf(stderr, "no mark can be set\n");
   }
-}
-
-[[noreturn]] void become(const std::vector<std::string>& words) {
-  std::vector<char*> pointers;
-  for (const auto& word : words)
-    pointers.push_back(const_cast<char*>(word.c_str()));
-  pointers.push_back(nullptr);
-  ::execv(pointers.front(), pointers.data());
-  ::_exit(127);
 }
 
 class Rig {
@@ -74,8 +65,7 @@ class Rig {
   }
 
   Cost plainCopy() {
-    const auto cost =
-        costOf([this] { become({"/bin/cp", "--archive", downloaded_.string(), installed_.string()}); });
+    const auto cost = costOf({"/bin/cp", "--archive", downloaded_.string(), installed_.string()});
     clear();
     return cost;
   }
@@ -83,10 +73,7 @@ class Rig {
   /// The move ends by taking the copy that it came from to the Trash, from where it is fetched back.
   Cost move() {
     const auto program = root_.host(companionProgram(copyPath(root_, "downloaded")));
-    const auto cost = costOf([&program] {
-      if (std::freopen("/dev/null", "w", stderr) == nullptr) ::_exit(126);
-      become({program, "--core-action", "move-to-applications"});
-    });
+    const auto cost = costOf({program, "--core-action", "move-to-applications"});
     if (!fs::exists(installed_)) std::fprintf(stderr, "nothing was moved\n");
     fs::rename(root_.host("/Users/tamo/.Trash/Tamo.app"), downloaded_);
     clear();
@@ -104,33 +91,28 @@ class Rig {
   fs::path installed_ = root_.host("/Applications/Tamo.app");
 };
 
-double middle(std::vector<Cost> costs, double Cost::* value) {
-  std::ranges::sort(costs, {}, value);
-  return costs[costs.size() / 2].*value;
-}
-
 void measure(const StageRoot& root, int runs, const Size& size) {
   Rig rig(root, size);
-  std::vector<Cost> copies;
-  std::vector<Cost> moves;
-  std::vector<Cost> sleeps;
+  std::vector<double> copies;
+  std::vector<double> moves;
+  std::vector<double> sleeps;
   // The first of each only warms the machine's caches.
   for (int run = -1; run < runs; ++run) {
     const auto copied = rig.plainCopy();
     const auto moved = rig.move();
-    const auto slept = costOf([] { std::this_thread::sleep_for(intake); });
+    const auto slept = costOf({TAMO_BINARY_DIR "/tests/bench/sleeper"});
     if (run < 0) continue;
-    copies.push_back(copied);
-    moves.push_back(moved);
-    sleeps.push_back(slept);
+    copies.push_back(copied.wallMilliseconds);
+    moves.push_back(moved.wallMilliseconds);
+    sleeps.push_back(slept.wallMilliseconds);
   }
-  const auto copy = middle(copies, &Cost::wallMilliseconds);
-  const auto move = middle(moves, &Cost::wallMilliseconds) - middle(sleeps, &Cost::wallMilliseconds);
-  std::printf("%d files, %d MB\n", size.files, size.megabytes);
-  std::printf("  cp --archive         %8.1f ms\n", copy);
-  std::printf("  the move             %8.1f ms, %.3f of that\n", move, move / copy);
-  std::printf("  the companion's CPU  %8.1f ms\n", middle(moves, &Cost::cpuMilliseconds));
-  std::printf("  its peak memory      %8.1f MB\n", middle(moves, &Cost::peakMegabytes));
+  const double copy = median(copies);
+  const double move = median(moves) - median(sleeps);
+  tamo::bench::printRow(
+      {.what = text("the move of %d MB in %d files, from the intake's end", size.megabytes, size.files),
+       .asked = text("at most %.2f × `cp -a`", mostTimesTheCopy),
+       .measured = text("%.0f ms, `cp -a` %.0f: %.3f ×", move, copy, move / copy),
+       .held = move <= mostTimesTheCopy * copy});
 }
 
 }  // namespace
