@@ -10,7 +10,7 @@ namespace tamo::platform {
 
 /// What is beyond the limit is read as well, and dropped: a writer whose pipe is full waits, and would never
 /// end.
-std::optional<std::string> readToEnd(int descriptor, std::size_t limit) {
+std::optional<std::string> readToEnd(int descriptor, std::size_t limit, std::size_t size) {
   std::string kept;
   std::array<char, 65536> portion;
   for (;;) {
@@ -18,6 +18,7 @@ std::optional<std::string> readToEnd(int descriptor, std::size_t limit) {
     if (count < 0) return std::nullopt;
     if (count == 0) return kept;
     kept.append(portion.data(), std::min(static_cast<std::size_t>(count), limit - kept.size()));
+    if (kept.size() == size) return kept;
   }
 }
 

@@ -37,13 +37,12 @@ bool isDirectory(const std::string& path) {
   return ::stat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode);
 }
 
-/// Owns nothing unless a regular file is there. A pipe that somebody laid there, whose other end nobody opens,
-/// would be waited for without end, and a device would never come to its end.
-Descriptor openedFile(const std::string& path, int flags) {
-  Descriptor opened(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC));
+/// Absent unless a regular file is open. A pipe that somebody laid there, whose other end nobody opens, would be waited
+/// for without end, and a device would never come to its end.
+std::optional<std::size_t> sizeOfFile(const Descriptor& opened) {
   struct stat found{};
   const bool regular = opened && ::fstat(opened.get(), &found) == 0 && S_ISREG(found.st_mode);
-  return regular ? std::move(opened) : Descriptor();
+  return regular ? std::optional(static_cast<std::size_t>(found.st_size)) : std::nullopt;
 }
 
 /// Whether an open file has no second name. One that somebody laid there under a name of ours has.
@@ -126,9 +125,13 @@ std::optional<std::string> withoutLinks(const std::string& path) {
 }
 
 std::optional<std::string> readWhole(const std::string& path) {
-  const auto opened = openedFile(path, O_RDONLY);
-  if (!opened) return std::nullopt;
-  return readToEnd(opened.get(), std::numeric_limits<std::size_t>::max());
+  return readWhole(Descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)));
+}
+
+std::optional<std::string> readWhole(const Descriptor& opened) {
+  const auto size = sizeOfFile(opened);
+  if (!size) return std::nullopt;
+  return readToEnd(opened.get(), std::numeric_limits<std::size_t>::max(), *size);
 }
 
 bool writeAtomically(const std::string& path, std::string_view bytes) {
@@ -138,8 +141,8 @@ bool writeAtomically(const std::string& path, std::string_view bytes) {
 
 /// Neither made nor emptied here: who asks has put the file there.
 std::unique_ptr<OutputFile> openForWriting(const std::string& path) {
-  auto opened = openedFile(path, O_WRONLY | O_NOFOLLOW);
-  if (!opened || !hasOneName(opened)) return nullptr;
+  Descriptor opened(::open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!sizeOfFile(opened) || !hasOneName(opened)) return nullptr;
   return std::make_unique<PosixOutputFile>(std::move(opened));
 }
 

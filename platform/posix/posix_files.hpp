@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/files.hpp"
+#include "platform/posix/descriptor.hpp"
 
 /// The operations of Files on the host's own paths, for the adapters to forward to. What is promised stands
 /// at Files; here stands what that comes to in POSIX. Any thread.
@@ -21,6 +22,8 @@ namespace tamo::platform::posix {
 [[nodiscard]] std::optional<std::string> withoutLinks(const std::string& path);
 
 [[nodiscard]] std::optional<std::string> readWhole(const std::string& path);
+/// The same of what is open already; absent for a descriptor that is none or is no regular file's.
+[[nodiscard]] std::optional<std::string> readWhole(const Descriptor& opened);
 
 /// The temporary file lies in the folder of `path`, so the folder's rights and free space decide. A new file
 /// has the mode 0666 less the umask; a regular file that is replaced hands its mode on.

@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/posix/descriptor.hpp"
 #include "platform/stage/stage_log.hpp"
 #include "values/escaped_text.hpp"
 
@@ -31,14 +30,18 @@ std::string_view shortened(std::string_view text) {
 
 }  // namespace
 
-/// The file is opened for each line and never made, so that who wants no journal only has to remove it. Notes are
-/// taken between a call and the look at its error, which they must not change.
+Journal::Journal(const StageRoot& root)
+    : file_(std::make_shared<const platform::Descriptor>(
+          ::open(root.control("journal").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC))),
+      pid_(::getpid()) {}
+
+/// The file is never made, so that who wants no journal only has to remove it. Notes are taken between a call and the
+/// look at its error, which they must not change.
 void Journal::note(std::string_view word, const std::vector<std::string>& texts) const {
   const int before = errno;
-  const auto line = journalLine(monotonicMicroseconds(), ::getpid(), word, texts);
-  const platform::Descriptor file(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  const auto line = journalLine(monotonicMicroseconds(), pid_, word, texts);
   // One write to the end, so that the lines of several processes stay whole.
-  if (file) static_cast<void>(::write(file.get(), line.data(), line.size()));
+  if (*file_) static_cast<void>(::write(file_->get(), line.data(), line.size()));
   errno = before;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/posix/descriptor.hpp"
 #include "platform/stage/stage_root.hpp"
 
 /// The journal of a stage: what happens on it, moment by moment and whoever does it, in the control room's file
@@ -48,14 +50,16 @@ namespace tamo::stage {
 
 class Journal {
  public:
-  explicit Journal(const StageRoot& root) : path_(root.control("journal")) {}
+  /// The file is opened here, once for all that copies of this note. What they note are moments of the process that
+  /// made this; one that was forked off makes its own.
+  explicit Journal(const StageRoot& root);
 
-  /// Adds a moment of this process. What cannot be written is lost; `errno` stays as it was. Any thread, and any
-  /// process that was forked off.
+  /// Adds a moment. What cannot be written is lost; `errno` stays as it was. Any thread.
   void note(std::string_view word, const std::vector<std::string>& texts = {}) const;
 
  private:
-  std::string path_;
+  std::shared_ptr<const platform::Descriptor> file_;
+  std::int32_t pid_;
 };
 
 /// A line of the journal with its line break.

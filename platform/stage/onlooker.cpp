@@ -1,5 +1,6 @@
 #include "platform/stage/onlooker.hpp"
 
+#include <cerrno>
 #include <climits>
 #include <csignal>
 #include <ctime>
@@ -17,25 +18,34 @@ namespace {
 class NoBrokenPipe {
  public:
   NoBrokenPipe() {
-    sigset_t pending;
-    ::sigpending(&pending);
-    wasPending_ = ::sigismember(&pending, SIGPIPE) == 1;
     ::sigemptyset(&signal_);
     ::sigaddset(&signal_, SIGPIPE);
     ::pthread_sigmask(SIG_BLOCK, &signal_, &before_);
+    // A signal can only have been under way before where it was kept back then, too.
+    wasPending_ = ::sigismember(&before_, SIGPIPE) == 1 && isPending();
   }
   NoBrokenPipe(const NoBrokenPipe&) = delete;
   NoBrokenPipe& operator=(const NoBrokenPipe&) = delete;
   ~NoBrokenPipe() {
     constexpr timespec atOnce{};
-    if (!wasPending_) ::sigtimedwait(&signal_, nullptr, &atOnce);
+    if (broken_ && !wasPending_) ::sigtimedwait(&signal_, nullptr, &atOnce);
     ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   }
 
+  /// The pipe turned out to be broken, so the signal has come.
+  void isBroken() { broken_ = true; }
+
  private:
+  static bool isPending() {
+    sigset_t pending;
+    ::sigpending(&pending);
+    return ::sigismember(&pending, SIGPIPE) == 1;
+  }
+
   sigset_t signal_{};
   sigset_t before_{};
   bool wasPending_ = false;
+  bool broken_ = false;
 };
 
 /// Whoever reads along may stop reading; the companion must not wait for that.
@@ -47,12 +57,13 @@ bool takesMore(int descriptor) {
 }  // namespace
 
 void showTo(int descriptor, std::string_view text) {
-  const NoBrokenPipe kept;
+  NoBrokenPipe kept;
   // A pipe that takes anything takes a portion of this size without blocking.
   while (!text.empty() && takesMore(descriptor)) {
     const auto portion = text.substr(0, PIPE_BUF);
     const auto size =
         platform::uninterrupted([&] { return ::write(descriptor, portion.data(), portion.size()); });
+    if (size < 0 && errno == EPIPE) kept.isBroken();
     if (size < 0) return;
     text.remove_prefix(static_cast<std::size_t>(size));
   }

@@ -104,8 +104,10 @@ void RunLoop::awaitEvents() {
   // An interrupted wait is only a turn with nothing to do.
   static_cast<void>(::ppoll(sources.data(), sources.size(), longest ? &limit : nullptr, nullptr));
   // Emptied before the queue is looked at, so that what is posted from here on wakes the next wait.
+  const auto hasCome = [](const pollfd& source) { return source.revents != 0; };
   std::uint64_t wakings = 0;
-  static_cast<void>(::read(wake_.get(), &wakings, sizeof wakings));
+  if (hasCome(sources.front())) static_cast<void>(::read(wake_.get(), &wakings, sizeof wakings));
+  urlsHaveCome_ = std::any_of(sources.begin() + 1, sources.end(), hasCome);
 }
 
 /// A turn runs one piece of work, so some may be left that nobody announces again: then there is nothing to wait for.
@@ -120,6 +122,7 @@ std::optional<std::chrono::nanoseconds> RunLoop::longestWait() {
 }
 
 void RunLoop::deliverURLs() {
+  if (!urlsHaveCome_) return;
   for (const auto& urls : inbox_->receive())
     open(urls);
 }

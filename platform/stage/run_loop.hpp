@@ -70,6 +70,8 @@ class RunLoop final : public platform::MainQueue, public platform::Application {
   std::unique_ptr<UrlInbox> inbox_;
   platform::ApplicationDelegate* delegate_ = nullptr;
   bool running_ = false;
+  /// Whether the last wait found something at the inbox.
+  bool urlsHaveCome_ = false;
   std::uint64_t turns_ = 0;
 
   /// Guards posted_, which every thread may add to. The rest belongs to the main thread.

@@ -17,8 +17,7 @@ bool StageFiles::exists(const std::string& path) const {
 }
 
 std::optional<std::string> StageFiles::readWhole(const std::string& path) const {
-  const auto found = root_.existing(path);
-  return found ? posix::readWhole(*found) : std::nullopt;
+  return root_.readWhole(path);
 }
 
 std::string StageFiles::resolvedPath(const std::string& path) const {

@@ -1,15 +1,20 @@
 #include "platform/stage/stage_host.hpp"
 
-#include "platform/posix/posix_files.hpp"
+#include <fcntl.h>
+#include <limits>
+
+#include "platform/posix/byte_stream.hpp"
+#include "platform/posix/descriptor.hpp"
 #include "platform/stage/privileges.hpp"
 
 namespace tamo::stage {
 
-StageHost::Parts::Parts(const StageRoot& stage, const std::string& executable)
+StageHost::Parts::Parts(const StageRoot& stage, const Journal& notes, const std::string& executable)
     : root(stage),
+      journal(notes),
       clock(root),
       mainQueue(root),
-      processes(root),
+      processes(root, journal),
       files(root),
       lockFiles(root),
       bundles(root, executable),
@@ -22,7 +27,7 @@ StageHost::Parts::Parts(const StageRoot& stage, const std::string& executable)
 
 /// What nobody draws is not noted.
 StageHost::Noted::Noted(Parts& parts)
-    : journal(parts.root),
+    : journal(parts.journal),
       application(parts.application, journal),
       mainQueue(parts.mainQueue, journal),
       agentServices(parts.agentServices),
@@ -39,7 +44,8 @@ StageHost::Noted::Noted(Parts& parts)
       localSockets(parts.localSockets),
       logSystem(parts.logSystem, journal) {}
 
-StageHost::StageHost(const StageRoot& root, const std::string& executable) : parts_(root, executable) {}
+StageHost::StageHost(const StageRoot& root, const Journal& journal, const std::string& executable)
+    : parts_(root, journal, executable) {}
 
 }  // namespace tamo::stage
 
@@ -49,7 +55,8 @@ namespace {
 /// The words of this process's command line, without the program. For the journal alone: whoever makes a host is
 /// handed no words, because no other backend has a use for them.
 std::vector<std::string> ownArguments() {
-  const auto line = posix::readWhole("/proc/self/cmdline").value_or("");
+  const Descriptor opened(::open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC));
+  const auto line = readToEnd(opened.get(), std::numeric_limits<std::size_t>::max()).value_or("");
   std::vector<std::string> words;
   for (std::size_t start = line.find('\0'); start != std::string::npos && start + 1 < line.size();) {
     const auto end = line.find('\0', start + 1);
@@ -65,8 +72,9 @@ std::vector<std::string> ownArguments() {
 std::unique_ptr<Host> makeHost() {
   stage::renouncePrivileges();
   const auto root = stage::StageRoot::fromEnvironment();
-  stage::Journal(root).note("companion", ownArguments());
-  return std::make_unique<stage::StageHost>(root, stage::executableAsLaunched());
+  const stage::Journal journal(root);
+  journal.note("companion", ownArguments());
+  return std::make_unique<stage::StageHost>(root, journal, stage::executableAsLaunched());
 }
 
 }  // namespace tamo::platform

@@ -26,16 +26,19 @@ namespace tamo::stage {
 class StageHost final : public platform::Host {
  public:
   /// `executable` is the host path of the running program as launched (see StageBundles).
-  StageHost(const StageRoot& root, const std::string& executable);
+  StageHost(const StageRoot& root, const std::string& executable)
+      : StageHost(root, Journal(root), executable) {}
+  StageHost(const StageRoot& root, const Journal& journal, const std::string& executable);
 
   [[nodiscard]] const platform::Platform& platform() const override { return platform_; }
 
  private:
   /// Each is made after those that it refers to.
   struct Parts {
-    Parts(const StageRoot& stage, const std::string& executable);
+    Parts(const StageRoot& stage, const Journal& notes, const std::string& executable);
 
     StageRoot root;
+    Journal journal;
     StageClock clock;
     platform::PosixThreads threads;
     RunLoop mainQueue;
@@ -57,7 +60,7 @@ class StageHost final : public platform::Host {
   struct Noted {
     explicit Noted(Parts& parts);
 
-    Journal journal;
+    Journal& journal;
     NotedApplication application;
     NotedMainQueue mainQueue;
     StageAgentServices& agentServices;

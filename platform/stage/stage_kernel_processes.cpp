@@ -1,6 +1,7 @@
 #include "platform/stage/stage_kernel_processes.hpp"
 
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <fcntl.h>
 #include <string>
@@ -52,12 +53,10 @@ std::optional<ProcStat> statOf(std::int32_t pid) {
 
 /// Process descriptors of newer kernels lie in a file system of their own, where every process has an inode
 /// number that no other ever gets; before, all shared one.
-bool kernelNumbersProcesses() {
+bool isNumbered(const Descriptor& process) {
   constexpr long processFileSystem = 0x50494446;
-  const auto own = processDescriptor(::getpid());
-  if (!own) values::fatal("a stage needs process descriptors");
   struct statfs system{};
-  return ::fstatfs(own.get(), &system) == 0 && system.f_type == processFileSystem;
+  return ::fstatfs(process.get(), &system) == 0 && system.f_type == processFileSystem;
 }
 
 std::uint64_t inodeOf(const Descriptor& process) {
@@ -84,17 +83,18 @@ std::optional<ProcStat> procStat(std::string_view line) {
   return found;
 }
 
-/// Both are the machine's for as long as it runs, so they are asked for once.
 StageKernelProcesses::StageKernelProcesses()
-    : microsecondsPerTick_(1'000'000 / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK))),
-      numbersProcesses_(kernelNumbersProcesses()) {}
+    : microsecondsPerTick_(1'000'000 / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK))) {}
 
 std::optional<platform::ProcessInfo> StageKernelProcesses::info(std::int32_t pid) const {
   if (pid <= 0) return std::nullopt;
   // Should the pid change hands between the two looks, the mixture equals neither process, which reads as
   // gone, and that is what became of the first one.
   const auto process = processDescriptor(pid);
+  if (!process && errno == ENOSYS) values::fatal("a stage needs process descriptors");
   if (!process) return std::nullopt;
+  // The machine's for as long as it runs, so it is asked for once, by those who look at processes at all.
+  std::call_once(asked_, [&] { numbersProcesses_ = isNumbered(process); });
   const auto stat = statOf(pid);
   if (!stat) return std::nullopt;
   const auto belowTick = numbersProcesses_ ? inodeOf(process) % microsecondsPerTick_ : 0;

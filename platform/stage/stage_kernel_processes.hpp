@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <string_view>
 
@@ -35,7 +36,8 @@ class StageKernelProcesses final : public platform::PosixKernelProcesses {
 
  private:
   std::uint64_t microsecondsPerTick_;
-  bool numbersProcesses_;
+  mutable std::once_flag asked_;
+  mutable bool numbersProcesses_ = false;
 };
 
 }  // namespace tamo::stage

@@ -15,7 +15,8 @@ namespace tamo::stage {
 /// needs an interpreter that exists on the host.
 class StageProcesses final : public platform::Processes {
  public:
-  explicit StageProcesses(const StageRoot& root) : root_(root), journal_(root) {}
+  explicit StageProcesses(const StageRoot& root) : StageProcesses(root, Journal(root)) {}
+  StageProcesses(const StageRoot& root, const Journal& journal) : root_(root), journal_(journal) {}
 
   [[nodiscard]] std::unique_ptr<platform::Tool> start(const platform::ToolLaunch& launch) override;
 

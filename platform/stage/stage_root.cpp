@@ -8,8 +8,8 @@
 #include <linux/openat2.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+#include <utility>
 
-#include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_files.hpp"
 #include "values/fatal.hpp"
 #include "values/paths.hpp"
@@ -21,20 +21,19 @@ namespace {
 using platform::Descriptor;
 using values::fatal;
 
-/// The kernel tells by canonical paths where a link has led, and those are compared with this one as text.
-std::string canonical(const std::string& directory) {
-  const auto resolved = platform::posix::withoutLinks(directory);
-  if (!resolved) fatal("no stage at " + directory);
-  const Descriptor opened(::open(resolved->c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  if (!opened) fatal("the stage at " + directory + " is no directory");
-  return *resolved;
+Descriptor openedDirectory(const std::string& directory) {
+  Descriptor opened(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!opened && errno == ENOTDIR && platform::posix::exists(directory))
+    fatal("the stage at " + directory + " is no directory");
+  if (!opened) fatal("no stage at " + directory);
+  return opened;
 }
 
 /// The kernel gives up with EAGAIN when a rename elsewhere might have let a ".." out of the root while it
 /// looked; another try settles it.
 Descriptor openedInRoot(int root, const std::string& path, std::uint64_t flags) {
   struct open_how how{};
-  how.flags = flags | O_PATH | O_CLOEXEC;
+  how.flags = flags | O_CLOEXEC;
   how.resolve = RESOLVE_IN_ROOT;
   for (;;) {
     const auto number = ::syscall(SYS_openat2, root, path.c_str(), &how, sizeof how);
@@ -54,11 +53,8 @@ std::optional<std::string> pathOf(const Descriptor& opened) {
 
 /// The kernel follows the links, with the stage as its root, and tells through the descriptor where they led.
 /// A path put together by hand could be led out of the stage by a link that is changed meanwhile.
-std::optional<std::string> resolvedInRoot(const std::string& directory, std::string_view path,
-                                          std::uint64_t flags) {
-  const Descriptor root(::open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-  if (!root) return std::nullopt;
-  const auto opened = openedInRoot(root.get(), std::string(path), flags);
+std::optional<std::string> resolvedInRoot(int root, std::string_view path, std::uint64_t flags) {
+  const auto opened = openedInRoot(root, std::string(path), flags | O_PATH);
   if (!opened) return std::nullopt;
   return pathOf(opened);
 }
@@ -71,7 +67,13 @@ StageRoot StageRoot::fromEnvironment() {
   return StageRoot(directory);
 }
 
-StageRoot::StageRoot(const std::string& directory) : directory_(canonical(directory)) {}
+StageRoot::StageRoot(const std::string& directory) : StageRoot(openedDirectory(directory)) {}
+
+StageRoot::StageRoot(Descriptor opened)
+    : opened_(std::make_shared<const Descriptor>(std::move(opened))),
+      directory_(pathOf(*opened_).value_or("")) {
+  if (directory_.empty()) fatal("a stage's path cannot be had");
+}
 
 std::string StageRoot::host(std::string_view stagePath) const {
   const auto path = values::standardisedPath(stagePath);
@@ -86,7 +88,12 @@ std::optional<std::string> StageRoot::onStage(std::string_view hostPath) const {
 }
 
 std::optional<std::string> StageRoot::existing(std::string_view stagePath) const {
-  return resolvedInRoot(directory_, stagePath, 0);
+  return resolvedInRoot(opened_->get(), stagePath, 0);
+}
+
+std::optional<std::string> StageRoot::readWhole(std::string_view stagePath) const {
+  return platform::posix::readWhole(
+      openedInRoot(opened_->get(), std::string(stagePath), O_RDONLY | O_NONBLOCK));
 }
 
 /// Only the folder is resolved: the last name may be a link that is meant itself, or nothing yet.
@@ -96,7 +103,7 @@ std::optional<std::string> StageRoot::entry(std::string_view stagePath) const {
   const auto path = stagePath.substr(0, end + 1);
   const auto name = values::lastComponent(path);
   if (name == "." || name == "..") return std::nullopt;
-  const auto folder = resolvedInRoot(directory_, values::parentPath(path), O_DIRECTORY);
+  const auto folder = resolvedInRoot(opened_->get(), values::parentPath(path), O_DIRECTORY);
   if (!folder) return std::nullopt;
   return values::joinedPath(*folder, name);
 }
@@ -140,7 +147,7 @@ std::uint32_t StageRoot::userID() const {
 /// stage's own programs need it.
 std::string StageRoot::home() const {
   const auto home = setting("home", "none");
-  return home == "none" ? "/Users/tamo" : home;
+  return home == "none" ? usualHome : home;
 }
 
 }  // namespace tamo::stage

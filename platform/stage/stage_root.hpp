@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "platform/posix/descriptor.hpp"
 
 /// A stage is a directory that stands for a Mac's root. Everything on it has two paths: the stage path, which
 /// the played Mac sees ("/Applications/Tamo.app"), and the host path, which the kernel of this machine sees.
@@ -34,6 +37,9 @@ class StageRoot {
   /// with RESOLVE_IN_ROOT). Absent when the path leads to nothing.
   [[nodiscard]] std::optional<std::string> existing(std::string_view stagePath) const;
 
+  /// The bytes of the regular file that a stage path leads to, links followed as by existing(). Absent when there is
+  /// none, or it cannot be read.
+  [[nodiscard]] std::optional<std::string> readWhole(std::string_view stagePath) const;
   /// The host path at which the last component of a stage path is to be made or replaced: its folder resolved
   /// as by existing(), the last component as it stands, so a link there is the item itself. Absent without
   /// such a folder.
@@ -52,10 +58,15 @@ class StageRoot {
   void set(std::string_view name, std::optional<std::string_view> value) const;
 
   /// The stage's user: the id that launchd's domain carries and the home as a stage path.
+  static constexpr const char* usualHome = "/Users/tamo";
   [[nodiscard]] std::uint32_t userID() const;
   [[nodiscard]] std::string home() const;
 
  private:
+  explicit StageRoot(platform::Descriptor opened);
+
+  /// The directory itself, once for all copies: what a stage path leads to is looked up from it.
+  std::shared_ptr<const platform::Descriptor> opened_;
   std::string directory_;
 };
 

@@ -15,12 +15,11 @@ namespace {
 
 using platform::Descriptor;
 
-/// A name for each process, so that a sender can choose among companions and what a killed one left is in nobody's
-/// way.
-std::string socketPath(const StageRoot& root) {
-  // Without the folder the listening fails, which is told.
-  static_cast<void>(platform::posix::createDirectories(root.control("companions")));
-  return root.control("companions/" + std::to_string(::getpid()) + ".sock");
+/// The folder is there but for the first companion of a stage. Should it not be to be had, that is told.
+Descriptor listening(const StageRoot& root, const std::string& path) {
+  auto listener = listeningAt(path);
+  if (listener || !platform::posix::createDirectories(root.control("companions"))) return listener;
+  return listeningAt(path);
 }
 
 }  // namespace
@@ -34,8 +33,11 @@ std::vector<std::string> urlsIn(std::string_view lines) {
   return urls;
 }
 
-/// A companion that nobody can reach would look like one that ignores what it is sent.
-UrlInbox::UrlInbox(const StageRoot& root) : path_(socketPath(root)), listener_(listeningAt(path_)) {
+/// A name for each process, so that a sender can choose among companions and what a killed one left is in nobody's
+/// way. A companion that nobody can reach would look like one that ignores what it is sent.
+UrlInbox::UrlInbox(const StageRoot& root)
+    : path_(root.control("companions/" + std::to_string(::getpid()) + ".sock")),
+      listener_(listening(root, path_)) {
   if (!listener_) values::fatal("no URLs can be received at " + path_);
 }
 

@@ -16,10 +16,11 @@ int main() {
     std::cout << "core: \"" << behaviour.error() << "\" is no behaviour\n";
     return 64;
   }
-  return tamo::stage::runCore({.dataDirectory = root.host(root.home() + "/Library/Application Support/Tamo"),
-                               .presence = root.directory(),
-                               .listen = tamo::stage::listeningAt,
-                               .note = [journal = tamo::stage::Journal(root)](
-                                           auto word, const auto& texts) { journal.note(word, texts); }},
-                              *behaviour);
+  return tamo::stage::runCore(
+      {.dataDirectory = root.host(root.home() + "/Library/Application Support/Tamo"),
+       .presence = root.directory(),
+       .listen = tamo::stage::listeningAt,
+       // Of its own for each: a helper, which notes as well, was forked off.
+       .note = [&root](auto word, const auto& texts) { tamo::stage::Journal(root).note(word, texts); }},
+      *behaviour);
 }
