@@ -39,16 +39,15 @@ bool isDirectory(const std::string& path) {
 
 /// Absent unless a regular file is open. A pipe that somebody laid there, whose other end nobody opens, would be waited
 /// for without end, and a device would never come to its end.
-std::optional<std::size_t> sizeOfFile(const Descriptor& opened) {
+std::optional<struct stat> regularFile(const Descriptor& opened) {
   struct stat found{};
   const bool regular = opened && ::fstat(opened.get(), &found) == 0 && S_ISREG(found.st_mode);
-  return regular ? std::optional(static_cast<std::size_t>(found.st_size)) : std::nullopt;
+  return regular ? std::optional(found) : std::nullopt;
 }
 
 /// Whether an open file has no second name. One that somebody laid there under a name of ours has.
-bool hasOneName(const Descriptor& file) {
-  struct stat found{};
-  return ::fstat(file.get(), &found) == 0 && found.st_nlink == 1;
+bool hasOneName(const struct stat& file) {
+  return file.st_nlink == 1;
 }
 
 /// The mode that a replaced file hands on; absent when there is no regular file to take it from.
@@ -129,9 +128,10 @@ std::optional<std::string> readWhole(const std::string& path) {
 }
 
 std::optional<std::string> readWhole(const Descriptor& opened) {
-  const auto size = sizeOfFile(opened);
-  if (!size) return std::nullopt;
-  return readToEnd(opened.get(), std::numeric_limits<std::size_t>::max(), *size);
+  const auto file = regularFile(opened);
+  if (!file) return std::nullopt;
+  return readToEnd(opened.get(), std::numeric_limits<std::size_t>::max(),
+                   static_cast<std::size_t>(file->st_size));
 }
 
 bool writeAtomically(const std::string& path, std::string_view bytes) {
@@ -142,7 +142,8 @@ bool writeAtomically(const std::string& path, std::string_view bytes) {
 /// Neither made nor emptied here: who asks has put the file there.
 std::unique_ptr<OutputFile> openForWriting(const std::string& path) {
   Descriptor opened(::open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  if (!sizeOfFile(opened) || !hasOneName(opened)) return nullptr;
+  const auto file = regularFile(opened);
+  if (!file || !hasOneName(*file)) return nullptr;
   return std::make_unique<PosixOutputFile>(std::move(opened));
 }
 
@@ -161,6 +162,8 @@ bool createDirectories(const std::string& path) {
 }
 
 bool remove(const std::string& path) {
+  // Mostly it is a file, or nothing: one call tells so.
+  if (std::remove(path.c_str()) == 0) return true;
   std::error_code failure;
   const auto removed = std::filesystem::remove_all(path, failure);
   return !failure && removed > 0;

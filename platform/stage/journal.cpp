@@ -30,10 +30,12 @@ std::string_view shortened(std::string_view text) {
 
 }  // namespace
 
-Journal::Journal(const StageRoot& root)
-    : file_(std::make_shared<const platform::Descriptor>(
-          ::open(root.control("journal").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC))),
-      pid_(::getpid()) {}
+Journal::Journal(const StageRoot& root) : pid_(::getpid()) {
+  const int before = errno;
+  file_ = std::make_shared<const platform::Descriptor>(
+      ::open(root.control("journal").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  errno = before;
+}
 
 /// The file is never made, so that who wants no journal only has to remove it. Notes are taken between a call and the
 /// look at its error, which they must not change.

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <limits>
+#include <malloc.h>
 
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
@@ -72,6 +73,8 @@ std::vector<std::string> ownArguments() {
 std::unique_ptr<Host> makeHost() {
   stage::renouncePrivileges();
   const auto root = stage::StageRoot::fromEnvironment();
+  // The one thread beside the main one shares its memory instead of setting up some of its own.
+  ::mallopt(M_ARENA_MAX, 1);
   const stage::Journal journal(root);
   journal.note("companion", ownArguments());
   return std::make_unique<stage::StageHost>(root, journal, stage::executableAsLaunched());

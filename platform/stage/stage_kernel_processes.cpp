@@ -86,6 +86,12 @@ std::optional<ProcStat> procStat(std::string_view line) {
 StageKernelProcesses::StageKernelProcesses()
     : microsecondsPerTick_(1'000'000 / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK))) {}
 
+bool StageKernelProcesses::numbers(const Descriptor& process) const {
+  if (numbering_ == Numbering::Unknown)
+    numbering_ = isNumbered(process) ? Numbering::Present : Numbering::Absent;
+  return numbering_ == Numbering::Present;
+}
+
 std::optional<platform::ProcessInfo> StageKernelProcesses::info(std::int32_t pid) const {
   if (pid <= 0) return std::nullopt;
   // Should the pid change hands between the two looks, the mixture equals neither process, which reads as
@@ -93,11 +99,9 @@ std::optional<platform::ProcessInfo> StageKernelProcesses::info(std::int32_t pid
   const auto process = processDescriptor(pid);
   if (!process && errno == ENOSYS) values::fatal("a stage needs process descriptors");
   if (!process) return std::nullopt;
-  // The machine's for as long as it runs, so it is asked for once, by those who look at processes at all.
-  std::call_once(asked_, [&] { numbersProcesses_ = isNumbered(process); });
   const auto stat = statOf(pid);
   if (!stat) return std::nullopt;
-  const auto belowTick = numbersProcesses_ ? inodeOf(process) % microsecondsPerTick_ : 0;
+  const auto belowTick = numbers(process) ? inodeOf(process) % microsecondsPerTick_ : 0;
   const auto start = stat->startTicks * microsecondsPerTick_ + belowTick;
   return platform::ProcessInfo{.startSeconds = start / 1'000'000,
                                .startMicroseconds = start % 1'000'000,

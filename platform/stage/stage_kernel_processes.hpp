@@ -1,9 +1,11 @@
 #pragma once
 
-#include <mutex>
+#include <atomic>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
+#include "platform/posix/descriptor.hpp"
 #include "platform/posix/posix_kernel_processes.hpp"
 
 namespace tamo::stage {
@@ -36,8 +38,12 @@ class StageKernelProcesses final : public platform::PosixKernelProcesses {
 
  private:
   std::uint64_t microsecondsPerTick_;
-  mutable std::once_flag asked_;
-  mutable bool numbersProcesses_ = false;
+  enum class Numbering : std::uint8_t { Unknown, Absent, Present };
+  /// The machine's for as long as it runs, so it is asked for once, by the first look. Who looks at the same time finds
+  /// the same.
+  [[nodiscard]] bool numbers(const platform::Descriptor& process) const;
+
+  mutable std::atomic<Numbering> numbering_ = Numbering::Unknown;
 };
 
 }  // namespace tamo::stage

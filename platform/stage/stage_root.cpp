@@ -51,14 +51,6 @@ std::optional<std::string> pathOf(const Descriptor& opened) {
   return std::string(path.data(), static_cast<std::size_t>(size));
 }
 
-/// The kernel follows the links, with the stage as its root, and tells through the descriptor where they led.
-/// A path put together by hand could be led out of the stage by a link that is changed meanwhile.
-std::optional<std::string> resolvedInRoot(int root, std::string_view path, std::uint64_t flags) {
-  const auto opened = openedInRoot(root, std::string(path), flags | O_PATH);
-  if (!opened) return std::nullopt;
-  return pathOf(opened);
-}
-
 }  // namespace
 
 StageRoot StageRoot::fromEnvironment() {
@@ -87,8 +79,17 @@ std::optional<std::string> StageRoot::onStage(std::string_view hostPath) const {
   return path.substr(directory_.size());
 }
 
+/// The kernel follows the links, with the stage as its root, and tells through the descriptor where they led.
+/// A path put together by hand could be led out of the stage by a link that is changed meanwhile. The directory of a
+/// stage that has vanished is still open here, but lies nowhere any more.
+std::optional<std::string> StageRoot::resolved(std::string_view path, std::uint64_t flags) const {
+  const auto opened = openedInRoot(opened_->get(), std::string(path), flags | O_PATH);
+  auto found = opened ? pathOf(opened) : std::nullopt;
+  return found && onStage(*found) ? std::move(found) : std::nullopt;
+}
+
 std::optional<std::string> StageRoot::existing(std::string_view stagePath) const {
-  return resolvedInRoot(opened_->get(), stagePath, 0);
+  return resolved(stagePath, 0);
 }
 
 std::optional<std::string> StageRoot::readWhole(std::string_view stagePath) const {
@@ -103,7 +104,7 @@ std::optional<std::string> StageRoot::entry(std::string_view stagePath) const {
   const auto path = stagePath.substr(0, end + 1);
   const auto name = values::lastComponent(path);
   if (name == "." || name == "..") return std::nullopt;
-  const auto folder = resolvedInRoot(opened_->get(), values::parentPath(path), O_DIRECTORY);
+  const auto folder = resolved(values::parentPath(path), O_DIRECTORY);
   if (!folder) return std::nullopt;
   return values::joinedPath(*folder, name);
 }

@@ -64,6 +64,7 @@ class StageRoot {
 
  private:
   explicit StageRoot(platform::Descriptor opened);
+  [[nodiscard]] std::optional<std::string> resolved(std::string_view path, std::uint64_t flags) const;
 
   /// The directory itself, once for all copies: what a stage path leads to is looked up from it.
   std::shared_ptr<const platform::Descriptor> opened_;

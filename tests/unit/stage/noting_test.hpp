@@ -14,8 +14,6 @@ namespace tamo::stage {
 /// A stage with an empty journal, and what fakes need.
 class NotingTest : public ::testing::Test {
  protected:
-  NotingTest() { stage.write("/.stage/journal", ""); }
-
   /// "WORD TEXT TEXT…" of each moment.
   [[nodiscard]] std::vector<std::string> noted() const {
     std::vector<std::string> lines;
@@ -25,9 +23,15 @@ class NotingTest : public ::testing::Test {
   }
 
   TemporaryStage stage;
-  Journal journal{stage.root};
+  Journal journal = emptyJournal(stage);
   fakes::Ledger ledger;
   fakes::FakeClock clock{ledger};
+
+ private:
+  static Journal emptyJournal(const TemporaryStage& stage) {
+    stage.write("/.stage/journal", "");
+    return Journal(stage.root);
+  }
 };
 
 }  // namespace tamo::stage
