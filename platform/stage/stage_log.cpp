@@ -43,7 +43,7 @@ class StageLogger final : public platform::Logger {
         root_.setting("log-private") == "shown" ? PrivateTexts::Shown : PrivateTexts::Hidden;
     const std::string level = levelName(levelOf(line.format));
     const auto shown = shownColumn(line, privateTexts);
-    append(logTime(clock_.wallNow()) + "\t" + std::to_string(::getpid()) + "\t" + level + "\t" + channel_ +
+    append(logTime(clock_.wallNow()) + "\t" + pid_ + "\t" + level + "\t" + channel_ +
            "\t" + shown + "\t" + markedColumn(line, privateTexts) + "\n");
     // Shown even if the file has not taken it.
     showTo(STDERR_FILENO, level + " " + shown + "\n");
@@ -60,6 +60,7 @@ class StageLogger final : public platform::Logger {
   const StageRoot& root_;
   const platform::Clock& clock_;
   const std::string channel_;
+  const std::string pid_ = std::to_string(::getpid());
 };
 
 }  // namespace
