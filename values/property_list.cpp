@@ -16,11 +16,14 @@ std::optional<std::int64_t> exactInt64(const PropertyList& list) {
   if (const auto* integer = std::get_if<std::int64_t>(&list.value)) return *integer;
   const auto* real = std::get_if<double>(&list.value);
   if (real == nullptr) return std::nullopt;
-  // The largest signed integer is no double, but the number above it is; so the range is open there.
+  // The largest signed integer is no double, but the number above it is; so the range is open there. What is no number
+  // at all is in no range.
   constexpr double twoTo63 = 9223372036854775808.0;
   const bool inRange = *real >= -twoTo63 && *real < twoTo63;
-  if (!inRange || std::trunc(*real) != *real) return std::nullopt;
-  return static_cast<std::int64_t>(*real);
+  if (!inRange) return std::nullopt;
+  const auto whole = static_cast<std::int64_t>(*real);
+  if (static_cast<double>(whole) != *real) return std::nullopt;
+  return whole;
 }
 
 }  // namespace tamo::values
