@@ -38,15 +38,15 @@ bool isKill(const tamo::stage::Moment& moment) {
   return moment.word == "signals" && tamo::stage::numberIn(moment, 0) == SIGKILL;
 }
 
-/// Of each kill, how long after the end of its watch's grace it came. Restarts follow each other, so a kill belongs to
-/// the watch that began last.
+/// Of each companion's kill, how long after the end of its watch's grace it came. launchd notes what it kills, too.
 std::vector<double> delaysIn(const std::vector<tamo::stage::Moment>& moments) {
   const auto grace = std::chrono::duration_cast<std::chrono::microseconds>(tamo::HardStop::grace).count();
   std::vector<double> delays;
-  std::int64_t watchBegan = 0;
+  tamo::stage::Moment watch;
   for (const auto& moment : moments) {
-    if (moment.word == "watches") watchBegan = moment.at;
-    if (isKill(moment)) delays.push_back(static_cast<double>(moment.at - watchBegan - grace) / 1e3);
+    if (moment.word == "watches") watch = moment;
+    if (isKill(moment) && moment.pid == watch.pid)
+      delays.push_back(static_cast<double>(moment.at - watch.at - grace) / 1e3);
   }
   return delays;
 }
