@@ -1,7 +1,5 @@
 #include "values/property_list.hpp"
 
-#include <cmath>
-
 namespace tamo::values {
 
 const PropertyList* PropertyList::entry(const std::string& key) const {
