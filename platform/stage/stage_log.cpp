@@ -43,8 +43,8 @@ class StageLogger final : public platform::Logger {
         root_.setting("log-private") == "shown" ? PrivateTexts::Shown : PrivateTexts::Hidden;
     const std::string level = levelName(levelOf(line.format));
     const auto shown = shownColumn(line, privateTexts);
-    append(logTime(clock_.wallNow()) + "\t" + pid_ + "\t" + level + "\t" + channel_ +
-           "\t" + shown + "\t" + markedColumn(line, privateTexts) + "\n");
+    append(logTime(clock_.wallNow()) + "\t" + pid_ + "\t" + level + "\t" + channel_ + "\t" + shown + "\t" +
+           markedColumn(line, privateTexts) + "\n");
     // Shown even if the file has not taken it.
     showTo(STDERR_FILENO, level + " " + shown + "\n");
   }
