@@ -19,22 +19,31 @@ bool isAscii(char character) {
   return static_cast<unsigned char>(character) < 0x80;
 }
 
-/// Most texts begin and end with a character of ASCII, which spares the look at the table.
-std::size_t blankAtFront(std::string_view text) {
-  if (isBlank(text.front())) return 1;
-  if (isAscii(text.front())) return 0;
+/// The table is looked at apart from the loops: it would fill them up, and hardly a text needs it.
+[[gnu::noinline]] std::size_t wideBlankAtFront(std::string_view text) {
   const auto* found =
       std::ranges::find_if(wideSpaces, [text](std::string_view space) { return text.starts_with(space); });
   return found == wideSpaces.end() ? 0 : found->size();
 }
 
 /// By whole spaces from this side as well: the last byte of a wide space is also the last byte of other characters.
-std::size_t blankAtBack(std::string_view text) {
-  if (isBlank(text.back())) return 1;
-  if (isAscii(text.back())) return 0;
+[[gnu::noinline]] std::size_t wideBlankAtBack(std::string_view text) {
   const auto* found =
       std::ranges::find_if(wideSpaces, [text](std::string_view space) { return text.ends_with(space); });
   return found == wideSpaces.end() ? 0 : found->size();
+}
+
+/// Most texts begin and end with a character of ASCII.
+std::size_t blankAtFront(std::string_view text) {
+  if (isBlank(text.front())) return 1;
+  if (isAscii(text.front())) return 0;
+  return wideBlankAtFront(text);
+}
+
+std::size_t blankAtBack(std::string_view text) {
+  if (isBlank(text.back())) return 1;
+  if (isAscii(text.back())) return 0;
+  return wideBlankAtBack(text);
 }
 
 template <class Integer>
