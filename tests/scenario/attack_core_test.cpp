@@ -161,7 +161,11 @@ platform::Descriptor listener(const std::string& path, int backlog) {
 /// A kickstart that fails makes a register ask the sockets. `none`: the Core has none of its own.
 class AttackOnTheSockets : public ::testing::Test {
  protected:
-  AttackOnTheSockets() { stage.set("tool-launchctl", "kickstart fail 5"); }
+  /// The folder is the Core's to make, which has only just been started.
+  AttackOnTheSockets() {
+    stage.set("tool-launchctl", "kickstart fail 5");
+    std::filesystem::create_directories(stage.root().host(stage.dataDirectory()));
+  }
   [[nodiscard]] std::string place(const std::string& name) const {
     return stage.root().host(stage.dataDirectory() + name);
   }
