@@ -1,5 +1,7 @@
 #include "values/property_list.hpp"
 
+#include <cmath>
+
 namespace tamo::values {
 
 const PropertyList* PropertyList::entry(const std::string& key) const {
@@ -18,10 +20,8 @@ std::optional<std::int64_t> exactInt64(const PropertyList& list) {
   // at all is in no range.
   constexpr double twoTo63 = 9223372036854775808.0;
   const bool inRange = *real >= -twoTo63 && *real < twoTo63;
-  if (!inRange) return std::nullopt;
-  const auto whole = static_cast<std::int64_t>(*real);
-  if (static_cast<double>(whole) != *real) return std::nullopt;
-  return whole;
+  if (!inRange || std::trunc(*real) != *real) return std::nullopt;
+  return static_cast<std::int64_t>(*real);
 }
 
 }  // namespace tamo::values
