@@ -40,6 +40,7 @@ class StageRoot {
   /// The bytes of the regular file that a stage path leads to, links followed as by existing(). Absent when there is
   /// none, or it cannot be read.
   [[nodiscard]] std::optional<std::string> readWhole(std::string_view stagePath) const;
+
   /// The host path at which the last component of a stage path is to be made or replaced: its folder resolved
   /// as by existing(), the last component as it stands, so a link there is the item itself. Absent without
   /// such a folder.
@@ -57,8 +58,9 @@ class StageRoot {
   /// Sets or, with an absent value, clears a setting. Replaced as a whole: a reader never sees a part.
   void set(std::string_view name, std::optional<std::string_view> value) const;
 
-  /// The stage's user: the id that launchd's domain carries and the home as a stage path.
+  /// Where the home is unless the setting says otherwise.
   static constexpr const char* usualHome = "/Users/tamo";
+  /// The stage's user: the id that launchd's domain carries and the home as a stage path.
   [[nodiscard]] std::uint32_t userID() const;
   [[nodiscard]] std::string home() const;
 

@@ -11,20 +11,13 @@
 #include <unistd.h>
 
 #include "acceptance/place.hpp"
+#include "platform/posix/argument_vector.hpp"
 #include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/posix/host_differences.hpp"
 
 namespace tamo::acceptance {
 namespace {
-
-std::vector<char*> pointers(std::vector<std::string>& words) {
-  std::vector<char*> found;
-  for (auto& word : words)
-    found.push_back(word.data());
-  found.push_back(nullptr);
-  return found;
-}
 
 /// Its own group, and nothing blocked or ignored that this process has blocked or ignored.
 void setAttributes(posix_spawnattr_t& attributes) {
@@ -54,8 +47,8 @@ std::unique_lock<std::mutex> whileNothingStarts() {
 pid_t startProgram(const Program& program) {
   auto words = program.words;
   auto variables = program.environment.value_or(std::vector<std::string>());
-  const auto argv = pointers(words);
-  const auto given = pointers(variables);
+  const auto argv = platform::vectorOf(words);
+  const auto given = platform::vectorOf(variables);
   char* const* environment = program.environment ? given.data() : platform::ownEnvironment();
   const platform::Descriptor null(::open("/dev/null", O_RDWR | O_CLOEXEC));
   const int output = program.output < 0 ? null.get() : program.output;

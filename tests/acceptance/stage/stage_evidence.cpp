@@ -6,6 +6,7 @@
 #include <fstream>
 #include <thread>
 
+#include "stage/common/words.hpp"
 #include "support/moment.hpp"
 #include "values/escaped_text.hpp"
 
@@ -26,20 +27,10 @@ std::vector<Mark> marksOfColumn(std::string_view column) {
   return marks;
 }
 
-std::vector<std::string_view> split(std::string_view line) {
-  std::vector<std::string_view> columns;
-  for (std::size_t start = 0; start <= line.size();) {
-    const auto end = std::min(line.find('\t', start), line.size());
-    columns.push_back(line.substr(start, end - start));
-    start = end + 1;
-  }
-  return columns;
-}
-
 }  // namespace
 
 std::optional<Line> lineOfStage(std::string_view columns) {
-  const auto parts = split(columns);
+  const auto parts = stage::split(columns, '\t');
   if (parts.size() != 7) return std::nullopt;
   auto time = parts[0];
   const auto at = support::takeMoment(time);
