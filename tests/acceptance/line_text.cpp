@@ -47,4 +47,11 @@ std::string lineText(const std::vector<Line>& lines) {
   return text;
 }
 
+std::string joined(const std::vector<std::string>& texts) {
+  std::string all;
+  for (const auto& text : texts)
+    all += text + "\n";
+  return all;
+}
+
 }  // namespace tamo::acceptance

@@ -11,4 +11,7 @@ namespace tamo::acceptance {
 /// time in UTC. A line feed in a text is written "\n".
 [[nodiscard]] std::string lineText(const std::vector<Line>& lines);
 
+/// Texts one below the other, each with its line feed.
+[[nodiscard]] std::string joined(const std::vector<std::string>& texts);
+
 }  // namespace tamo::acceptance

@@ -14,7 +14,7 @@ std::optional<values::PropertyList> read(const std::string& value) {
   return values::readPropertyList("<plist version=\"1.0\">" + value + "</plist>");
 }
 
-bool isUnreadable(const std::string& value) {
+bool isUnreadableValue(const std::string& value) {
   return !read(value);
 }
 
@@ -37,31 +37,31 @@ TEST(ValuesListFormsTest, ADateHasOneForm) {
        {"", "a", "2020", "2020-01-02", "2020-01-02T03:04:05", "2020-01-02T03:04:05z", "2020-01-02 03:04:05Z",
         " 2020-01-02T03:04:05Z", "2020-01-02T03:04:05Z ", "2020-01-02T03:04:05+00:00", "2020-1-02T03:04:05Z",
         "2020-01-02T03:04:5Z", "+2020-01-02T03:04:05Z", "2020-01-02T03:04:05.0Z", "2020-01-0aT03:04:05Z"}) {
-    EXPECT_TRUE(isUnreadable("<date>" + std::string(date) + "</date>")) << date;
+    EXPECT_TRUE(isUnreadableValue("<date>" + std::string(date) + "</date>")) << date;
   }
-  EXPECT_TRUE(isUnreadable("<date/>"));
+  EXPECT_TRUE(isUnreadableValue("<date/>"));
 }
 
 TEST(ValuesListFormsTest, DataAreAnyAscii) {
   for (const auto* data : {"", "AQ==", " A\n\tQ = = ", "A", "!$%", "AQ&#61;=", "&amp;"})
     EXPECT_TRUE(isOpaque("<data>" + std::string(data) + "</data>")) << data;
-  EXPECT_TRUE(isUnreadable("<data>AQ\u00E9==</data>"));
-  EXPECT_TRUE(isUnreadable("<data/>"));
-  EXPECT_TRUE(isUnreadable("<array><data /></array>"));
+  EXPECT_TRUE(isUnreadableValue("<data>AQ\u00E9==</data>"));
+  EXPECT_TRUE(isUnreadableValue("<data/>"));
+  EXPECT_TRUE(isUnreadableValue("<array><data /></array>"));
 }
 
 TEST(ValuesListFormsTest, NothingStandsBesideTheTextOfAValue) {
   for (const auto* aside : {"<!-- -->", "<?what ever?>"}) {
     for (const auto* kind : {"string", "integer", "real", "data"}) {
       const auto element = std::string("<") + kind + ">5" + aside + "</" + kind + ">";
-      EXPECT_TRUE(isUnreadable(element)) << element;
+      EXPECT_TRUE(isUnreadableValue(element)) << element;
     }
     for (const auto* kind : {"string", "true", "false"}) {
       const auto element = std::string("<") + kind + ">" + aside + "</" + kind + ">";
-      EXPECT_TRUE(isUnreadable(element)) << element;
+      EXPECT_TRUE(isUnreadableValue(element)) << element;
     }
-    EXPECT_TRUE(isUnreadable("<date>2020-01-02T03:04:05Z" + std::string(aside) + "</date>"));
-    EXPECT_TRUE(isUnreadable("<dict><key>a" + std::string(aside) + "</key><true/></dict>"));
+    EXPECT_TRUE(isUnreadableValue("<date>2020-01-02T03:04:05Z" + std::string(aside) + "</date>"));
+    EXPECT_TRUE(isUnreadableValue("<dict><key>a" + std::string(aside) + "</key><true/></dict>"));
   }
 }
 
@@ -69,7 +69,7 @@ TEST(ValuesListFormsTest, CommentsAndInstructionsStandBetweenElements) {
   for (const auto* list :
        {"<array><!-- --><true/><?what ever?></array>", "<array><!----></array>",
         "<dict><!-- --><key>a</key><?what ever?><true/><!-- --></dict>", "<!-- --><dict/><?what ever?>"}) {
-    EXPECT_FALSE(isUnreadable(list)) << list;
+    EXPECT_FALSE(isUnreadableValue(list)) << list;
   }
 }
 
@@ -83,7 +83,7 @@ TEST(ValuesListFormsTest, OnlyATextOrARealIsSpeltWithReferencesAndLiteralParts) 
         "<date><![CDATA[2020-01-02T03:04:05Z]]></date>", "<data><![CDATA[AQ==]]></data>",
         "<true><![CDATA[]]></true>", "<array>&#32;</array>", "<array><![CDATA[ ]]></array>",
         "<dict>&#10;<key>a</key><true/></dict>", "<true/><![CDATA[]]>", "&#32;<true/>"}) {
-    EXPECT_TRUE(isUnreadable(value)) << value;
+    EXPECT_TRUE(isUnreadableValue(value)) << value;
   }
 }
 
@@ -109,7 +109,7 @@ TEST(ValuesListFormsTest, AByteOrderMarkBelongsToTheTextThatItStandsIn) {
 TEST(ValuesListFormsTest, AByteOrderMarkMakesNoNumberAndStandsNotBetweenElements) {
   for (const auto* value : {"<integer>\uFEFF5</integer>", "<real>\uFEFF5</real>",
                             "<array>\uFEFF<true/></array>", "<dict>\uFEFF</dict>", "<true>\uFEFF</true>"}) {
-    EXPECT_TRUE(isUnreadable(value)) << value;
+    EXPECT_TRUE(isUnreadableValue(value)) << value;
   }
 }
 
@@ -121,11 +121,11 @@ TEST(ValuesListFormsTest, ADeclarationWithinTheDocumentMakesItUnreadable) {
 }
 
 TEST(ValuesListFormsTest, ATagEndsAtItsFirstBracket) {
-  EXPECT_TRUE(isUnreadable("<array a=\">\"/>"));
+  EXPECT_TRUE(isUnreadableValue("<array a=\">\"/>"));
   for (const auto* name : {">", "["})
     EXPECT_FALSE(values::readPropertyList("<!DOCTYPE plist SYSTEM \"" + std::string(name) +
                                           "\"><plist><true/></plist>"));
-  EXPECT_FALSE(isUnreadable("<array a=\"/\"/>"));
+  EXPECT_FALSE(isUnreadableValue("<array a=\"/\"/>"));
 }
 
 TEST(ValuesBinaryFormsTest, TheTableOfOffsetsIsExact) {

@@ -35,9 +35,9 @@ std::vector<std::string> words(const std::string& text) {
 }
 
 /// Goes through a table line by line.
-class Reader {
+class TableReader {
  public:
-  explicit Reader(const std::string& table) : table_(table) {}
+  explicit TableReader(const std::string& table) : table_(table) {}
 
   Misreadings read(const std::string& text) {
     std::istringstream in(text);
@@ -169,7 +169,7 @@ const std::vector<std::string>& misreadingPrograms() {
 }
 
 Misreadings readTable(const std::string& table, const std::string& text) {
-  return Reader(table).read(text);
+  return TableReader(table).read(text);
 }
 
 Misreadings readTables(const fs::path& folder) {

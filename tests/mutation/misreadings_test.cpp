@@ -15,7 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-const std::string head = "misreading: an-entry\nbreaks: A rule.\ntests: unit_app\n";
+const std::string entryHead = "misreading: an-entry\nbreaks: A rule.\ntests: unit_app\n";
 const std::string block = "in: app/a.cpp\n<<<<\n  a();\n====\n  b();\n>>>>\n";
 
 TEST(MisreadingsTest, AnEntrySaysWhatBecomesWhatAndWhichTestsAreAsked) {
@@ -38,8 +38,9 @@ TEST(MisreadingsTest, AnEntrySaysWhatBecomesWhatAndWhichTestsAreAsked) {
 
 TEST(MisreadingsTest, AFileHoldsForTheBlocksBehindItAndNotForTheNextEntry) {
   const std::string more = "<<<<\nc();\n====\n>>>>\nin: app/b.cpp\n<<<<\n\n# d\n====\nd();\n>>>>\n";
-  const auto read = readTable("app", head + block + more + "\nmisreading: x\nbreaks: B.\ntests: contract\n" +
-                                         "<<<<\na\n====\nb\n>>>>\n");
+  const auto read =
+      readTable("app", entryHead + block + more + "\nmisreading: x\nbreaks: B.\ntests: contract\n" +
+                           "<<<<\na\n====\nb\n>>>>\n");
   ASSERT_EQ(read.entries.size(), 2U);
   const auto& made = read.entries.front().replacements;
   ASSERT_EQ(made.size(), 3U);
@@ -59,26 +60,27 @@ TEST(MisreadingsTest, AFormThatIsNotKeptIsAFault) {
   const std::vector<Wrong> table{
       {"breaks: A rule.\n", "app.txt:1: no entry has begun: breaks: A rule."},
       {"in: app/a.cpp\n", "app.txt:1: no entry has begun: in: app/a.cpp"},
-      {head + block + "where: there\n", "app.txt:10: unknown: where: there"},
-      {head + block + "tests:unit_app\n", "app.txt:10: unknown: tests:unit_app"},
-      {head + block + "breaks: Twice.\n", "app.txt:10: told twice"},
-      {head + block + "tests: contract\n", "app.txt:10: told twice"},
+      {entryHead + block + "where: there\n", "app.txt:10: unknown: where: there"},
+      {entryHead + block + "tests:unit_app\n", "app.txt:10: unknown: tests:unit_app"},
+      {entryHead + block + "breaks: Twice.\n", "app.txt:10: told twice"},
+      {entryHead + block + "tests: contract\n", "app.txt:10: told twice"},
       {"misreading: An entry\nbreaks: A.\ntests: contract\n" + block, "no name in kebab case: An entry"},
       {"misreading: a\ntests: contract\n" + block, "app.txt:1: a has no \"breaks:\""},
       {"misreading: a\nbreaks: A.\n" + block, "app.txt:1: a has no \"tests:\""},
-      {head, "app.txt:1: an-entry has no block"},
-      {head + "\n" + head + block, "app.txt:1: an-entry has no block"},
+      {entryHead, "app.txt:1: an-entry has no block"},
+      {entryHead + "\n" + entryHead + block, "app.txt:1: an-entry has no block"},
       {"misreading: a\nbreaks: A.\ntests: unit_ap\n" + block, "app.txt:3: no test program: unit_ap"},
       {"misreading: a\nbreaks: A.\ntests: scene:A.b\n" + block, "app.txt:3: no test program: scene:A.b"},
-      {head + "<<<<\na\n====\nb\n>>>>\n", "app.txt:4: a block belongs to no file"},
-      {head + "in: tests/a.cpp\n", "app.txt:4: no source of the product that is built here: tests/a.cpp"},
-      {head + "in: platform/macos/a.mm\n", "no source of the product that is built here"},
-      {head + "in: a.cpp\n<<<<\na\n====\nb\n", "app.txt:5: a block has no end"},
-      {head + "in: app/a.cpp\n<<<<\na\n>>>>\n", "app.txt:7: \">>>>\" is out of place"},
-      {head + "in: app/a.cpp\n<<<<\na\n====\nb\n====\n>>>>\n", "app.txt:9: \"====\" is out of place"},
-      {head + "in: app/a.cpp\n<<<<\na\n<<<<\n====\n>>>>\n", "app.txt:7: \"<<<<\" is out of place"},
-      {head + "in: app/a.cpp\n<<<<\n====\nb\n>>>>\n", "app.txt:5: a block replaces nothing"},
-      {head + "in: app/a.cpp\n<<<<\na\n====\na\n>>>>\n", "app.txt:5: a block changes nothing"},
+      {entryHead + "<<<<\na\n====\nb\n>>>>\n", "app.txt:4: a block belongs to no file"},
+      {entryHead + "in: tests/a.cpp\n",
+       "app.txt:4: no source of the product that is built here: tests/a.cpp"},
+      {entryHead + "in: platform/macos/a.mm\n", "no source of the product that is built here"},
+      {entryHead + "in: a.cpp\n<<<<\na\n====\nb\n", "app.txt:5: a block has no end"},
+      {entryHead + "in: app/a.cpp\n<<<<\na\n>>>>\n", "app.txt:7: \">>>>\" is out of place"},
+      {entryHead + "in: app/a.cpp\n<<<<\na\n====\nb\n====\n>>>>\n", "app.txt:9: \"====\" is out of place"},
+      {entryHead + "in: app/a.cpp\n<<<<\na\n<<<<\n====\n>>>>\n", "app.txt:7: \"<<<<\" is out of place"},
+      {entryHead + "in: app/a.cpp\n<<<<\n====\nb\n>>>>\n", "app.txt:5: a block replaces nothing"},
+      {entryHead + "in: app/a.cpp\n<<<<\na\n====\na\n>>>>\n", "app.txt:5: a block changes nothing"},
   };
   for (const auto& [text, fault] : table)
     EXPECT_THAT(readTable("app", text).faults, ::testing::Contains(HasSubstr(fault))) << text;
@@ -109,8 +111,8 @@ class MisreadingTreeTest : public ::testing::Test {
 };
 
 TEST_F(MisreadingTreeTest, ANameIsUniqueOverAllTables) {
-  place("app.txt", head + block);
-  place("move.txt", "# none\n" + head + block);
+  place("app.txt", entryHead + block);
+  place("move.txt", "# none\n" + entryHead + block);
   place("notes.md", "no table");
   const auto all = readTables(tree);
   EXPECT_EQ(all.entries.size(), 2U);
@@ -123,7 +125,7 @@ TEST_F(MisreadingTreeTest, WithoutAnEntryThereIsNothingToBeRight) {
 }
 
 TEST_F(MisreadingTreeTest, EntriesAreChosenByTheirNamesAndTheirTables) {
-  place("app.txt", head + block + "\nmisreading: other\nbreaks: B.\ntests: contract\n" + block);
+  place("app.txt", entryHead + block + "\nmisreading: other\nbreaks: B.\ntests: contract\n" + block);
   place("move.txt", "misreading: third\nbreaks: B.\ntests: contract\n" + block);
   const auto all = readTables(tree);
   const auto named = [&all](const std::vector<std::string>& names) {

@@ -21,9 +21,9 @@ bool isSpace(char character) {
   return std::isspace(static_cast<unsigned char>(character)) != 0;
 }
 
-class Reader {
+class TokenReader {
  public:
-  explicit Reader(std::string_view source) : source_(source) {}
+  explicit TokenReader(std::string_view source) : source_(source) {}
 
   std::vector<Token> read() {
     while (skipBlank(), at_ < source_.size()) {
@@ -137,7 +137,7 @@ class Reader {
 }  // namespace
 
 std::vector<Token> tokens(std::string_view source) {
-  return Reader(source).read();
+  return TokenReader(source).read();
 }
 
 }  // namespace tamo::mutation

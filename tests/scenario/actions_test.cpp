@@ -18,10 +18,6 @@ std::string outcomeLine(const std::string& action, int status, bool ok, const st
          "} ok {public:Optional(" + (ok ? "true" : "false") + ")}{public:}{public:" + error + "}{private}";
 }
 
-std::string hardStopLine(pid_t pid, const std::string& outcome) {
-  return "default hardstop pid {public:" + std::to_string(pid) + "}: {public:" + outcome + "}";
-}
-
 std::string refusal(const std::string& action, const std::string& app) {
   return "error {public:" + action + "} refused: {public:tamo.test_copy_refused_live_data app=" + app +
          " (only /Applications/Tamo.app opens the founder's data and Core)}";

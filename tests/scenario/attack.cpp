@@ -13,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr auto letter = "a letter that is nobody's business\n";
-const std::string nowhere = Victim::folder + "/made";
+const std::string madeByNobody = Victim::folder + "/made";
 
 void write(const std::string& path, std::string_view bytes) {
   std::ofstream(path, std::ios::binary) << bytes;
@@ -66,7 +66,7 @@ void Victim::lay(Trap trap, const std::string& path) {
     case Trap::Link:
       return linkTo(file);
     case Trap::DanglingLink:
-      return linkTo(nowhere);
+      return linkTo(madeByNobody);
     case Trap::HardLink:
       return fs::create_hard_link(root_.host(file), place);
     case Trap::Pipe:

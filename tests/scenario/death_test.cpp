@@ -16,7 +16,7 @@ using std::chrono::milliseconds;
 using testing::StartsWith;
 
 /// Long enough for every tool and every Core of these tests to come to rest.
-constexpr milliseconds rest(1500);
+constexpr milliseconds restTime(1500);
 /// A companion that had to wait for the lock would take a minute.
 constexpr milliseconds unhindered(6000);
 
@@ -96,7 +96,7 @@ TEST_P(MoveDeathScenario, TheNextMoveEndsWithTheWholeApplicationInstalled) {
   const auto source = stage.tree(downloadedPath);
   const auto dying = stage.startMove();
   killAt(GetParam(), dying);
-  std::this_thread::sleep_for(rest);
+  std::this_thread::sleep_for(restTime);
   EXPECT_TRUE(stage.exists(downloadedPath) || stage.exists(installedPath)) << "both copies are gone";
   if (stage.exists(downloadedPath)) {
     const auto due = stage.exists(installedPath) ? "opened" : "moved";

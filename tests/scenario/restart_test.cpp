@@ -20,10 +20,6 @@ std::string definitionLine(const std::string& changed = "false") {
          "} exit {public:20} · changed {public:" + changed + "}";
 }
 
-std::string hardStopLine(pid_t pid, const std::string& outcome) {
-  return "default hardstop pid {public:" + std::to_string(pid) + "}: {public:" + outcome + "}";
-}
-
 std::string restartLine(const std::string& kickstart) {
   return "default {public:restart} -> status {public:1} ok {public:Optional(true)}{public: kickstart " +
          kickstart + "}{public:}{private}";

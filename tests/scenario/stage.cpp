@@ -187,6 +187,10 @@ bool eventually(const std::function<bool()>& isTrue) {
   return true;
 }
 
+std::string hardStopLine(pid_t pid, const std::string& outcome) {
+  return "default hardstop pid {public:" + std::to_string(pid) + "}: {public:" + outcome + "}";
+}
+
 bool runs(pid_t pid) {
   const auto info = stage::StageKernelProcesses().info(pid);
   return info && !info->zombie;

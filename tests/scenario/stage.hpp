@@ -81,6 +81,9 @@ class Stage {
   stage::StageRoot root_;
 };
 
+/// How the companion's log has what became of a Core, as `lines` gives it.
+[[nodiscard]] std::string hardStopLine(pid_t pid, const std::string& outcome);
+
 /// Whether a process with this pid is there and is no zombie.
 [[nodiscard]] bool runs(pid_t pid);
 

@@ -24,7 +24,7 @@ std::ptrdiff_t linesOf(const Companion& companion, LogFormat format) {
 }
 
 /// A restart and a sync of an agent that is enabled compare its definitions.
-bool compares(const Companion& companion) {
+bool comparesDefinitions(const Companion& companion) {
   const auto& action = actionOf(companion);
   const auto& statuses = companion.record.statuses;
   return (action == "restart" || action == "sync") && !statuses.empty() && statuses.front() == 1;
@@ -41,8 +41,8 @@ void judgeLines(const Companion& companion) {
   companion.expect(moves == (course == Course::Move ? 1 : 0), rule, "lines of a move");
   companion.expect(linesOf(companion, LogFormat::receiptFailed) == (companion.record.receiptDenied ? 1 : 0),
                    rule, "lines of a failed receipt");
-  companion.expect(linesOf(companion, LogFormat::definition) == (compares(companion) ? 1 : 0), rule,
-                   "lines of a comparison");
+  companion.expect(linesOf(companion, LogFormat::definition) == (comparesDefinitions(companion) ? 1 : 0),
+                   rule, "lines of a comparison");
 }
 
 void judgeReports(const Companion& companion) {

@@ -12,8 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-const std::vector<std::string> exited = {"exited"};
-const std::vector<std::string> killed = {"killedGroup"};
+const std::vector<std::string> exitedOnly = {"exited"};
+const std::vector<std::string> killedOnly = {"killedGroup"};
 const std::vector<std::string> either = {"exited", "killedGroup"};
 
 /// The words for launchd's process, which the stage's own are found by.
@@ -42,21 +42,21 @@ struct StopRounds::Shape {
 
 const std::vector<StopRounds::Shape>& StopRounds::Shape::all() {
   static const std::vector<Shape> shapes = {
-      {.name = "obeys at once", .words = "term=obey", .outcomes = exited},
-      {.name = "obeys late", .words = "term=late:", .outcomes = exited, .least = 1, .most = 1500},
+      {.name = "obeys at once", .words = "term=obey", .outcomes = exitedOnly},
+      {.name = "obeys late", .words = "term=late:", .outcomes = exitedOnly, .least = 1, .most = 1500},
       {.name = "obeys about the end of the grace",
        .words = "term=late:",
        .outcomes = either,
        .least = 1850,
        .most = 2150},
-      {.name = "obeys too late", .words = "term=late:", .outcomes = killed, .least = 3500, .most = 5000},
-      {.name = "ignores the request", .words = "term=ignore", .outcomes = killed},
-      {.name = "stops itself", .words = "stops-itself", .outcomes = killed},
-      {.name = "has children in its group", .words = "term=ignore children=3", .outcomes = killed},
+      {.name = "obeys too late", .words = "term=late:", .outcomes = killedOnly, .least = 3500, .most = 5000},
+      {.name = "ignores the request", .words = "term=ignore", .outcomes = killedOnly},
+      {.name = "stops itself", .words = "stops-itself", .outcomes = killedOnly},
+      {.name = "has children in its group", .words = "term=ignore children=3", .outcomes = killedOnly},
       {.name = "has children that left its group",
        .words = "term=ignore children=2:leave",
-       .outcomes = killed},
-      {.name = "has orphans in its group", .words = "term=ignore children=2:orphan", .outcomes = killed},
+       .outcomes = killedOnly},
+      {.name = "has orphans in its group", .words = "term=ignore children=2:orphan", .outcomes = killedOnly},
       {.name = "is in launchd's group", .words = "term=ignore group=parent", .outcomes = {"killedProcess"}},
       {.name = "dies by itself",
        .words = "term=ignore dies-after:",
@@ -64,10 +64,10 @@ const std::vector<StopRounds::Shape>& StopRounds::Shape::all() {
        .least = 1200,
        .most = 2300},
       {.name = "is busy with a revert", .words = "term=revert:2700", .outcomes = {"spared"}},
-      {.name = "is not reaped", .words = "term=late:600", .outcomes = exited, .unreaped = true},
+      {.name = "is not reaped", .words = "term=late:600", .outcomes = exitedOnly, .unreaped = true},
       {.name = "is followed by a stranger with its pid",
        .words = "term=late:",
-       .outcomes = exited,
+       .outcomes = exitedOnly,
        .least = 1,
        .most = 1600,
        .reuse = true},

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 /// The wait for the lock, 60 s, and an action.
-constexpr milliseconds longestCourse(75'000);
+constexpr milliseconds longestWait(75'000);
 const std::string lockFolder = "/private/var/folders/st/tamo/T";
 const std::string lockFile = lockFolder + "/studio.pell.tamo.core.job.lock";
 
@@ -95,7 +95,7 @@ void CrowdRounds::see(Crowd& crowd, int killedInHundred, int span) {
   const auto begun = Clock::now();
   for (const auto& companion : crowd.companions) {
     const bool doomed = chance_.between(1, 100) <= killedInHundred;
-    left.push_back({companion.pid, begun + (doomed ? chance_.milliseconds(0, span) : longestCourse)});
+    left.push_back({companion.pid, begun + (doomed ? chance_.milliseconds(0, span) : longestWait)});
   }
   while (!left.empty()) {
     std::erase_if(left, [&](const One& one) {
@@ -103,7 +103,7 @@ void CrowdRounds::see(Crowd& crowd, int killedInHundred, int span) {
         crowd.killed.try_emplace(one.pid, Clock::now().time_since_epoch().count());
         ::kill(one.pid, SIGKILL);
       }
-      const bool late = Clock::now() >= begun + longestCourse;
+      const bool late = Clock::now() >= begun + longestWait;
       int status = 0;
       if (::waitpid(one.pid, &status, late ? 0 : WNOHANG) == 0) return false;
       const bool hit = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;

@@ -20,7 +20,7 @@ namespace {
 using std::chrono::milliseconds;
 
 /// What a companion may take at most, on a machine that has more to do: 0.4 s, the stop, and the tools.
-constexpr milliseconds longestCourse(40'000);
+constexpr milliseconds longestStop(40'000);
 
 #ifdef TAMO_SOAK_WITHOUT_CLOCK
 constexpr bool clockJumps = false;
@@ -109,7 +109,7 @@ void StopRounds::countReadings() {
 
 /// The end of the companion, its log and its signals against what is right. Gives the outcome.
 std::optional<std::string> StopRounds::finish(Witness& companion, const StopExpected& expected) {
-  const auto ended = companion.finish(longestCourse);
+  const auto ended = companion.finish(longestStop);
   tally_.count("companions run for a restart");
   if (std::chrono::abs(wallClockAhead() - clockBefore_) > milliseconds(100))
     tally_.count("restarts during which the machine's clock was set");

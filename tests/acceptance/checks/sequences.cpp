@@ -6,11 +6,11 @@
 namespace tamo::acceptance {
 namespace {
 
-constexpr std::array<const char*, 3> actions{"register", "unregister", "status"};
+constexpr std::array<const char*, 3> threeActions{"register", "unregister", "status"};
 
 /// Every sequence of three that begins with the two, each from an agent that is not registered.
 void sequences(Scene& scene, const std::string& first, const std::string& second) {
-  for (const auto* third : actions) {
+  for (const auto* third : threeActions) {
     bool registered = false;
     for (const auto& action : {first, second, std::string(third)}) {
       scene.ended(scene.act(action), expectedOutcome(action, registered));
@@ -26,7 +26,7 @@ void sequences(Scene& scene, const std::string& first, const std::string& second
 
 template <int First, int Second>
 void startingWith(Scene& scene) {
-  sequences(scene, actions[First], actions[Second]);
+  sequences(scene, threeActions[First], threeActions[Second]);
 }
 
 }  // namespace

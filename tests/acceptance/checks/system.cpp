@@ -21,13 +21,6 @@ void approvalWithheld(Scene& scene) {
   scene.see.that(scene.alive(scene.core()), "the Core runs once it is allowed");
 }
 
-std::string joined(const std::vector<std::string>& lines) {
-  std::string text;
-  for (const auto& line : lines)
-    text += line + "\n";
-  return text;
-}
-
 /// Waits for the end of the other user's companion while this user's lock is held; what waits for it all the same goes
 /// on when it is free, so that what it does then is seen as well.
 void awaitOtherUser(Scene& scene, LockHolder& lock) {

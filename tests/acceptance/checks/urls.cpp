@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "acceptance/check.hpp"
+#include "acceptance/line_text.hpp"
 #include "acceptance/lock_holder.hpp"
 #include "acceptance/scene.hpp"
 
@@ -24,13 +25,6 @@ std::vector<std::string> endings(const std::vector<Line>& lines) {
   for (const auto& line : lines)
     if (endsAction(line)) found.push_back(comparable(line));
   return found;
-}
-
-std::string joined(const std::vector<std::string>& texts) {
-  std::string all;
-  for (const auto& text : texts)
-    all += text + "\n";
-  return all;
 }
 
 void aUrlThatStartsIt(Scene& scene) {

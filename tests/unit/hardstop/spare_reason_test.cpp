@@ -8,7 +8,7 @@
 namespace tamo::HardStop {
 namespace {
 
-constexpr auto largest = std::numeric_limits<std::uint64_t>::max();
+constexpr auto lastStart = std::numeric_limits<std::uint64_t>::max();
 
 /// The facts as plain values, and the reason; null stands for absent.
 struct SpareCase {
@@ -64,15 +64,15 @@ constexpr SpareCase cases[] = {
     {.name = "ACoreStartedAfterThisProgramIsYoung", .ownStart = 999, .reason = "young_core"},
     {.name = "ACoreOfTheSameMicrosecondIsNotYoung", .ownStart = 1000},
     {.name = "ACoreStartedBeforeThisProgramIsNotYoung", .ownStart = 1001},
-    {.name = "AnUnknownOwnStartMakesNoCoreYoung", .coreStart = largest},
+    {.name = "AnUnknownOwnStartMakesNoCoreYoung", .coreStart = lastStart},
     {.name = "AnOwnStartOfZeroIsKnown", .ownStart = 0, .reason = "young_core"},
     {.name = "ACoreThatStartedAtZeroIsNotYoung", .coreStart = 0, .ownStart = 0},
     {.name = "OneMicrosecondLaterIsYoung",
      .coreStart = 1'700'000'000'000'001,
      .ownStart = 1'700'000'000'000'000,
      .reason = "young_core"},
-    {.name = "StartsAreComparedUnsigned", .coreStart = largest, .ownStart = 1, .reason = "young_core"},
-    {.name = "StartsAreComparedUnsignedTheOtherWayToo", .coreStart = 1, .ownStart = largest},
+    {.name = "StartsAreComparedUnsigned", .coreStart = lastStart, .ownStart = 1, .reason = "young_core"},
+    {.name = "StartsAreComparedUnsignedTheOtherWayToo", .coreStart = 1, .ownStart = lastStart},
 };
 
 INSTANTIATE_TEST_SUITE_P(Facts, SpareReasonTest, ::testing::ValuesIn(cases),

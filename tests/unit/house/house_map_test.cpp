@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "unit/house/tree.hpp"
+
 /// The newcomer's map: the picture of the house and what each folder says of itself are held to the tree.
 namespace tamo {
 namespace {
@@ -14,19 +16,9 @@ namespace {
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
 
-const fs::path root = TAMO_SOURCE_DIR;
-
-Names linesOf(const fs::path& file) {
-  std::ifstream in(file);
-  Names lines;
-  for (std::string line; std::getline(in, line);)
-    lines.push_back(line);
-  return lines;
-}
-
 /// The picture: the first block of the page that is set as it stands.
 Names picture() {
-  const auto lines = linesOf(root / "docs/architecture.md");
+  const auto lines = linesOf(contents(root / "docs/architecture.md"));
   const auto begin = std::ranges::find(lines, "```");
   if (begin == lines.end()) return {};
   return {begin + 1, std::find(begin + 1, lines.end(), "```")};
@@ -96,7 +88,7 @@ TEST(HouseMapTest, EveryFolderSaysInThreeLinesWhoLivesThere) {
   for (const auto& entry : fs::directory_iterator(root / "tests"))
     if (isOurs(entry)) folders.insert("tests/" + entry.path().filename().string());
   for (const auto& folder : folders) {
-    const auto lines = linesOf(root / folder / "README.md");
+    const auto lines = linesOf(contents(root / folder / "README.md"));
     ASSERT_EQ(lines.size(), 5U) << folder;
     EXPECT_EQ(lines[0], "# " + folder + "/");
     EXPECT_TRUE(lines[1].empty()) << folder;

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "unit/house/tree.hpp"
+
 /// The rules of the house that a compiler does not hold: which folder may include which, what stands only in
 /// the platform's folders, what the standard libraries of both systems have, and how long a file may grow.
 namespace tamo {
@@ -21,14 +23,6 @@ struct Source {
   std::string path;
   std::string text;
 };
-
-const fs::path root = TAMO_SOURCE_DIR;
-
-std::string contents(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
-}
 
 std::vector<Source> sources(const Texts& folders) {
   std::vector<Source> found;

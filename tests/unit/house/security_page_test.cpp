@@ -8,29 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "unit/house/tree.hpp"
+
 /// The page on security says of each line which test shows it. A test that was renamed or removed would leave a promise
 /// that nobody holds.
 namespace tamo {
 namespace {
 
 namespace fs = std::filesystem;
-using Names = std::set<std::string>;
-
-const fs::path root = TAMO_SOURCE_DIR;
-
-std::string contents(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream rest(text);
-  for (std::string line; std::getline(rest, line);)
-    lines.push_back(line);
-  return lines;
-}
+using TestNames = std::set<std::string>;
 
 bool isName(std::string_view text) {
   const auto belongs = [](unsigned char each) { return std::isalnum(each) != 0; };
@@ -39,8 +25,8 @@ bool isName(std::string_view text) {
 }
 
 /// What a text names in backticks as SUITE.TEST.
-Names testsNamedIn(const std::string& text) {
-  Names found;
+TestNames testsNamedIn(const std::string& text) {
+  TestNames found;
   std::istringstream rest(text);
   bool quoted = false;
   for (std::string piece; std::getline(rest, piece, '`'); quoted = !quoted) {
@@ -61,8 +47,8 @@ std::string testOf(const std::string& line) {
 }
 
 /// Every test of the tree as SUITE.TEST; of one with parameters, without them.
-Names testsOfTheTree() {
-  Names found;
+TestNames testsOfTheTree() {
+  TestNames found;
   for (const auto& entry : fs::recursive_directory_iterator(root / "tests")) {
     if (entry.path().extension() != ".cpp") continue;
     const auto lines = linesOf(contents(entry.path()));
@@ -108,7 +94,7 @@ TEST(SecurityPageTest, EveryRowNamesATestOrSaysWhyThereIsNone) {
 TEST(SecurityPageTest, ANameThatNobodyHasIsSeen) {
   EXPECT_FALSE(testsOfTheTree().contains("SecurityPageTest.ANameThatNobodyHas"));
   EXPECT_TRUE(testsOfTheTree().contains("SecurityPageTest.ANameThatNobodyHasIsSeen"));
-  EXPECT_EQ(testsNamedIn("`Tamo.app` `A.B` and `SuiteTest.Name`"), (Names{"A.B", "SuiteTest.Name"}));
+  EXPECT_EQ(testsNamedIn("`Tamo.app` `A.B` and `SuiteTest.Name`"), (TestNames{"A.B", "SuiteTest.Name"}));
   EXPECT_EQ(rowsOf("| head |\n|---|\n| a |\n\ntext\n| b |\n"), (std::vector<std::string>{"| a |", "| b |"}));
 }
 

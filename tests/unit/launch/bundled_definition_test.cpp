@@ -15,7 +15,6 @@ namespace {
 using Words = std::vector<std::string>;
 
 const std::string oneWord = "<key>ProgramArguments</key><array><string>/a/core</string></array>";
-constexpr auto absent = std::nullopt;
 
 std::optional<LaunchJob::Definition> bundledBy(const std::string& entries) {
   return LaunchJob::bundled(plistOf(entries));
@@ -39,32 +38,33 @@ TEST(BundledFormTest, ABinaryListIsRead) {
 TEST(BundledFormTest, AListThatIsCutOffIsAbsent) {
   const auto whole = plistOf(oneWord);
   EXPECT_TRUE(LaunchJob::bundled(whole));
-  EXPECT_EQ(LaunchJob::bundled(whole.substr(0, whole.size() / 2)), absent);
+  EXPECT_EQ(LaunchJob::bundled(whole.substr(0, whole.size() / 2)), std::nullopt);
 }
 
 TEST(BundledEntriesTest, ArgumentsOfAnInnerDictionaryDoNotCount) {
-  EXPECT_EQ(bundledBy("<key>Job</key><dict>" + oneWord + "</dict>"), absent);
+  EXPECT_EQ(bundledBy("<key>Job</key><dict>" + oneWord + "</dict>"), std::nullopt);
   EXPECT_EQ(LaunchJob::bundled("<plist version=\"1.0\"><array><dict>" + oneWord + "</dict></array></plist>"),
-            absent);
+            std::nullopt);
 }
 
 TEST(BundledEntriesTest, ATimeoutOfAnInnerDictionaryDoesNotCount) {
   const auto definition =
       bundledBy(oneWord + "<key>Job</key><dict><key>ExitTimeOut</key><integer>5</integer></dict>");
-  EXPECT_EQ(definition.value().exitTimeout, absent);
+  EXPECT_EQ(definition.value().exitTimeout, std::nullopt);
 }
 
 TEST(BundledEntriesTest, TheKeysAreExact) {
   for (const std::string key : {"programarguments", "ProgramArgument", "Program Arguments",
                                 "ProgramArguments ", "Arguments", "Program"})
-    EXPECT_EQ(bundledBy("<key>" + key + "</key><array><string>a</string></array>"), absent) << key;
+    EXPECT_EQ(bundledBy("<key>" + key + "</key><array><string>a</string></array>"), std::nullopt) << key;
   for (const std::string key : {"ExitTimeout", "exittimeout", "Exit Timeout", "ExitTimeOut ", "TimeOut"})
-    EXPECT_EQ(bundledBy(oneWord + "<key>" + key + "</key><integer>5</integer>").value().exitTimeout, absent)
+    EXPECT_EQ(bundledBy(oneWord + "<key>" + key + "</key><integer>5</integer>").value().exitTimeout,
+              std::nullopt)
         << key;
 }
 
 TEST(BundledEntriesTest, TheProgramIsNoArgument) {
-  EXPECT_EQ(bundledBy("<key>Program</key><string>/p</string>"), absent);
+  EXPECT_EQ(bundledBy("<key>Program</key><string>/p</string>"), std::nullopt);
   EXPECT_EQ(bundledBy("<key>Program</key><string>/p</string>" + oneWord +
                       "<key>BundleProgram</key><string>Contents/MacOS/p</string>")
                 .value()
@@ -88,8 +88,10 @@ TEST(BundledEntriesTest, OneArgumentThatIsNoTextMakesItAbsentWhereverItStands) {
   const std::string text = "<string>a</string>";
   for (const std::string other :
        {"<true/>", "<real>1</real>", "<dict/>", "<data>YQ==</data>", "<date>2026-01-01T00:00:00Z</date>"}) {
-    EXPECT_EQ(bundledBy("<key>ProgramArguments</key><array>" + other + text + "</array>"), absent) << other;
-    EXPECT_EQ(bundledBy("<key>ProgramArguments</key><array>" + text + other + "</array>"), absent) << other;
+    EXPECT_EQ(bundledBy("<key>ProgramArguments</key><array>" + other + text + "</array>"), std::nullopt)
+        << other;
+    EXPECT_EQ(bundledBy("<key>ProgramArguments</key><array>" + text + other + "</array>"), std::nullopt)
+        << other;
   }
 }
 
@@ -105,17 +107,17 @@ TEST(BundledTimeoutTest, IsExactToTheLastOfSixtyFourBits) {
            Row{"<integer>9007199254740993</integer>", 9'007'199'254'740'993},
            Row{"<integer>9223372036854775807</integer>", most},
            Row{"<integer>-9223372036854775808</integer>", least},
-           Row{"<integer>9223372036854775808</integer>", absent},
+           Row{"<integer>9223372036854775808</integer>", std::nullopt},
            Row{"<real>4294967297</real>", 4'294'967'297},
            Row{"<real>-9223372036854775808</real>", least},
-           Row{"<real>9223372036854775808</real>", absent},
-           Row{"<real>1e300</real>", absent},
-           Row{"<real>-0.5</real>", absent},
+           Row{"<real>9223372036854775808</real>", std::nullopt},
+           Row{"<real>1e300</real>", std::nullopt},
+           Row{"<real>-0.5</real>", std::nullopt},
            Row{"<real>0.0</real>", 0},
-           Row{"<false/>", absent},
-           Row{"<string></string>", absent},
-           Row{"<date>2026-01-01T00:00:00Z</date>", absent},
-           Row{"<data>BQ==</data>", absent},
+           Row{"<false/>", std::nullopt},
+           Row{"<string></string>", std::nullopt},
+           Row{"<date>2026-01-01T00:00:00Z</date>", std::nullopt},
+           Row{"<data>BQ==</data>", std::nullopt},
        }) {
     const auto definition = bundledBy(oneWord + "<key>ExitTimeOut</key>" + value);
     EXPECT_EQ(definition.value().arguments, Words{"/a/core"}) << value;

@@ -13,11 +13,11 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 
-constexpr auto highest = std::numeric_limits<std::int32_t>::max();
-constexpr auto lowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t tellingStatuses[] = {0,   1,   2,   5,   9,   15,   37,      64,    77,
-                                            112, 113, 114, 119, 125, 126,  127,     128,   143,
-                                            255, 256, 369, -1,  -2,  -113, highest, lowest};
+constexpr auto highestStatus = std::numeric_limits<std::int32_t>::max();
+constexpr auto lowestStatus = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t tellingStatuses[] = {
+    0,   1,   2,   5,   9,   15,  37,  64,  77, 112, 113,  114,           119,
+    125, 126, 127, 128, 143, 255, 256, 369, -1, -2,  -113, highestStatus, lowestStatus};
 
 class LaunchctlValuesTest : public ::testing::Test {
  protected:

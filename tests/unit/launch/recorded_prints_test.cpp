@@ -22,7 +22,7 @@ std::string asField(const std::optional<Number>& number) {
   return number ? std::to_string(*number) : "-";
 }
 
-std::optional<LaunchJob::Definition> loadedFrom(const std::string& name) {
+std::optional<LaunchJob::Definition> loadedFromFile(const std::string& name) {
   return LaunchJob::loaded(recorded::wholeFile(name + ".txt"));
 }
 
@@ -61,27 +61,27 @@ TEST(RecordedPrintsTest, TheTableListsThemAll) {
 }
 
 TEST(RecordedPrintsTest, QuotedBlocksThatAreLeftInHideTheExitTimeoutBehindThem) {
-  const auto definition = loadedFrom("037");
+  const auto definition = loadedFromFile("037");
   EXPECT_EQ(asList(definition.value().arguments), R"(["/Users/sglavoie/.local/bin/ddc-brightnessd"])");
   EXPECT_EQ(definition.value().exitTimeout, std::nullopt);
 }
 
 TEST(RecordedPrintsTest, ArrowedBlocksBehindTheExitTimeoutHideNothing) {
-  const auto definition = loadedFrom("001");
+  const auto definition = loadedFromFile("001");
   EXPECT_EQ(definition.value().arguments.size(), 1U);
   EXPECT_EQ(definition.value().exitTimeout, 5);
 }
 
 TEST(RecordedPrintsTest, LinesWithoutAnOuterBlockDefineNothing) {
-  EXPECT_EQ(loadedFrom("031"), std::nullopt);
+  EXPECT_EQ(loadedFromFile("031"), std::nullopt);
 }
 
 TEST(RecordedPrintsTest, ALineOfDotsInTheJobsBlockIsPassedOver) {
-  EXPECT_EQ(loadedFrom("047").value().exitTimeout, 5);
+  EXPECT_EQ(loadedFromFile("047").value().exitTimeout, 5);
 }
 
 TEST(RecordedPrintsTest, AnArgumentsBlockThatIsItselfTheOutermostDefinesNothing) {
-  EXPECT_EQ(loadedFrom("051"), std::nullopt);
+  EXPECT_EQ(loadedFromFile("051"), std::nullopt);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace tamo::AppMove {
 namespace {
 
-const std::string staged = "/Users/u/Library/Application Support/Tamo/staged/Tamo.app";
+const std::string stagedCopy = "/Users/u/Library/Application Support/Tamo/staged/Tamo.app";
 const std::string translocated = "/private/var/folders/x/T/AppTranslocation/0F-1/d/Tamo.app";
 
 LiveDataGuard::AppCopy releaseCopyAt(const std::string& path) {
@@ -26,7 +26,7 @@ TEST(ConstantsTest, TheNamesAreFixed) {
 
 TEST(NeededTest, CopiesThatMayOpenLiveDataStay) {
   EXPECT_FALSE(needed(releaseCopyAt("/Applications/Tamo.app")));
-  EXPECT_FALSE(needed(releaseCopyAt(staged)));
+  EXPECT_FALSE(needed(releaseCopyAt(stagedCopy)));
 }
 
 TEST(NeededTest, AReleaseCopyElsewhereMoves) {
@@ -57,14 +57,14 @@ struct PlanRow {
 };
 
 TEST(PlanTest, OnlyAKnownOlderBuildIsReplaced) {
-  constexpr std::int64_t least = std::numeric_limits<std::int64_t>::min();
+  constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
   const std::vector<PlanRow> table{
       {{.source = 42, .installed = 41, .installedExists = true}, Plan::replace},
       {{.source = 42, .installed = 42, .installedExists = true}, Plan::openInstalled},
       {{.source = 42, .installed = 43, .installedExists = true}, Plan::openInstalled},
       {{.source = 1, .installed = -1, .installedExists = true}, Plan::replace},
-      {{.source = 0, .installed = least, .installedExists = true}, Plan::replace},
-      {{.source = least, .installed = 0, .installedExists = true}, Plan::openInstalled},
+      {{.source = 0, .installed = smallest, .installedExists = true}, Plan::replace},
+      {{.source = smallest, .installed = 0, .installedExists = true}, Plan::openInstalled},
       {{.source = std::nullopt, .installed = 41, .installedExists = true}, Plan::openInstalled},
       {{.source = 42, .installed = std::nullopt, .installedExists = true}, Plan::openInstalled},
       {{.source = std::nullopt, .installed = std::nullopt, .installedExists = true}, Plan::openInstalled},
@@ -96,10 +96,10 @@ struct OldCopyRow {
 };
 
 TEST(OldCopyTest, WhatTheUserDownloadedIsLeftBehind) {
-  const std::string downloads = "/Users/u/Downloads/Tamo.app";
+  const std::string downloaded = "/Users/u/Downloads/Tamo.app";
   const std::vector<OldCopyRow> table{
-      {downloads, std::nullopt, downloads},
-      {translocated, downloads, downloads},
+      {downloaded, std::nullopt, downloaded},
+      {translocated, downloaded, downloaded},
       {translocated, std::nullopt, std::nullopt},
       {"/x/AppTranslocation", std::nullopt, "/x/AppTranslocation"},
       {"/x/apptranslocation/Tamo.app", std::nullopt, "/x/apptranslocation/Tamo.app"},

@@ -12,7 +12,7 @@
 namespace tamo::stage {
 namespace {
 
-constexpr auto companion = "/Applications/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
+constexpr auto companionPath = "/Applications/Tamo.app/Contents/Library/LoginItems/Tamo Core.app";
 
 class AppCopyTest : public ::testing::Test {
  protected:
@@ -30,8 +30,8 @@ class AppCopyTest : public ::testing::Test {
   }
 
   std::expected<JobDefinition, JobFileFault> agent() {
-    return jobDefinitionAt(
-        stage.root, std::string(companion) + "/Contents/Library/LaunchAgents/studio.pell.tamo.core.plist");
+    return jobDefinitionAt(stage.root, std::string(companionPath) +
+                                           "/Contents/Library/LaunchAgents/studio.pell.tamo.core.plist");
   }
 
   TemporaryStage stage;
@@ -41,10 +41,10 @@ TEST_F(AppCopyTest, TheInstalledCopyIsAWholeBundle) {
   place({});
   EXPECT_EQ(infoText("/Applications/Tamo.app", "CFBundleIdentifier"), "studio.pell.Tamo");
   EXPECT_EQ(infoText("/Applications/Tamo.app", "CFBundleVersion"), "4211");
-  EXPECT_EQ(infoText(companion, "CFBundleIdentifier"), "studio.pell.Tamo.Core");
+  EXPECT_EQ(infoText(companionPath, "CFBundleIdentifier"), "studio.pell.Tamo.Core");
   EXPECT_EQ(stage.read("/Applications/Tamo.app/Contents/MacOS/Tamo"), "stage-app");
   EXPECT_EQ(stage.read(companionProgram("/Applications/Tamo.app")), "tamo-core");
-  EXPECT_EQ(stage.read(std::string(companion) + "/Contents/MacOS/tamo-core-agent"), "stage-core");
+  EXPECT_EQ(stage.read(std::string(companionPath) + "/Contents/MacOS/tamo-core-agent"), "stage-core");
 }
 
 TEST_F(AppCopyTest, TheBundledAgentIsAJobOfItsBundle) {
@@ -52,7 +52,7 @@ TEST_F(AppCopyTest, TheBundledAgentIsAJobOfItsBundle) {
   const auto definition = agent();
   ASSERT_TRUE(definition);
   EXPECT_EQ(definition->label, "studio.pell.tamo.core");
-  EXPECT_EQ(definition->program, std::string(companion) + "/Contents/MacOS/tamo-core-agent");
+  EXPECT_EQ(definition->program, std::string(companionPath) + "/Contents/MacOS/tamo-core-agent");
   EXPECT_EQ(definition->arguments, std::vector<std::string>{definition->program});
   EXPECT_EQ(definition->exitTimeout, std::chrono::seconds(20));
   EXPECT_TRUE(definition->runAtLoad && definition->keepAlive);

@@ -7,6 +7,7 @@
 
 #include "platform/stage/journal.hpp"
 #include "stage/picture/journal_reading.hpp"
+#include "stage/picture/picture_of.hpp"
 
 namespace tamo::stage {
 
@@ -60,6 +61,11 @@ inline JournalBuilder hangingRestart() {
   journal.note(3521, 100, "writes", {"/Users/tamo/Library/Application Support/TamoPKG1/M2/100-core.json"});
   journal.note(3522, 100, "terminates");
   return journal;
+}
+
+/// The picture of it, drawn while its new Core runs.
+inline Picture hanging() {
+  return pictureOf(hangingRestart().reading(), {.living = {1, 60}}).value_or(Picture());
 }
 
 }  // namespace tamo::stage

@@ -8,12 +8,12 @@
 namespace tamo::stage {
 namespace {
 
-constexpr auto line =
+constexpr auto loggedLine =
     "2026-01-02T03:04:05.678Z\t12\terror\tsub\tcat\tsync <private>\t{public:sync} {private}";
 
 TEST(LogViewTest, ALineIsShownWithItsLevelOrWithItsMarks) {
-  EXPECT_EQ(viewedLine(line, LogView::Plain), "error sync <private>");
-  EXPECT_EQ(viewedLine(line, LogView::Marks), "{public:sync} {private}");
+  EXPECT_EQ(viewedLine(loggedLine, LogView::Plain), "error sync <private>");
+  EXPECT_EQ(viewedLine(loggedLine, LogView::Marks), "{public:sync} {private}");
 }
 
 TEST(LogViewTest, ALineOfAnotherShapeIsShownAsItIs) {

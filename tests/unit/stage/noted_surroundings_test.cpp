@@ -31,7 +31,7 @@ TEST_F(NotedSurroundingsTest, ADelayIsNotedWhenItIsAskedForAndWhenItIsOver) {
 }
 
 /// A delegate that knows what it was told.
-class Told final : public platform::ApplicationDelegate {
+class ToldDelegate final : public platform::ApplicationDelegate {
  public:
   std::vector<std::string> urls;
   bool launched = false;
@@ -42,7 +42,7 @@ class Told final : public platform::ApplicationDelegate {
 TEST_F(NotedSurroundingsTest, UrlsReachTheDelegateAndTheTerminateRequestIsNotedFirst) {
   fakes::FakeApplication application(ledger, clock);
   NotedApplication noting(application, journal);
-  Told delegate;
+  ToldDelegate delegate;
   noting.setDelegate(delegate);
   application.delegate->application({"tamo-core://sync"});
   application.delegate->applicationDidFinishLaunching();

@@ -22,10 +22,6 @@ Picture drawn(const JournalBuilder& journal, const Present& present = {}) {
   return picture.value_or(Picture());
 }
 
-Picture hanging() {
-  return drawn(hangingRestart(), {.living = {1, 60}});
-}
-
 std::vector<std::string> namesOf(const Picture& picture) {
   std::vector<std::string> names;
   for (const auto& row : picture.rows)

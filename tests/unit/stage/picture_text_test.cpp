@@ -14,10 +14,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-Picture hanging() {
-  return pictureOf(hangingRestart().reading(), {.living = {1, 60}}).value_or(Picture());
-}
-
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
   std::istringstream stream(text);

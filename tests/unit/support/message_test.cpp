@@ -59,15 +59,15 @@ TEST(MessageTest, EveryLineThatTheSystemCanLogIsUnderstood) {
 }
 
 TEST(MessageTest, AnOutcomeIsTakenApart) {
-  const auto outcome =
+  const auto apart =
       said<OutcomeSaid>("restart -> status 1 ok Optional(true) kickstart -1 reseated definition<private>");
-  EXPECT_EQ(outcome.action, "restart");
-  EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.ok, true);
-  EXPECT_EQ(outcome.kickstart, -1);
-  EXPECT_EQ(outcome.reseated, "definition");
-  EXPECT_FALSE(outcome.error);
-  EXPECT_FALSE(outcome.description);
+  EXPECT_EQ(apart.action, "restart");
+  EXPECT_EQ(apart.status, 1);
+  EXPECT_EQ(apart.ok, true);
+  EXPECT_EQ(apart.kickstart, -1);
+  EXPECT_EQ(apart.reseated, "definition");
+  EXPECT_FALSE(apart.error);
+  EXPECT_FALSE(apart.description);
 }
 
 TEST(MessageTest, AnErrorIsTakenApart) {
@@ -122,21 +122,21 @@ TEST(MessageTest, ADefinitionThatTheSystemCutIsKnownAsOne) {
 }
 
 TEST(MessageTest, EveryEndOfAHardStopIsRead) {
-  const auto read = [](const HardStop::Outcome& outcome) {
+  const auto saidBy = [](const HardStop::Outcome& outcome) {
     return said<HardStopSaid>("hardstop pid 42: " + HardStop::text(outcome));
   };
   using End = HardStopSaid::End;
-  EXPECT_EQ(read(HardStop::Exited()).end, End::Exited);
-  EXPECT_EQ(read(HardStop::Cancelled()).end, End::Cancelled);
-  EXPECT_FALSE(read(HardStop::Cancelled()).gone);
-  EXPECT_EQ(read(HardStop::KilledGroup{.group = 43, .gone = true}).end, End::KilledGroup);
-  EXPECT_EQ(read(HardStop::KilledGroup{.group = 43, .gone = true}).target, 43);
-  EXPECT_TRUE(read(HardStop::KilledGroup{.group = 43, .gone = true}).gone);
-  EXPECT_EQ(read(HardStop::KilledProcess{.pid = 44, .gone = false}).end, End::KilledProcess);
-  EXPECT_FALSE(read(HardStop::KilledProcess{.pid = 44, .gone = false}).gone);
-  EXPECT_EQ(read(HardStop::Spared{.reason = "young_core", .gone = true}).reason, "young_core");
-  EXPECT_EQ(read(HardStop::Spared{.reason = "a\"b", .gone = false}).reason, "a\"b");
-  EXPECT_EQ(read(HardStop::Exited()).pid, 42);
+  EXPECT_EQ(saidBy(HardStop::Exited()).end, End::Exited);
+  EXPECT_EQ(saidBy(HardStop::Cancelled()).end, End::Cancelled);
+  EXPECT_FALSE(saidBy(HardStop::Cancelled()).gone);
+  EXPECT_EQ(saidBy(HardStop::KilledGroup{.group = 43, .gone = true}).end, End::KilledGroup);
+  EXPECT_EQ(saidBy(HardStop::KilledGroup{.group = 43, .gone = true}).target, 43);
+  EXPECT_TRUE(saidBy(HardStop::KilledGroup{.group = 43, .gone = true}).gone);
+  EXPECT_EQ(saidBy(HardStop::KilledProcess{.pid = 44, .gone = false}).end, End::KilledProcess);
+  EXPECT_FALSE(saidBy(HardStop::KilledProcess{.pid = 44, .gone = false}).gone);
+  EXPECT_EQ(saidBy(HardStop::Spared{.reason = "young_core", .gone = true}).reason, "young_core");
+  EXPECT_EQ(saidBy(HardStop::Spared{.reason = "a\"b", .gone = false}).reason, "a\"b");
+  EXPECT_EQ(saidBy(HardStop::Exited()).pid, 42);
 }
 
 TEST(MessageTest, TheRestIsReadAsWell) {
