@@ -25,11 +25,11 @@ build() {
 # "NAME: reason" of every test that did not run, by its preset's name and a blank in front.
 not_run=()
 
-# Most of the tests that take long only wait, so there are eight times as many at once as there are processors.
+# Most of the tests that take long only wait, so there are twelve times as many at once as there are processors.
 run_tests() {
   local preset=$1 log=build/$1.test.log
   shift
-  quietly "$log" ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "$((8 * $(nproc)))" "$@" || return 1
+  quietly "$log" ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "$((12 * $(nproc)))" "$@" || return 1
   grep -E 'tests passed|Total Test time' "$log"
   local test left=()
   mapfile -t left < <(awk -f scripts/not_run.awk "$log" "build/$preset/Testing/Temporary/LastTest.log")
