@@ -3,8 +3,8 @@
 #
 #   quietly LOG COMMAND…     runs a step with its output in a log; shows the log's end when the step fails
 #   build PRESET [TARGET…]   configures the preset and builds the targets, or everything
-#   run_tests PRESET [ARGUMENT…]   runs the preset's tests, the arguments being ctest's; shows what ctest closes with and
-#                            which tests did not run here, with their reasons, which `not_run` keeps
+#   run_tests PRESET [ARGUMENT…]   runs the preset's tests, the arguments being ctest's; shows what ctest closes with, how many
+#                            tests that were, and which did not run here, with their reasons, which `not_run` keeps
 
 quietly() {
   local log=$1
@@ -31,6 +31,7 @@ run_tests() {
   shift
   quietly "$log" ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "$((12 * $(nproc)))" "$@" || return 1
   grep -E 'tests passed|Total Test time' "$log"
+  awk -f scripts/tests_run.awk "build/$preset/Testing/Temporary/LastTest.log"
   local test left=()
   mapfile -t left < <(awk -f scripts/not_run.awk "$log" "build/$preset/Testing/Temporary/LastTest.log")
   for test in "${left[@]}"; do
