@@ -3,6 +3,16 @@
 #include <cmath>
 
 namespace tamo::values {
+namespace {
+
+/// Whether a number within the integers' bounds is one of them: from 2^53 on all are, because nothing is left for a
+/// fraction. A call of the mathematical library would tell as well, and have it mapped by every process.
+bool isWhole(double number) {
+  constexpr double twoTo53 = 9007199254740992.0;
+  return std::abs(number) >= twoTo53 || static_cast<double>(static_cast<std::int64_t>(number)) == number;
+}
+
+}  // namespace
 
 const PropertyList* PropertyList::entry(const std::string& key) const {
   const auto* entries = dictionary();
@@ -20,7 +30,7 @@ std::optional<std::int64_t> exactInt64(const PropertyList& list) {
   // at all is in no range.
   constexpr double twoTo63 = 9223372036854775808.0;
   const bool inRange = *real >= -twoTo63 && *real < twoTo63;
-  if (!inRange || std::trunc(*real) != *real) return std::nullopt;
+  if (!inRange || !isWhole(*real)) return std::nullopt;
   return static_cast<std::int64_t>(*real);
 }
 

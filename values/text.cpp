@@ -12,38 +12,22 @@ constexpr auto wideSpaces = std::to_array<std::string_view>(
     {"\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007",
      "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"});
 
-bool isBlank(char character) {
-  return character == ' ' || character == '\t';
-}
-bool isAscii(char character) {
-  return static_cast<unsigned char>(character) < 0x80;
+/// How long the wide space is that fits, which is 0 when none does.
+template <class Fits>
+std::size_t sizeOfWideSpace(Fits fits) {
+  const auto* found = std::ranges::find_if(wideSpaces, fits);
+  return found == wideSpaces.end() ? 0 : found->size();
 }
 
-/// The table is looked at apart from the loops: it would fill them up, and hardly a text needs it.
-[[gnu::noinline]] std::size_t wideBlankAtFront(std::string_view text) {
-  const auto* found =
-      std::ranges::find_if(wideSpaces, [text](std::string_view space) { return text.starts_with(space); });
-  return found == wideSpaces.end() ? 0 : found->size();
+std::size_t blankAtFront(std::string_view text) {
+  if (isAscii(text.front())) return isBlank(text.front()) ? 1 : 0;
+  return sizeOfWideSpace([text](std::string_view space) { return text.starts_with(space); });
 }
 
 /// By whole spaces from this side as well: the last byte of a wide space is also the last byte of other characters.
-[[gnu::noinline]] std::size_t wideBlankAtBack(std::string_view text) {
-  const auto* found =
-      std::ranges::find_if(wideSpaces, [text](std::string_view space) { return text.ends_with(space); });
-  return found == wideSpaces.end() ? 0 : found->size();
-}
-
-/// Most texts begin and end with a character of ASCII.
-std::size_t blankAtFront(std::string_view text) {
-  if (isBlank(text.front())) return 1;
-  if (isAscii(text.front())) return 0;
-  return wideBlankAtFront(text);
-}
-
 std::size_t blankAtBack(std::string_view text) {
-  if (isBlank(text.back())) return 1;
-  if (isAscii(text.back())) return 0;
-  return wideBlankAtBack(text);
+  if (isAscii(text.back())) return isBlank(text.back()) ? 1 : 0;
+  return sizeOfWideSpace([text](std::string_view space) { return text.ends_with(space); });
 }
 
 template <class Integer>
@@ -107,7 +91,7 @@ Part firstPart(std::string_view bytes) {
 
 }  // namespace
 
-std::string_view trimmed(std::string_view text) {
+std::string_view trimmedOfWideSpaces(std::string_view text) {
   while (!text.empty()) {
     const auto size = blankAtFront(text);
     if (size == 0) break;
@@ -125,17 +109,6 @@ std::string_view trimmed(std::string_view text, char character) {
   const auto first = text.find_first_not_of(character);
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(character) - first + 1);
-}
-
-std::string_view takeLine(std::optional<std::string_view>& rest) {
-  const auto text = rest.value_or("");
-  const auto end = text.find('\n');
-  if (end == std::string_view::npos) {
-    rest.reset();
-    return text;
-  }
-  rest = text.substr(end + 1);
-  return text.substr(0, end);
 }
 
 std::optional<std::int64_t> decimalInt64(std::string_view text) {

@@ -1,10 +1,10 @@
 #include "platform/stage/stage_host.hpp"
 
+#include <array>
 #include <fcntl.h>
-#include <limits>
 #include <malloc.h>
+#include <unistd.h>
 
-#include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/privileges.hpp"
 
@@ -54,10 +54,12 @@ namespace tamo::platform {
 namespace {
 
 /// The words of this process's command line, without the program. For the journal alone: whoever makes a host is
-/// handed no words, because no other backend has a use for them.
+/// handed no words, because no other backend has a use for them. One call reads them, as much as there is room for.
 std::vector<std::string> ownArguments() {
   const Descriptor opened(::open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC));
-  const auto line = readToEnd(opened.get(), std::numeric_limits<std::size_t>::max()).value_or("");
+  std::array<char, 65536> room;
+  const auto count = ::read(opened.get(), room.data(), room.size());
+  const std::string line(room.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
   std::vector<std::string> words;
   for (std::size_t start = line.find('\0'); start != std::string::npos && start + 1 < line.size();) {
     const auto end = line.find('\0', start + 1);

@@ -61,6 +61,20 @@ TEST(ValuesUnicodeTest, CompositionDoesNotCountInEquality) {
   EXPECT_TRUE(values::canonicallyEqual("", ""));
 }
 
+/// A few characters beyond ASCII are taken apart into one of ASCII.
+TEST(ValuesUnicodeTest, ATextOfAsciiHasOtherSpellings) {
+  EXPECT_TRUE(values::canonicallyEqual("K", "\u212A"));
+  EXPECT_TRUE(values::canonicallyEqual("\u037E", ";"));
+  EXPECT_TRUE(values::canonicallyEqual("\u1FEF", "`"));
+  EXPECT_FALSE(values::canonicallyEqual("k", "\u212A"));
+  EXPECT_FALSE(values::canonicallyEqual("K", "k"));
+}
+
+TEST(ValuesUnicodeTest, TheLettersOfAsciiAndNothingBesideThemAreLowerCased) {
+  EXPECT_EQ(values::lowercased("@ABCDEFGHIJKLMNOPQRSTUVWXYZ[`az{\x7F"),
+            "@abcdefghijklmnopqrstuvwxyz[`az{\x7F");
+}
+
 TEST(ValuesUnicodeTest, AMarkWithPartsIsSortedIntoTheMarksBesideIt) {
   for (const auto& [mark, parts] : std::vector<std::pair<std::string, std::string>>{
            {"\u0F73", "\u0F71\u0F72"}, {"\u0F75", "\u0F71\u0F74"}, {"\u0F81", "\u0F71\u0F80"}}) {

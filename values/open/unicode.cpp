@@ -6,6 +6,7 @@
 #include <utf8proc.h>
 
 #include "values/fatal.hpp"
+#include "values/text.hpp"
 
 namespace tamo::values {
 namespace {
@@ -34,6 +35,10 @@ void append(std::string& text, utf8proc_int32_t codePoint) {
     text += static_cast<char>(bytes[at]);
 }
 
+char lowercasedAscii(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
 void appendLowercased(std::string& text, utf8proc_int32_t codePoint) {
   // The one character whose lower case is two; the library maps it to its first, which would lose the dot.
   constexpr utf8proc_int32_t capitalDottedI = 0x130;
@@ -46,11 +51,17 @@ void appendLowercased(std::string& text, utf8proc_int32_t codePoint) {
 
 }  // namespace
 
-/// Byte by byte where there is no character: a path need not be UTF-8 to be looked at.
+/// Byte by byte where there is no character: a path need not be UTF-8 to be looked at. Nearly every path is ASCII, and
+/// is answered without the library's tables, which are larger than all that a process has in memory besides.
 std::string lowercased(std::string_view text) {
   std::string result;
   result.reserve(text.size());
   while (!text.empty()) {
+    if (isAscii(text.front())) {
+      result += lowercasedAscii(text.front());
+      text.remove_prefix(1);
+      continue;
+    }
     const auto scalar = firstScalar(text);
     if (scalar.codePoint) {
       appendLowercased(result, *scalar.codePoint);

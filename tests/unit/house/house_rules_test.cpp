@@ -136,6 +136,16 @@ TEST(HouseRulesTest, NothingAboveThePlatformIncludesASystemHeader) {
   }
 }
 
+/// Whoever includes one has them all set up before main begins, locales and all, in a process that lives for
+/// milliseconds.
+TEST(HouseRulesTest, TheProductGoesWithoutStreams) {
+  const std::set<std::string> streams{"iostream", "fstream", "sstream", "istream",
+                                      "ostream",  "iomanip", "locale"};
+  for (const auto& source : sources({"app", "move", "launch", "hardstop", "guard", "platform", "values"}))
+    for (const auto& include : matches(source.text, systemInclude))
+      EXPECT_FALSE(streams.contains(include)) << source.path << " includes <" << include << ">";
+}
+
 TEST(HouseRulesTest, ThePlatformIsAskedForInItsFoldersAlone) {
   for (const auto& source : sources({"support", "app", "move", "launch", "hardstop", "guard", "values"})) {
     EXPECT_EQ(source.text.find("__APPLE__"), std::string::npos) << source.path;
