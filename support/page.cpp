@@ -20,6 +20,7 @@ std::string withoutTargets(std::string_view text) {
   return plain;
 }
 
+/// A terminal, or a file, shows no bold letters, and the stars would stand in the way.
 std::string withoutEmphasis(std::string text) {
   for (auto at = text.find("**"); at != std::string::npos; at = text.find("**", at))
     text.erase(at, 2);

@@ -60,6 +60,7 @@ std::string killedStep(const HardStopSaid& said) {
          (said.gone ? "It is gone." : "2 seconds later it was still there.");
 }
 
+/// Each reason for sparing comes to its end in another way, and until then another restart would spare the Core again.
 Advice sparedAdvice(const HardStopSaid& said) {
   if (said.gone)
     return {.heading = heading::spared, .meaning = "The Core was left alone on purpose and ended by itself."};
@@ -83,6 +84,7 @@ Advice sparedAdvice(const HardStopSaid& said) {
               "installed Tamo is no release that a revert goes back to."};
 }
 
+/// A process that outlives SIGKILL is beyond what a companion can do, and beyond what another restart would.
 Advice killedAdvice(const HardStopSaid& said) {
   if (said.gone)
     return {
@@ -142,6 +144,7 @@ void addDefinitionAdvice(Story& story, const DefinitionSaid& said) {
          .meaning = "A definition that cannot be read never asks for the agent to be registered anew."});
 }
 
+/// A Core that obeyed is what everybody expects, and asks for no advice.
 void addHardStopAdvice(Story& story, const HardStopSaid& said) {
   switch (said.end) {
     case End::Exited:

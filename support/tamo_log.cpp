@@ -35,6 +35,7 @@ std::string whyNothing(const Counts& counts) {
          "This form is: " + std::string(exporting);
 }
 
+/// What was left out is counted, so that nobody takes the log of a whole system for one that has nothing else in it.
 std::string summary(const Counts& counts, std::uint64_t actions, bool all) {
   auto text = count(actions, "action", "actions") + " in " + count(counts.lines, "line", "lines") + ".";
   if (counts.foreign == 0) return text;
@@ -96,6 +97,7 @@ std::size_t widthFor(const Wish& wish, std::optional<std::size_t> terminal) {
   return std::clamp(wish.width.value_or(terminal.value_or(80)), narrowest, widest);
 }
 
+/// Line by line from its source to the printer: a log may be larger than the memory, and is told while it still comes.
 bool tellLog(std::string_view name, LineFeed::Source source, const Manner& manner, const Printer::Out& out) {
   Printer printer(manner.width, out);
   LogReader reader(manner.all, [&printer](const Item& item) { printer.print(item); });

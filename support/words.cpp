@@ -52,6 +52,7 @@ std::string statusInWords(std::int64_t status) {
   return std::to_string(status) + " (" + std::string(statusName(status)) + ")";
 }
 
+/// Nothing for an action that is not known here: a log may be of a newer build.
 std::string_view purposeOf(std::string_view action) {
   for (const auto& [name, purpose] : purposes)
     if (name == action) return purpose;

@@ -28,6 +28,7 @@ std::string escapedXml(const std::string& text) {
   return result;
 }
 
+/// One element a line and indented, as people expect the file when they open it.
 class XmlWriter {
  public:
   void write(const PropertyList& list) {

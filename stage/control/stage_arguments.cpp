@@ -22,6 +22,7 @@ std::optional<std::string> StageArguments::takeAny() {
   return word;
 }
 
+/// The choices are part of the message: who mistyped one needs no other page.
 std::string StageArguments::takeOneOf(std::string_view what, const std::vector<std::string>& choices) {
   auto word = take(what);
   if (std::ranges::find(choices, word) != choices.end()) return word;

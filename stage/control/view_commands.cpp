@@ -41,6 +41,7 @@ std::string statusName(std::int32_t status) {
   return status >= 0 && status <= 3 ? names[status] : "?";
 }
 
+/// A stage whose launchd was killed can be looked at all the same, so a missing answer is told and stops nothing.
 void showJobs(const StageRoot& root) {
   const auto answer = askLaunchd(root, {"print", "gui/" + std::to_string(root.userID())});
   std::cout << (answer ? answer->output : "launchd doesn't answer\n");

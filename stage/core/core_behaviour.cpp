@@ -92,6 +92,7 @@ bool readWord(CoreBehaviour& behaviour, std::string_view word) {
 
 }  // namespace
 
+/// The first word that means nothing is given back, so that whoever ordered it is told which one it was.
 std::expected<CoreBehaviour, std::string> coreBehaviour(std::string_view words) {
   CoreBehaviour behaviour;
   for (const auto word : split(words, ' '))

@@ -43,6 +43,7 @@ std::optional<std::vector<std::string>> argumentsOf(const PropertyList& list) {
   return arguments;
 }
 
+/// A variable that is no text is left out, and the job starts without it.
 std::map<std::string, std::string> environmentOf(const PropertyList& list) {
   std::map<std::string, std::string> environment;
   const auto* entry = list.entry("EnvironmentVariables");

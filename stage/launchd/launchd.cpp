@@ -72,6 +72,7 @@ void Launchd::bootstrap(const Question& question) {
   jobs_.bootstrap(*definition, question.now, question.reply);
 }
 
+/// A service is named here, never a whole domain: to end a stage is a question of its own.
 void Launchd::bootout(const Question& question) {
   const auto target = serviceTarget(question.words[1]);
   if (!target || target->label.empty()) return question.reply(kNoTarget);
@@ -137,6 +138,7 @@ void Launchd::tick(Time now) {
   services_.tick(now);
 }
 
+/// The loop sleeps until then: a job that is throttled, or a timeout that runs, has to be met without a question.
 std::optional<Launchd::Time> Launchd::nextDeadline() const {
   const auto job = jobs_.nextDeadline();
   const auto service = services_.nextDeadline();

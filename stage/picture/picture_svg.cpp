@@ -31,6 +31,8 @@ constexpr LegendBar bars[] = {{SpanKind::Life, "lives"},
                               {SpanKind::Wait, "waits by a rule"},
                               {SpanKind::Lock, "holds the lock"}};
 
+/// The paper from the top down. How many lines a text takes shows only when it is wrapped, so the height grows with what
+/// is written.
 class Document {
  public:
   explicit Document(const Picture& picture) : picture_(picture) {}
@@ -57,6 +59,7 @@ class Document {
     y_ += lineHeight;
   }
 
+  /// Drawn with the signs and bars of the chart itself, so that it cannot tell of others.
   void legend() {
     y_ += 6;
     double x = 12;

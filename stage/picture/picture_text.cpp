@@ -72,11 +72,13 @@ std::string characterOf(const Mark& mark) {
   return "";
 }
 
+/// One column has room for one letter. Signals that no rule sends are rare, and are told by name below the chart.
 std::string_view letterOf(std::string_view signal) {
   if (signal == "SIGKILL") return "K";
   return signal == "SIGTERM" ? "T" : "S";
 }
 
+/// The chart with a line of characters for each row, and below it all that a line has no room for.
 class Drawing {
  public:
   /// The names have two fifths of a narrow terminal at most, and the chart the rest.

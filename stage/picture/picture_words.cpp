@@ -82,6 +82,8 @@ std::string_view nameOf(MarkKind kind) {
   return "";
 }
 
+/// A character counts as one column. Wide ones, as some file names have, take two on a terminal and shift a row by one;
+/// nothing else depends on it.
 std::size_t columnsOf(std::string_view text) {
   return static_cast<std::size_t>(std::ranges::count_if(text, [](char one) { return !isInside(one); }));
 }

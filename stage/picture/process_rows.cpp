@@ -19,6 +19,7 @@ Span spanOf(const Scene& scene, const Life& life) {
           .lost = life.lost};
 }
 
+/// What was lost sight of has ended at some moment, but nobody noted which, so no end is drawn.
 void addEnd(Row& row, const Life& life) {
   if (!life.until || life.lost) return;
   const bool killed = life.ending.starts_with("signal ");
@@ -71,6 +72,8 @@ void addMarks(Row& row, const Scene& scene, const Life& life) {
         row.marks.push_back({.at = moment.at, .label = name});
 }
 
+/// The rows in the order in which a reader asks: the companion and its tools, whom it acts upon, launchd, and last
+/// whoever was there besides.
 class Table {
  public:
   explicit Table(const Scene& scene) : scene_(scene) {}
@@ -162,6 +165,7 @@ std::optional<std::size_t> senderRow(const Moment& signal, const Scene& scene, c
 
 }  // namespace
 
+/// Arrows are drawn from row to row, so the rows are made first, and know which life each of them shows.
 ProcessRows processRows(const Scene& scene) {
   return Table(scene).all();
 }

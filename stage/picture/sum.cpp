@@ -51,6 +51,7 @@ class Sum {
     });
   }
 
+  /// The look by which the kill was decided.
   [[nodiscard]] std::optional<std::int64_t> lastAlive(std::int32_t pid, std::int64_t before) const {
     std::optional<std::int64_t> found;
     for (const auto& moment : scene_.moments)
@@ -65,6 +66,7 @@ class Sum {
     if (at) parts_ += (parts_.empty() ? "" : ", ") + what + " at " + secondsText(*at);
   }
 
+  /// In the order in which it goes when it goes well; the next Core stands last, because it is what a restart is for.
   void stop(std::size_t core) {
     const auto& life = scene_.lives[core];
     add("asked", signalled(life.pid, SIGTERM));
@@ -108,6 +110,7 @@ class Sum {
         life.from < 0 ? add("old copy gone", life.until) : add("new copy runs", life.from);
   }
 
+  /// A status or a sync stops and moves nothing, so what is left to say is when it was done.
   void otherAction() {
     const auto own = scene_.self().pid;
     const auto last = [&](std::string_view word) {

@@ -69,6 +69,7 @@ void SvgText::open(std::string_view name, const Attributes& attributes) {
   open_.push_back(name);
 }
 
+/// The names are kept from their opening on, so that no element is closed by another's name.
 void SvgText::close() {
   text_.append("</").append(open_.back()).append(">\n");
   open_.pop_back();

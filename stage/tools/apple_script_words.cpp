@@ -56,6 +56,8 @@ std::optional<ScriptWord> takeLiteral(std::string_view& rest) {
   return std::nullopt;
 }
 
+/// Only what the companion's own scripts are made of is known. Anything else is a mistake, so that a script which a Mac
+/// would read otherwise is not taken for understood.
 std::optional<ScriptWord> takeScriptWord(std::string_view& rest) {
   const char first = rest.front();
   if (first == '"') return takeLiteral(rest);

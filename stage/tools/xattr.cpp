@@ -14,6 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// Linux keeps what users may set in a space of its own. A Mac has no spaces, so its names go without.
 constexpr std::string_view userSpace = "user.";
 
 /// The attributes of one item that users may set, by the names of a Mac; none when they cannot be read.
@@ -31,6 +32,7 @@ std::vector<std::string> attributesOf(const std::string& path) {
   return found;
 }
 
+/// One path after the other: a fault of one is told, and keeps none of the others from being done.
 class Work {
  public:
   Work(const StageRoot& root, XattrUse use) : root_(root), use_(std::move(use)) {}
