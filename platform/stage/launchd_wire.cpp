@@ -1,10 +1,9 @@
 #include "platform/stage/launchd_wire.hpp"
 
-#include <limits>
-#include <string_view>
+#include <array>
 #include <sys/socket.h>
+#include <unistd.h>
 
-#include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/stream_sockets.hpp"
 #include "values/text.hpp"
@@ -23,55 +22,72 @@ bool sendAll(int socket, std::string_view bytes) {
   return true;
 }
 
+/// A zero byte closes each text, as the kernel keeps arguments: none can hold one.
+std::string closed(std::string text) {
+  text.push_back('\0');
+  return text;
+}
+
+/// Takes a text off the front; absent when its end has not come yet.
+std::optional<std::string_view> takeText(std::string_view& rest) {
+  const auto end = rest.find('\0');
+  if (end == std::string_view::npos) return std::nullopt;
+  const auto text = rest.substr(0, end);
+  rest.remove_prefix(end + 1);
+  return text;
+}
+
 }  // namespace
 
-/// The end of the question is the end of the half connection, and launchd's end is that of the answer; so neither
-/// needs a length in front. There is no limit here: the answer to a kickstart comes when the old process has ended,
-/// however long its exit timeout is.
+/// Both sides see by the bytes that a question or an answer is whole, and wait for no end of the connection: each wait
+/// would be one more process that has to be woken. There is no limit here: the answer to a kickstart comes when the old
+/// process has ended, however long its exit timeout is.
 std::optional<LaunchdAnswer> askLaunchd(const StageRoot& root, const std::vector<std::string>& words) {
   const auto socket = connectedTo(root.control("launchd.sock"));
   if (!socket || !sendAll(socket.get(), bytesOf(words))) return std::nullopt;
-  ::shutdown(socket.get(), SHUT_WR);
-  const auto bytes = platform::readToEnd(socket.get(), std::numeric_limits<std::size_t>::max());
-  return bytes ? answerOf(*bytes) : std::nullopt;
+  std::string bytes;
+  std::array<char, 65536> portion;
+  for (;;) {
+    const auto count =
+        platform::uninterrupted([&] { return ::read(socket.get(), portion.data(), portion.size()); });
+    if (count <= 0) return std::nullopt;
+    bytes.append(portion.data(), static_cast<std::size_t>(count));
+    if (auto answer = answerOf(bytes)) return answer;
+  }
 }
 
-/// Each word is closed by a zero byte, as the kernel keeps arguments: no word can hold one.
-std::vector<std::string> wordsOf(const std::string& question) {
+std::optional<std::vector<std::string>> wordsOf(std::string_view question) {
+  const auto count = takeText(question);
+  const auto number = count ? values::decimalInt32(*count) : std::nullopt;
+  if (!number) return std::nullopt;
   std::vector<std::string> words;
-  for (std::size_t start = 0; start < question.size();) {
-    const auto end = std::min(question.find('\0', start), question.size());
-    words.push_back(question.substr(start, end - start));
-    start = end + 1;
+  for (auto left = *number; left > 0; --left) {
+    const auto word = takeText(question);
+    if (!word) return std::nullopt;
+    words.emplace_back(*word);
   }
   return words;
 }
 
 std::string bytesOf(const std::vector<std::string>& words) {
-  std::string bytes;
+  auto bytes = closed(std::to_string(words.size()));
   for (const auto& word : words)
-    bytes.append(word).push_back('\0');
+    bytes += closed(word);
   return bytes;
 }
 
 /// An answer that launchd's end has cut off is none, for half of one would read as another.
-std::optional<LaunchdAnswer> answerOf(const std::string& bytes) {
-  const auto output = bytes.find('\0');
-  if (output == std::string::npos) return std::nullopt;
-  const auto errors = bytes.find('\0', output + 1);
-  const auto status = values::decimalInt32(std::string_view(bytes).substr(0, output));
-  if (errors == std::string::npos || !status) return std::nullopt;
-  return LaunchdAnswer{.status = *status,
-                       .output = bytes.substr(output + 1, errors - output - 1),
-                       .errors = bytes.substr(errors + 1)};
+std::optional<LaunchdAnswer> answerOf(std::string_view bytes) {
+  const auto number = takeText(bytes);
+  const auto output = takeText(bytes);
+  const auto errors = takeText(bytes);
+  const auto status = number ? values::decimalInt32(*number) : std::nullopt;
+  if (!errors || !status) return std::nullopt;
+  return LaunchdAnswer{.status = *status, .output = std::string(*output), .errors = std::string(*errors)};
 }
 
 std::string bytesOf(const LaunchdAnswer& answer) {
-  auto bytes = std::to_string(answer.status);
-  bytes.push_back('\0');
-  bytes += answer.output;
-  bytes.push_back('\0');
-  return bytes + answer.errors;
+  return closed(std::to_string(answer.status)) + closed(answer.output) + closed(answer.errors);
 }
 
 }  // namespace tamo::stage

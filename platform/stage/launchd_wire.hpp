@@ -3,14 +3,14 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/stage/stage_root.hpp"
 
 /// How the programs and adapters of a stage talk to its launchd: one connection to the control room's
-/// "launchd.sock" a question. The question is a list of words, each closed by a zero byte, then the end of
-/// sending; the answer is the status in decimal, the output and the error text, separated by zero bytes, then
-/// the end.
+/// "launchd.sock" a question. The question is the number of its words in decimal and the words; the answer is the
+/// status in decimal, the output and the error text. Each of these texts is closed by a zero byte.
 ///
 ///   print TARGET | kickstart [-k] TARGET | bootstrap DOMAIN PLIST | bootout TARGET      what launchctl asks
 ///   service-status PLIST-NAME                       status 0, the service status in the output
@@ -35,11 +35,11 @@ struct LaunchdAnswer {
 [[nodiscard]] std::optional<LaunchdAnswer> askLaunchd(const StageRoot& root,
                                                       const std::vector<std::string>& words);
 
-/// The halves of the form: the asker's, which reads an answer cut off by a dying launchd as absent, and
-/// launchd's own.
+/// The halves of the form: the asker's and launchd's own. What is not whole, or has another form, is absent; nothing
+/// stands behind a whole one.
 [[nodiscard]] std::string bytesOf(const std::vector<std::string>& words);
-[[nodiscard]] std::optional<LaunchdAnswer> answerOf(const std::string& bytes);
-[[nodiscard]] std::vector<std::string> wordsOf(const std::string& question);
+[[nodiscard]] std::optional<LaunchdAnswer> answerOf(std::string_view bytes);
+[[nodiscard]] std::optional<std::vector<std::string>> wordsOf(std::string_view question);
 [[nodiscard]] std::string bytesOf(const LaunchdAnswer& answer);
 
 }  // namespace tamo::stage

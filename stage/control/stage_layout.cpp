@@ -100,7 +100,6 @@ bool comesTrue(Condition condition, std::chrono::milliseconds within) {
 void shutDownLaunchd(const StageRoot& root) {
   const auto socket = connectedTo(root.control("launchd.sock"));
   if (!socket || !platform::writeAll(socket.get(), bytesOf({"shutdown"}))) return;
-  ::shutdown(socket.get(), SHUT_WR);
   pollfd answer = {.fd = socket.get(), .events = POLLIN, .revents = 0};
   ::poll(&answer, 1, 5000);
 }

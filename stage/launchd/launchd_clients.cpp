@@ -81,18 +81,18 @@ void LaunchdClients::serveClient(std::uint64_t number, short events) {
   if (!stays) clients_.erase(number);
 }
 
-/// The asker closes its half when the question is whole, so no length has to be agreed upon.
+/// One who hangs up before the question is whole has asked nothing.
 bool LaunchdClients::read(std::uint64_t number, Client& client) {
   std::array<char, 4096> bytes;
   const auto size =
       platform::uninterrupted([&] { return ::recv(client.socket.get(), bytes.data(), bytes.size(), 0); });
   if (size < 0) return wouldBlock();
-  if (size > 0) {
-    client.question.append(bytes.data(), static_cast<std::size_t>(size));
-    return true;
-  }
+  if (size == 0) return false;
+  client.question.append(bytes.data(), static_cast<std::size_t>(size));
+  const auto words = wordsOf(client.question);
+  if (!words) return true;
   client.asked = true;
-  handler_(wordsOf(client.question), [this, number](const LaunchdAnswer& given) { answer(number, given); });
+  handler_(*words, [this, number](const LaunchdAnswer& given) { answer(number, given); });
   return true;
 }
 

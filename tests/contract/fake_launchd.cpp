@@ -1,8 +1,9 @@
 #include "contract/fake_launchd.hpp"
 
-#include <limits>
+#include <array>
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 #include <utility>
 
 #include "platform/posix/byte_stream.hpp"
@@ -13,6 +14,22 @@
 namespace tamo::contract {
 
 using platform::Descriptor;
+
+namespace {
+
+/// The question, or no words from one who hangs up before it is whole.
+std::vector<std::string> heard(int asker) {
+  std::string question;
+  std::array<char, 4096> portion;
+  for (;;) {
+    const auto count = ::read(asker, portion.data(), portion.size());
+    if (count <= 0) return {};
+    question.append(portion.data(), static_cast<std::size_t>(count));
+    if (auto words = stage::wordsOf(question)) return *words;
+  }
+}
+
+}  // namespace
 
 FakeLaunchd::FakeLaunchd(const stage::StageRoot& root, Answering answering)
     : root_(root), answering_(std::move(answering)) {
@@ -34,8 +51,7 @@ void FakeLaunchd::serve(int listener) {
     pollfd source{.fd = listener, .events = POLLIN, .revents = 0};
     ::poll(&source, 1, -1);
     const Descriptor asker(::accept(listener, nullptr, nullptr));
-    const auto question = platform::readToEnd(asker.get(), std::numeric_limits<std::size_t>::max());
-    const auto words = stage::wordsOf(question.value_or(""));
+    const auto words = heard(asker.get());
     const bool last = words == std::vector<std::string>{"shutdown"};
     const auto answer = last ? stage::LaunchdAnswer{} : answering_(words);
     static_cast<void>(platform::writeAll(asker.get(), stage::bytesOf(answer)));

@@ -17,7 +17,6 @@ class LaunchdClientsTest : public ::testing::Test {
   platform::Descriptor asker(const std::vector<std::string>& words) {
     auto socket = connectedTo(path);
     EXPECT_TRUE(platform::writeAll(socket.get(), bytesOf(words)));
-    ::shutdown(socket.get(), SHUT_WR);
     return socket;
   }
 
@@ -49,12 +48,28 @@ class LaunchdClientsTest : public ::testing::Test {
 
 TEST_F(LaunchdClientsTest, AQuestionIsHeardWhenItIsComplete) {
   const auto socket = connectedTo(path);
-  EXPECT_TRUE(platform::writeAll(socket.get(), bytesOf({"print", "gui/501"})));
+  const auto question = bytesOf({"print", "gui/501"});
+  EXPECT_TRUE(platform::writeAll(socket.get(), std::string_view(question).substr(0, question.size() - 1)));
   turns();
   EXPECT_TRUE(asked.empty());
-  ::shutdown(socket.get(), SHUT_WR);
+  EXPECT_TRUE(platform::writeAll(socket.get(), std::string_view(question).substr(question.size() - 1)));
   turns();
   EXPECT_THAT(asked, ::testing::ElementsAre(::testing::ElementsAre("print", "gui/501")));
+}
+
+TEST_F(LaunchdClientsTest, AQuestionThatIsCutOffIsNotAsked) {
+  {
+    const auto socket = connectedTo(path);
+    EXPECT_TRUE(
+        platform::writeAll(socket.get(), "2" + std::string(1, '\0') + "shutdown" + std::string(1, '\0')));
+  }
+  turns();
+  EXPECT_TRUE(asked.empty());
+  const auto next = asker({"next"});
+  turns();
+  replies.at(0)({.output = "for next"});
+  turns();
+  EXPECT_EQ(answerTo(next), "for next");
 }
 
 TEST_F(LaunchdClientsTest, ALateAnswerKeepsNobodyElseWaiting) {

@@ -14,6 +14,12 @@ TEST(LaunchdWireTest, WordsSurviveTheWay) {
     EXPECT_EQ(wordsOf(bytesOf(words)), words);
 }
 
+TEST(LaunchdWireTest, AQuestionThatIsNotWholeIsNone) {
+  using std::string_literals::operator""s;
+  for (const auto& bytes : {""s, "2"s, "2\0print\0"s, "2\0print\0gui"s, "x\0print\0"s, "\0"s})
+    EXPECT_FALSE(wordsOf(bytes));
+}
+
 TEST(LaunchdWireTest, AnAnswerSurvivesTheWay) {
   const LaunchdAnswer answer{.status = -5, .output = "a\nb", .errors = "Bad request.\n"};
   const auto read = answerOf(bytesOf(answer));
@@ -25,7 +31,7 @@ TEST(LaunchdWireTest, AnAnswerSurvivesTheWay) {
 
 TEST(LaunchdWireTest, AnAnswerThatWasCutOffIsNone) {
   using std::string_literals::operator""s;
-  for (const auto& bytes : {""s, "0"s, "0\0half"s, "x\0\0"s})
+  for (const auto& bytes : {""s, "0"s, "0\0half"s, "0\0whole\0half"s, "x\0\0\0"s})
     EXPECT_FALSE(answerOf(bytes));
 }
 
