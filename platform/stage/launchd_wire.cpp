@@ -82,7 +82,7 @@ std::optional<LaunchdAnswer> answerOf(std::string_view bytes) {
   const auto output = takeText(bytes);
   const auto errors = takeText(bytes);
   const auto status = number ? values::decimalInt32(*number) : std::nullopt;
-  if (!errors || !status) return std::nullopt;
+  if (!status || !output || !errors) return std::nullopt;
   return LaunchdAnswer{.status = *status, .output = std::string(*output), .errors = std::string(*errors)};
 }
 
