@@ -1,10 +1,6 @@
 #include "platform/posix/byte_stream.hpp"
 
 #include <algorithm>
-#include <array>
-#include <unistd.h>
-
-#include "platform/posix/descriptor.hpp"
 
 namespace tamo::platform {
 

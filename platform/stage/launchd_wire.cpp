@@ -1,9 +1,8 @@
 #include "platform/stage/launchd_wire.hpp"
 
-#include <array>
 #include <sys/socket.h>
-#include <unistd.h>
 
+#include "platform/posix/byte_stream.hpp"
 #include "platform/posix/descriptor.hpp"
 #include "platform/stage/stream_sockets.hpp"
 #include "values/text.hpp"
@@ -45,15 +44,7 @@ std::optional<std::string_view> takeText(std::string_view& rest) {
 std::optional<LaunchdAnswer> askLaunchd(const StageRoot& root, const std::vector<std::string>& words) {
   const auto socket = connectedTo(root.control("launchd.sock"));
   if (!socket || !sendAll(socket.get(), bytesOf(words))) return std::nullopt;
-  std::string bytes;
-  std::array<char, 65536> portion;
-  for (;;) {
-    const auto count =
-        platform::uninterrupted([&] { return ::read(socket.get(), portion.data(), portion.size()); });
-    if (count <= 0) return std::nullopt;
-    bytes.append(portion.data(), static_cast<std::size_t>(count));
-    if (auto answer = answerOf(bytes)) return answer;
-  }
+  return platform::readUntilWhole(socket.get(), answerOf);
 }
 
 std::optional<std::vector<std::string>> wordsOf(std::string_view question) {

@@ -58,7 +58,7 @@ namespace {
 std::vector<std::string> ownArguments() {
   const Descriptor opened(::open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC));
   std::array<char, 65536> room;
-  const auto count = ::read(opened.get(), room.data(), room.size());
+  const auto count = uninterrupted([&] { return ::read(opened.get(), room.data(), room.size()); });
   const std::string line(room.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
   std::vector<std::string> words;
   for (std::size_t start = line.find('\0'); start != std::string::npos && start + 1 < line.size();) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,9 +64,16 @@ inline JournalBuilder hangingRestart() {
   return journal;
 }
 
-/// The picture of it, drawn while its new Core runs.
+/// The picture of a journal that has one.
+inline Picture drawn(const JournalBuilder& journal, const Present& present = {}) {
+  auto picture = pictureOf(journal.reading(), present);
+  EXPECT_TRUE(picture.has_value());
+  return picture.value_or(Picture());
+}
+
+/// The picture of that restart, drawn while its new Core runs.
 inline Picture hanging() {
-  return pictureOf(hangingRestart().reading(), {.living = {1, 60}}).value_or(Picture());
+  return drawn(hangingRestart(), {.living = {1, 60}});
 }
 
 }  // namespace tamo::stage

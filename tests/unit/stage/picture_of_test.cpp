@@ -16,12 +16,6 @@ using ::testing::Field;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-Picture drawn(const JournalBuilder& journal, const Present& present = {}) {
-  auto picture = pictureOf(journal.reading(), present);
-  EXPECT_TRUE(picture.has_value());
-  return picture.value_or(Picture());
-}
-
 std::vector<std::string> namesOf(const Picture& picture) {
   std::vector<std::string> names;
   for (const auto& row : picture.rows)
